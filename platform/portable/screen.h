@@ -1,0 +1,115 @@
+/* The machine that the portable operations run on, as its owner sees it: tests describe it, make steps fail and read pixels back;
+ * the viewer's desktop hooks itself in here. No part of the library includes this header.
+ *
+ * Everything is off at first: no screen, a depth of 24 bits, nothing shown. All of it is process-wide, and used by one thread
+ * except where told. */
+#pragma once
+
+#include "platform/portable/ddraw.h"
+#include "platform/portable/types.h"
+#include "platform/portable/window.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+struct ScreenSetup {
+  int32_t width = 1024;
+  int32_t height = 768;
+  int32_t bits = 32;                                                       ///< 8, 16, 24, 32; tests may give others.
+  uint32_t redMask = 0xFF0000, greenMask = 0x00FF00, blueMask = 0x0000FF;  ///< For 16 bits: F800 7E0 1F, or 7C00 3E0 1F.
+  int32_t adapters = 1;  ///< Monitors stand side by side, the primary one leftmost, all of the same size.
+  bool primaryInSystemMemory = false;
+};
+
+/** The masks that belong to a depth; 15 gives the setup of a 16-bit screen with five bits each. */
+ScreenSetup Screen_Of_Depth(int32_t bits);
+
+/** Gives the machine a screen. Windows made before keep their size and lose their pixels. */
+void Screen_Set_Up(const ScreenSetup& setup);
+
+/** Takes the screen away again, and every failure, message and text with it. Windows must have been destroyed. */
+void Screen_Remove();
+
+/** Steps that can be made to fail. */
+enum class ScreenStep {
+  Memory,               ///< HeapAlloc gives null.
+  LoadDirectDraw,       ///< LoadLibraryA of ddraw.dll.
+  FindEnumerateEx,      ///< GetProcAddress of DirectDrawEnumerateExA.
+  FindMonitorFunction,  ///< GetProcAddress of GetMonitorInfoA.
+  DirectDrawCreate,
+  SetCooperativeLevel,
+  CreatePrimary,
+  DescribePrimary,  ///< GetSurfaceDesc of the primary surface.
+  CreateClipper,
+  ClipperSetWindow,
+  SetClipper,
+  CreateOffscreen,
+  CreateOffscreenNull,  ///< Success, and a null pointer.
+  CreatePalette,
+  RestorePrimary,
+  RestoreOffscreen,
+  LockOffscreen,
+  LockWithoutPixels,  ///< The lock succeeds and gives a null lpSurface.
+  SurfaceGetDC,
+  BltOffscreen,  ///< Blt onto an off-screen surface.
+  BltPrimary,    ///< Blt onto the primary surface.
+  GetMonitorInfo,
+  CreateMutex,
+  WriteFile,
+  ShortWrite,  ///< WriteFile succeeds and writes one byte less.
+};
+
+/** From now on lets `after` calls of the step pass, then makes `times` calls fail, with `code` where the step gives an HRESULT.
+ *  A new setting of the same step replaces the old one. May be called from a draw callback. */
+void Screen_Fail(ScreenStep step, int32_t after = 0, int32_t times = INT32_MAX, HRESULT code = E_FAIL);
+void Screen_Fail_Nothing();
+/** How often a step was asked for since the screen was set up. */
+int32_t Screen_Calls(ScreenStep step);
+
+/** Makes all surfaces lost, until each is restored. */
+void Screen_Lose_Surfaces();
+
+/** Memory, handles and objects of the portable layer still alive: heap blocks, mutexes, files, DCs, GDI objects and DirectDraw
+ * objects. */
+int32_t Screen_Objects_Alive();
+
+/** State of a window that its user would change. */
+void Screen_Minimise(HWND window, bool minimised);
+void Screen_Disable(HWND window, bool disabled);
+/** Moves the window to that monitor, 0 the primary one. */
+void Screen_Move_To_Monitor(HWND window, int32_t monitor);
+
+/** Pixels of a window's client area, top row first, rows at *pitch bytes, in the screen's depth. Null if it has none. */
+const uint8_t* Screen_Window_Pixels(HWND window, int32_t* width, int32_t* height, int32_t* pitch);
+/** Colour of a client pixel as 0xRRGGBB; 0xFFFFFFFF outside. */
+uint32_t Screen_Window_Color(HWND window, int32_t x, int32_t y);
+/** The pixels of a surface, top row first. */
+const uint8_t* Screen_Surface_Pixels(IDirectDrawSurface* surface, int32_t* width, int32_t* height, int32_t* pitch);
+/** Whether everything around an off-screen surface's pixels still holds what it was filled with: nothing was written between
+ * its rows, above the first and below the last. */
+bool Screen_Surface_Guards_Whole(const IDirectDrawSurface* surface);
+
+/** What was sent to the debug output, or shown in message boxes ("caption|text"), since the last look. */
+std::vector<std::string> Screen_Take_Debug_Output();
+std::vector<std::string> Screen_Take_Messages();
+
+/** Sets the millisecond tick that GetTickCount gives, until Screen_Real_Time. */
+void Screen_Set_Tick(uint32_t tick);
+void Screen_Real_Time();
+
+/** A desktop behind the portable windows; every function may be null. Called on the thread that works on the window. */
+struct ScreenDesktop {
+  void (*windowCreated)(HWND window);
+  void (*windowChanged)(HWND window);  ///< Size, title, style or visibility.
+  void (*pixelsChanged)(HWND window);
+  void (*windowDestroyed)(HWND window);
+  /** Turns the desktop's events into posted messages; waits up to that many milliseconds if there is none. */
+  void (*pumpEvents)(uint32_t milliseconds);
+  /** Asks a waiting pumpEvents to return; called on any thread. */
+  void (*wake)();
+};
+void Screen_Set_Desktop(const ScreenDesktop& desktop);
+
+/** Tells a window that its user gave the client area another size: pixels are made anew and WM_SIZE and WM_PAINT posted. */
+void Screen_Resize_Client(HWND window, int32_t width, int32_t height);
