@@ -1,0 +1,286 @@
+#include "decode/decoder.h"
+
+#include "api/speed.h"
+#include "decode/buffers.h"
+#include "decode/frame.h"
+#include "decode/huffman_tables.h"
+#include "decode/quant.h"
+#include "display/context.h"
+#include "kernels/kernels.h"
+#include "pixel/color_tables.h"
+
+#include <array>
+
+LONG jdecInitCount = 0;
+const uint32_t* bitMasks = nullptr;
+
+static constexpr auto bitMaskStore = [] {
+  std::array<uint32_t, 32> store{};
+  for (uint32_t i = 0; i < 32; ++i) store[i] = (1u << i) - 1;
+  return store;
+}();
+
+void Init_Bit_Masks() { bitMasks = bitMaskStore.data(); }
+
+void Init_Global_Tables() {
+  rangeLimit = Init_Range_Limit();
+  Init_RGB_YCC_Table();
+  Init_YCC_RGB_Table();
+  Huff_Init_Decode_Tables();
+  Init_Bit_Masks();
+  kernels = Kernels_Select(KernelPlain);
+}
+
+void Free_Global_Tables() {
+  Free_YCC_RGB_Table();
+  Free_RGB_YCC_Table();
+  if (rangeLimit) Free_Range_Limit(rangeLimit);
+  Huff_Free_Decode_Tables();
+}
+
+int32_t VELARTO_CDECL JDEC_Init(void) {
+  if (InterlockedIncrement(&jdecInitCount) > 1) return 1;
+  Init_Global_Tables();
+  jdecInitCount = 1;
+  return 1;
+}
+
+void VELARTO_CDECL JDEC_Exit(void) {
+  if (InterlockedDecrement(&jdecInitCount) >= 1) return;
+  Free_Global_Tables();
+  jdecInitCount = 0;
+}
+
+int32_t Picture_Size_Allowed(int32_t width, int32_t height) {
+  if (width < 1 || height < 1 || width > MaxPictureSide || height > MaxPictureSide) return 0;
+  return int64_t{width / 16} * (height / 16) <= MaxMacroblocks && int64_t{width} * height <= int64_t{MaxMacroblocks} * 256;
+}
+
+template <typename T>
+static T* Table_New() {
+  return static_cast<T*>(Arena_Alloc_Zeroed(64 * sizeof(T)));
+}
+
+static JdecFrameBuffer* Frame_Buffer_New() {
+  auto* const frame = static_cast<JdecFrameBuffer*>(Arena_Alloc_Zeroed(sizeof(JdecFrameBuffer)));
+  if (frame) frame->data = static_cast<uint8_t*>(Arena_Alloc_Zeroed(FrameStoreSize));
+  return frame;
+}
+
+JdecCodec* Codec_New(int32_t width, int32_t height) {
+  auto* const codec = static_cast<JdecCodec*>(Arena_Alloc_Zeroed(sizeof(JdecCodec)));
+  if (!codec) return nullptr;
+  codec->width = width;
+  codec->height = height;
+  codec->quality = 25;
+  codec->lumaQuant = Table_New<uint16_t>();
+  codec->chromaQuant = Table_New<uint16_t>();
+  codec->lumaForward = Table_New<int16_t>();
+  codec->chromaForward = Table_New<int16_t>();
+  codec->lumaInverse = Table_New<int16_t>();
+  codec->chromaInverse = Table_New<int16_t>();
+  codec->coefY = Coef_Plane_New(width, height);
+  codec->coefCb = Coef_Plane_New(width / 2, height / 2);
+  codec->coefCr = Coef_Plane_New(width / 2, height / 2);
+  codec->frame = Frame_Buffer_New();
+  const bool complete = codec->lumaQuant && codec->chromaQuant && codec->lumaForward && codec->chromaForward &&
+                        codec->lumaInverse && codec->chromaInverse && codec->coefY && codec->coefCb && codec->coefCr &&
+                        codec->frame && codec->frame->data;
+  if (complete) return codec;
+  Codec_Free(codec);
+  return nullptr;
+}
+
+void Codec_Free(JdecCodec* codec) {
+  if (!codec) return;
+  if (codec->frame) Arena_Free(codec->frame->data);
+  Arena_Free(codec->frame);
+  Coef_Plane_Free(codec->coefY);
+  Coef_Plane_Free(codec->coefCb);
+  Coef_Plane_Free(codec->coefCr);
+  Arena_Free(codec->lumaQuant);
+  Arena_Free(codec->chromaQuant);
+  Arena_Free(codec->lumaForward);
+  Arena_Free(codec->chromaForward);
+  Arena_Free(codec->lumaInverse);
+  Arena_Free(codec->chromaInverse);
+  Arena_Free(codec);
+}
+
+void Codec_Set_Quality(JdecCodec* codec, int32_t quality) {
+  if (codec->quality == quality) return;
+  static constexpr int32_t scaleBits = 11;
+  codec->quality = quality;
+  Quant_Build(quality, codec->lumaQuant, codec->chromaQuant);
+  Quant_Build_Forward(codec->lumaForward, codec->lumaQuant, scaleBits);
+  Quant_Build_Forward(codec->chromaForward, codec->chromaQuant, scaleBits);
+  Quant_Build_Inverse(codec->lumaInverse, codec->lumaQuant, scaleBits);
+  Quant_Build_Inverse(codec->chromaInverse, codec->chromaQuant, scaleBits);
+}
+
+/** Gives the decoder all that it owns, which Decoder_Release can take back however far this came. 0 when something can't be had.
+ */
+static int32_t Decoder_Fill(JdecDecoder* decoder) {
+  decoder->codec = Codec_New(decoder->width, decoder->height);
+  if (!decoder->codec) return 0;
+  Codec_Set_Quality(decoder->codec, StartQuality);
+  decoder->assemblyBuffer = static_cast<uint8_t*>(Arena_Alloc(StreamBufferSize, nullptr));
+  decoder->ringStart = static_cast<uint8_t*>(Arena_Alloc(StreamBufferSize, nullptr));
+  if (!decoder->assemblyBuffer || !decoder->ringStart || !Build_Rasters(decoder)) return 0;
+  decoder->ringSize = StreamBufferSize;
+  decoder->ringEnd = decoder->ringStart + StreamBufferSize;
+  decoder->ringRead = decoder->ringWrite = decoder->ringStart;
+  decoder->lock = CreateMutexA(nullptr, FALSE, nullptr);
+  if (!decoder->lock) return 0;
+  decoder->speedState = Speed_Holder_New();
+  return decoder->speedState != nullptr;
+}
+
+static void Decoder_Release(JdecDecoder* decoder) {
+  Arena_Free(decoder->assemblyBuffer);
+  Free_Rasters(decoder);
+  Codec_Free(decoder->codec);
+  Arena_Free(decoder->ringStart);
+  if (decoder->lock) CloseHandle(decoder->lock);
+  Speed_Holder_Free(decoder->speedState);
+  Arena_Free(decoder);
+}
+
+JdecDecoder* VELARTO_CDECL JDEC_New(int32_t width, int32_t height) {
+  if (!Picture_Size_Allowed(width, height)) return nullptr;
+  auto* const decoder = static_cast<JdecDecoder*>(Arena_Alloc_Zeroed(sizeof(JdecDecoder)));
+  if (!decoder) return nullptr;
+  decoder->width = width;
+  decoder->height = height;
+  SetRect(&decoder->srcRect, 0, 0, width, height);
+  SetRect(&decoder->dstRect, 0, 0, width, height);
+  if (Decoder_Fill(decoder)) return decoder;
+  Decoder_Release(decoder);
+  return nullptr;
+}
+
+void VELARTO_CDECL JDEC_Free(JdecDecoder* decoder) {
+  if (!decoder) return;
+  if (decoder->window) JDEC_Draw_Exit(decoder);
+  Decoder_Release(decoder);
+}
+
+void VELARTO_CDECL JDEC_Flush(JdecDecoder* decoder) {
+  if (!decoder) return;
+  decoder->assemblyFill = 0;
+  decoder->frameOpen = 0;
+  decoder->endSearched = 0;
+  Planes_Darken(decoder->codec->planes);
+  Redraw_Frame(decoder);
+}
+
+/** Gives the decoder a headless raster. */
+static int32_t Go_Headless(JdecDecoder* decoder) {
+  const int32_t before = decoder->headless;
+  decoder->headless = 1;
+  if (Build_Rasters(decoder)) return 1;
+  decoder->headless = before;
+  return 0;
+}
+
+/** Gives the decoder a display for the window, and a raster of the display's depth. */
+static int32_t Show_In(JdecDecoder* decoder, HWND window) {
+  JdecDisplay* const display = Display_Create(window, decoder->width, decoder->height);
+  if (!display) return 0;
+  const int32_t before = decoder->headless;
+  decoder->headless = 0;
+  if (decoder->codec->raster->bitsPerPixel != display->displayBits && !Build_Rasters(decoder)) {
+    decoder->headless = before;
+    Display_Destroy(display);
+    return 0;
+  }
+  decoder->display = display;
+  GetClientRect(window, &decoder->srcRect);
+  return 1;
+}
+
+int32_t VELARTO_CDECL JDEC_Draw_Init(JdecDecoder* decoder, VelartoWindow window) {
+  if (!decoder || decoder->display) return 0;
+  if (!(window ? Show_In(decoder, window) : Go_Headless(decoder))) return 0;
+  decoder->window = window;
+  return 1;
+}
+
+void VELARTO_CDECL JDEC_Draw_Exit(JdecDecoder* decoder) {
+  if (!decoder) return;
+  WaitForSingleObject(decoder->lock, INFINITE);
+  decoder->hidden = 1;
+  JdecDisplay* const display = decoder->display;
+  decoder->display = nullptr;
+  Display_Destroy(display);
+  ReleaseMutex(decoder->lock);
+}
+
+void VELARTO_CDECL JDEC_show(JdecDecoder* decoder, int32_t show) {
+  if (decoder) decoder->hidden = show == 0;
+}
+
+void VELARTO_CDECL JDEC_get_size(JdecDecoder* decoder, int32_t* width, int32_t* height) {
+  if (!decoder) return;
+  if (width) *width = decoder->width;
+  if (height) *height = decoder->height;
+}
+
+int32_t VELARTO_CDECL JDEC_Get_Quality(JdecDecoder* decoder) { return decoder ? decoder->codec->quality : 0; }
+
+/** Buffers of a new picture size, had before anything old is let go. */
+struct SizedBuffers {
+  int32_t** coefY;
+  int32_t** coefCb;
+  int32_t** coefCr;
+  JdecRaster* raster;
+  JdecPlanes* planes;
+};
+
+static void Sized_Buffers_Free(const SizedBuffers& buffers) {
+  Coef_Plane_Free(buffers.coefY);
+  Coef_Plane_Free(buffers.coefCb);
+  Coef_Plane_Free(buffers.coefCr);
+  Arena_Free(buffers.raster);
+  Arena_Free(buffers.planes);
+}
+
+static void Codec_Exchange_Buffers(JdecCodec* codec, const SizedBuffers& buffers) {
+  Sized_Buffers_Free({codec->coefY, codec->coefCb, codec->coefCr, codec->raster, codec->planes});
+  codec->coefY = buffers.coefY;
+  codec->coefCb = buffers.coefCb;
+  codec->coefCr = buffers.coefCr;
+  codec->raster = buffers.raster;
+  codec->planes = buffers.planes;
+}
+
+int32_t Decoder_Change_Size(JdecDecoder* decoder, int32_t width, int32_t height) {
+  // A decoder that has never had a window becomes headless with its first change.
+  const int32_t headless = decoder->window == nullptr;
+  const SizedBuffers buffers = {Coef_Plane_New(width, height), Coef_Plane_New(width / 2, height / 2),
+                                Coef_Plane_New(width / 2, height / 2), Raster_New(width, height, Raster_Depth(headless)),
+                                Planes_New(width, height, 4, 1)};
+  if (!buffers.coefY || !buffers.coefCb || !buffers.coefCr || !buffers.raster || !buffers.planes) {
+    Sized_Buffers_Free(buffers);
+    return 0;
+  }
+  Planes_Darken(buffers.planes);
+
+  const JdecDisplay* const old = decoder->display;
+  const DrawCallback callback = old ? old->drawCallback : nullptr;
+  const uintptr_t callbackUser = old ? old->drawCallbackUser : 0;
+  const int32_t hidden = decoder->hidden;
+  JDEC_Draw_Exit(decoder);
+  decoder->hidden = hidden;
+
+  decoder->width = decoder->codec->width = width;
+  decoder->height = decoder->codec->height = height;
+  Codec_Exchange_Buffers(decoder->codec, buffers);
+  if (headless) {
+    decoder->headless = 1;
+  } else if (Show_In(decoder, decoder->window) && callback) {
+    decoder->display->drawCallback = callback;
+    decoder->display->drawCallbackUser = callbackUser;
+  }
+  return 1;
+}

@@ -1,0 +1,264 @@
+#include "decode/receive.h"
+
+#include "decode/frame.h"
+#include "decode/framing.h"
+#include "decode/watermark.h"
+#include "display/statistics.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+
+/** Milliseconds between two bit-rate texts. */
+static constexpr uint32_t StatsPeriod = 3000;
+/** Prefix byte with the flag that keeps a frame out of the recording, and the flag. */
+static constexpr int32_t PrefixFlags = 8, PrefixSkipRecording = 0x08;
+
+void Count_Bits(JdecDecoder* decoder, int32_t length) {
+  const uint32_t now = GetTickCount();
+  if (decoder->statsTick == 0 || decoder->statsTick > now) decoder->statsTick = decoder->statsBaseTick = now;
+  if (now - decoder->statsTick > StatsPeriod) {
+    const double bits = decoder->statsBits[decoder->statsSlot];
+    const double rate = bits / (now - decoder->statsBaseTick);
+    char text[400];  // A double has at most 309 digits ahead of its point.
+    std::snprintf(text, sizeof text, bits / 5.0 > 10000.0 ? "%.2f Kb\n" : "%.2f bps\n", rate);
+    if (decoder->display) Set_OSD_Text(decoder->display, text);
+    decoder->statsTick = now;
+    decoder->statsSlot ^= 1;
+  }
+  decoder->statsBits[decoder->statsSlot] += length * 8.0;
+}
+
+/** Record_Chunk with the lock held. */
+static void Write_Chunk(JdecDecoder* decoder, int32_t length, const uint8_t* data) {
+  if (!decoder->recordFile || decoder->recordState == RecordOff) return;
+  if (decoder->recordState == RecordWaiting) {
+    int32_t isJfif = 0, hasPrefix = 0;
+    const int32_t start = Frame_Sync(data, length, &isJfif, &hasPrefix);
+    if (start < 0) return;
+    decoder->recordState = RecordWriting;
+    data += start;
+    length -= start;
+  }
+  // Both flags are those of the last frame start found, so that a chunk is written or left out as a whole.
+  if (decoder->extendedHeader && decoder->skipRecording) return;
+  DWORD written = 0;
+  if (WriteFile(decoder->recordFile, data, static_cast<DWORD>(length), &written, nullptr) &&
+      written >= static_cast<DWORD>(length))
+    return;
+  CloseHandle(decoder->recordFile);
+  decoder->recordFile = nullptr;
+  decoder->recordState = RecordOff;
+}
+
+void Record_Chunk(JdecDecoder* decoder, int32_t length, const uint8_t* data) {
+  WaitForSingleObject(decoder->lock, INFINITE);
+  Write_Chunk(decoder, length, data);
+  ReleaseMutex(decoder->lock);
+}
+
+/** The bytes of assemblyBuffer still to be looked at. */
+struct Assembly {
+  uint8_t* cursor;
+  int32_t fill;
+};
+
+static Assembly Assembly_Open(const JdecDecoder* decoder) { return {decoder->assemblyBuffer, decoder->assemblyFill}; }
+
+static void Assembly_Advance(Assembly* assembly, int32_t count) {
+  assembly->cursor += count;
+  assembly->fill -= count;
+}
+
+/** Moves what is left to the buffer's start. */
+static void Assembly_Close(JdecDecoder* decoder, const Assembly& assembly) {
+  if (assembly.cursor != decoder->assemblyBuffer && assembly.fill != 0) {
+    std::memmove(decoder->assemblyBuffer, assembly.cursor, static_cast<size_t>(assembly.fill));
+  }
+  decoder->assemblyFill = assembly.fill;
+}
+
+static void Close_Frame(JdecDecoder* decoder) {
+  decoder->frameLength = 0;
+  decoder->frameOpen = 0;
+  decoder->endSearched = 0;
+}
+
+static void Open_Frame(JdecDecoder* decoder, Assembly* assembly, int32_t start) {
+  Assembly_Advance(assembly, start);
+  decoder->frameOpen = 1;
+  decoder->endSearched = 0;
+}
+
+/** Length of the JFIF frame at the cursor, or -1 while its end isn't there. Bytes looked at before aren't looked at again. */
+static int32_t Jfif_Length(JdecDecoder* decoder, const Assembly& assembly) {
+  const int32_t count = std::min(assembly.fill, FrameStoreSize);
+  // The last byte seen may be the first of the marker.
+  const int32_t from = std::clamp(decoder->endSearched - 1, 0, count);
+  const int32_t end = Find_EOI(assembly.cursor + from, count - from);
+  decoder->endSearched = count;
+  return end < 0 ? -1 : from + end + 2;
+}
+
+/** Length of the frame at the cursor; -1 for a JFIF frame whose end isn't there. */
+static int64_t Frame_Length(JdecDecoder* decoder, const Assembly& assembly, int32_t isJfif) {
+  if (isJfif) return Jfif_Length(decoder, assembly);
+  return decoder->extendedHeader ? Prefixed_Length(assembly.cursor) : Compact_Length(assembly.cursor);
+}
+
+/** A start whose frame can't fit the store is given up: the search goes on behind its FF D8. 1 if it was. */
+static int32_t Give_Up_Start(JdecDecoder* decoder, Assembly* assembly, int64_t length) {
+  if (length <= FrameStoreSize && !(length < 0 && assembly->fill >= FrameStoreSize)) return 0;
+  Assembly_Advance(assembly, decoder->extendedHeader ? PrefixSize + 2 : 2);
+  Close_Frame(decoder);
+  return 1;
+}
+
+/** Moves the frame at the cursor into the frame store. */
+static void Take_Frame(JdecDecoder* decoder, Assembly* assembly) {
+  Watermark_Reset();
+  JdecFrameBuffer* const frame = decoder->codec->frame;
+  std::memcpy(frame->data, assembly->cursor, static_cast<size_t>(decoder->frameLength));
+  Assembly_Advance(assembly, decoder->frameLength);
+  frame->length = decoder->frameLength;
+  frame->position = 0;
+}
+
+static void Decode_And_Check(JdecDecoder* decoder, int32_t isJfif, int32_t draw, int32_t* status) {
+  Decode_Frame(decoder, isJfif, draw);
+  if (*status != 0) *status = Watermark_Check();
+}
+
+/** What became of the bytes at the cursor. */
+enum class Step { NeedBytes, NoStart, Unfinished, Taken, GivenUp };
+
+/** Finds the next frame start of the pushing path, if none is open. */
+static Step Push_Find_Start(JdecDecoder* decoder, Assembly* assembly) {
+  if (assembly->fill < LeastSearchBytes) return Step::NeedBytes;
+  int32_t isJfif = 0, hasPrefix = 0;
+  const int32_t start = Frame_Sync(assembly->cursor, assembly->fill, &isJfif, &hasPrefix);
+  if (start < 0) {
+    assembly->fill = 0;
+    return Step::NoStart;
+  }
+  Open_Frame(decoder, assembly, start);
+  decoder->extendedHeader = hasPrefix;
+  if (hasPrefix) decoder->skipRecording = (assembly->cursor[PrefixFlags] & PrefixSkipRecording) != 0;
+  return Step::Taken;
+}
+
+static Step Push_One_Frame(JdecDecoder* decoder, Assembly* assembly, int32_t* status) {
+  if (!decoder->frameOpen) {
+    const Step found = Push_Find_Start(decoder, assembly);
+    if (found != Step::Taken) return found;
+  }
+  int32_t isJfif = 0, hasPrefix = 0;
+  Frame_Sync(assembly->cursor, assembly->fill, &isJfif, &hasPrefix);
+  const int64_t length = Frame_Length(decoder, *assembly, isJfif);
+  if (Give_Up_Start(decoder, assembly, length)) return Step::GivenUp;
+  decoder->frameLength = length < 0 ? assembly->fill + 1 : static_cast<int32_t>(length);
+  if (decoder->frameLength > assembly->fill) return Step::Unfinished;
+  Take_Frame(decoder, assembly);
+  if (!decoder->hidden) Decode_And_Check(decoder, isJfif, 1, status);
+  Close_Frame(decoder);
+  return Step::Taken;
+}
+
+int32_t VELARTO_CDECL JDEC_Receive_Data(JdecDecoder* decoder, int32_t length, const uint8_t* data, int32_t* status) {
+  if (!decoder || !data || length <= 0) return -1;
+  int32_t noStatus = 0;
+  if (!status) status = &noStatus;
+  Count_Bits(decoder, length);
+  Record_Chunk(decoder, length, data);
+
+  bool taken = false;
+  int32_t result = length;
+  // What the frame loop leaves in the buffer is always less than the buffer, so that each slice has room.
+  for (int32_t left = length; left > 0;) {
+    const int32_t slice = std::min(left, StreamBufferSize - decoder->assemblyFill);
+    std::memcpy(decoder->assemblyBuffer + decoder->assemblyFill, data, static_cast<size_t>(slice));
+    decoder->assemblyFill += slice;
+    data += slice;
+    left -= slice;
+
+    Assembly assembly = Assembly_Open(decoder);
+    Step step = Step::Taken;
+    while (step == Step::Taken || step == Step::GivenUp) {
+      step = Push_One_Frame(decoder, &assembly, status);
+      taken |= step == Step::Taken;
+    }
+    result = step == Step::Unfinished ? decoder->frameLength : length;
+    Assembly_Close(decoder, assembly);
+  }
+  return taken ? result : -1;
+}
+
+int32_t VELARTO_CDECL JDEC_Receive_Data_2(JdecDecoder* decoder, const uint8_t* data, uint32_t length) {
+  if (!decoder || !data || length == 0 || length > static_cast<uint32_t>(StreamBufferSize - decoder->assemblyFill)) return 0;
+  std::memcpy(decoder->assemblyBuffer + decoder->assemblyFill, data, length);
+  decoder->assemblyFill += static_cast<int32_t>(length);
+  return std::max(JfifHeadSize - decoder->assemblyFill, 0);
+}
+
+/** Results of JDEC_Check_Decode_Frame. */
+enum PollCode : int32_t { PollRefused = 0, PollTaken = 1, PollNeedsBytes = 2, PollNoStart = 3, PollTooLong = 4 };
+
+/** Finds the next frame start of the polling path, if none is open. PollTaken when one stands at the cursor. */
+static PollCode Poll_Find_Start(JdecDecoder* decoder, Assembly* assembly) {
+  if (assembly->fill < LeastSearchBytes) return PollNoStart;
+  int32_t isJfif = 0, wanted = 0;
+  const int32_t start = Frame_Sync_Strict(assembly->cursor, assembly->fill, &isJfif, &wanted);
+  if (start >= 0) {
+    Open_Frame(decoder, assembly, start);
+    return PollTaken;
+  }
+  if (wanted == 0) {
+    assembly->fill = 0;
+    return PollNoStart;
+  }
+  // In a full buffer the bytes ahead of the start that waits would keep its own from coming.
+  const bool full = assembly->cursor + assembly->fill == decoder->assemblyBuffer + StreamBufferSize;
+  if (full) Assembly_Advance(assembly, assembly->fill - (LeastJfifBytes - wanted));
+  return PollNeedsBytes;
+}
+
+/** Finds the next frame and its length, giving up starts that can't be frames. PollTaken when it is complete at the cursor. */
+static PollCode Poll_Complete_Frame(JdecDecoder* decoder, Assembly* assembly, int32_t* isJfif) {
+  for (;;) {
+    if (!decoder->frameOpen) {
+      const PollCode found = Poll_Find_Start(decoder, assembly);
+      if (found != PollTaken) return found;
+    }
+    *isJfif = 0;
+    int32_t hasPrefix = 0;
+    Frame_Sync(assembly->cursor, assembly->fill, isJfif, &hasPrefix);
+    decoder->extendedHeader = hasPrefix;
+    const int64_t length = Frame_Length(decoder, *assembly, *isJfif);
+    if (Give_Up_Start(decoder, assembly, length)) continue;
+    if (length < 0) return PollNeedsBytes;
+    decoder->frameLength = static_cast<int32_t>(length);
+    return decoder->frameLength > assembly->fill ? PollNeedsBytes : PollTaken;
+  }
+}
+
+int32_t VELARTO_CDECL JDEC_Check_Decode_Frame(JdecDecoder* decoder, int32_t decode, uint8_t* buffer, int32_t capacity,
+                                              uint32_t* outLength, int32_t /*reserved*/, int32_t draw, int32_t* status) {
+  if (!decoder || !buffer || capacity == 0) return PollRefused;
+  int32_t noStatus = 0;
+  if (!status) status = &noStatus;
+  Assembly assembly = Assembly_Open(decoder);
+  int32_t isJfif = 0;
+  PollCode result = Poll_Complete_Frame(decoder, &assembly, &isJfif);
+  if (result == PollTaken) {
+    if (outLength) *outLength = static_cast<uint32_t>(decoder->frameLength);
+    if (decoder->frameLength > capacity) result = PollTooLong;
+  }
+  if (result == PollTaken) {
+    std::memcpy(buffer, assembly.cursor, static_cast<size_t>(decoder->frameLength));
+    Take_Frame(decoder, &assembly);
+    if (decode) Decode_And_Check(decoder, isJfif, draw, status);
+    Close_Frame(decoder);
+  }
+  Assembly_Close(decoder, assembly);
+  return result;
+}

@@ -1,0 +1,160 @@
+/* velarto: live video from network cameras, from the bytes of the camera to a picture in a window.
+ *
+ * A camera sends compressed pictures one after another with no container around them. A decoder takes those bytes in
+ * chunks of any size, finds the frames, decodes them and, if it has a window, shows them:
+ *
+ *     JDEC_Init();
+ *     JdecDecoder *decoder = JDEC_New(640, 480);
+ *     JDEC_Draw_Init(decoder, window);              // or NULL: pictures are decoded and not shown
+ *     int32_t status = 0;
+ *     while ((length = next_bytes(buffer, sizeof buffer)) > 0)
+ *         JDEC_Receive_Data(decoder, length, buffer, &status);
+ *     JDEC_Free(decoder);
+ *     JDEC_Exit();
+ *
+ * Threads: the library starts none. A decoder is driven by one thread at a time; decoders on different threads do not
+ * disturb each other. JDEC_Init must have returned once before decoders are used.
+ *
+ * Ownership: a decoder owns everything that it hands out pointers to. A pointer to its picture or to one of its
+ * rectangles stays valid until the decoder is freed, that to the picture only until the picture's size changes.
+ *
+ * Pictures lie in memory bottom row first, without padding between rows; a pixel of 24 bits is B, G, R and one of
+ * 32 bits B, G, R, 0.
+ *
+ * All operations accept a null decoder and then do nothing, giving 0, -1 or null as told. */
+#ifndef VELARTO_H
+#define VELARTO_H
+
+#include <stdint.h>
+#include <stdio.h>
+
+#if defined(_WIN32) && !defined(_WIN64)
+#define VELARTO_CDECL __cdecl
+#define VELARTO_STDCALL __stdcall
+#else
+#define VELARTO_CDECL
+#define VELARTO_STDCALL
+#endif
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/** A decoder: one camera stream, its buffers, and the window it may show in. */
+typedef struct JdecDecoder JdecDecoder;
+
+/** A window: on Windows an HWND, elsewhere a window of the portable window layer. */
+typedef struct HWND__* VelartoWindow;
+
+/* ---- Library ------------------------------------------------------------------------------------------------- */
+
+/** Starts the library. Counted: each call wants a JDEC_Exit. Gives 1, always. */
+int32_t VELARTO_CDECL JDEC_Init(void);
+
+/** Ends the library when called as often as JDEC_Init. Decoders must have been freed by then. */
+void VELARTO_CDECL JDEC_Exit(void);
+
+/* ---- A decoder's life ---------------------------------------------------------------------------------------- */
+
+/** Makes a decoder for pictures of width by height pixels, each 1 to 65535; frames of another size change it later.
+ *  Writes the line of the speed regulator to standard output. Gives the decoder, which the caller owns and gives
+ *  back to JDEC_Free, or null for a size out of range, for a picture of more than 128000 macroblocks of 16x16
+ *  (or that many times 256 pixels), or when memory can't be had. */
+JdecDecoder* VELARTO_CDECL JDEC_New(int32_t width, int32_t height);
+
+/** Ends the decoder's display and releases everything that it owns. Null is allowed. */
+void VELARTO_CDECL JDEC_Free(JdecDecoder* decoder);
+
+/** Throws away the bytes of a frame not yet complete and makes the picture dark; a window shows that at once. */
+void VELARTO_CDECL JDEC_Flush(JdecDecoder* decoder);
+
+/** Gives the decoder a window to show in, or with null makes it headless: pictures are decoded into a raster of
+ *  24 bits and not shown. The window stays the caller's and must outlive the display. Gives 1; or 0 if the decoder
+ *  has a display already, or the display or its raster can't be made, and nothing has changed then. */
+int32_t VELARTO_CDECL JDEC_Draw_Init(JdecDecoder* decoder, VelartoWindow window);
+
+/** Takes the display away. From then on frames are passed over undecoded until JDEC_show. */
+void VELARTO_CDECL JDEC_Draw_Exit(JdecDecoder* decoder);
+
+/** show 0: complete frames are taken out of the stream but neither decoded nor shown. Any other value: they are. */
+void VELARTO_CDECL JDEC_show(JdecDecoder* decoder, int32_t show);
+
+/** Stores the picture's size in pixels; before the first frame the one given to JDEC_New. A null out pointer is
+ *  passed over. */
+void VELARTO_CDECL JDEC_get_size(JdecDecoder* decoder, int32_t* width, int32_t* height);
+
+/** Gives the quality number of the frame decoded last, 50 before the first; 0 for a null decoder. */
+int32_t VELARTO_CDECL JDEC_Get_Quality(JdecDecoder* decoder);
+
+/* ---- Feeding ------------------------------------------------------------------------------------------------- */
+
+/** The pushing path: takes a chunk of length bytes, any number, and decodes and shows each frame that they complete.
+ *  status: a word that asks, when it is not 0, for the hidden text to be checked after each decoded frame; the
+ *  result is stored in it, and once that is 0 no further check runs in the call. Null counts as 0. A hidden frame
+ *  leaves it alone.
+ *  Gives -1 if no frame was completed, or if data is null or length is 0 or less (nothing is added then). Otherwise
+ *  gives length, or, if a frame was left unfinished behind a completed one, the bytes that it will need in all.
+ *  A frame of more than 512000 bytes is no frame: its start is passed over. */
+int32_t VELARTO_CDECL JDEC_Receive_Data(JdecDecoder* decoder, int32_t length, const uint8_t* data, int32_t* status);
+
+/** The polling path: stores length bytes for JDEC_Check_Decode_Frame. Gives the bytes still lacking to 623, or 0;
+ *  0 also, and stores nothing, for null data, a length of 0, or if the 524288 bytes of the buffer would be passed.
+ *  Neither the bit rate nor a recording sees these bytes. */
+int32_t VELARTO_CDECL JDEC_Receive_Data_2(JdecDecoder* decoder, const uint8_t* data, uint32_t length);
+
+/** The polling path: takes at most one frame out of the bytes stored, copies it to buffer (capacity bytes) and, when
+ *  decode is not 0, decodes it, and shows it when draw is not 0. status as in JDEC_Receive_Data. reserved is ignored.
+ *  outLength, which may be null, receives the frame's length with results 1 and 4.
+ *  Gives 0 for a null decoder or buffer or a capacity of 0; 1 when a frame was taken (ask again, there may
+ *  be more); 2 when a frame start is there but bytes are lacking; 3 when fewer than 26 bytes are held, or no frame start is among
+ *  them (they are dropped then); 4 when the frame is complete but longer than capacity (it stays). */
+int32_t VELARTO_CDECL JDEC_Check_Decode_Frame(JdecDecoder* decoder, int32_t decode, uint8_t* buffer, int32_t capacity,
+                                              uint32_t* outLength, int32_t reserved, int32_t draw, int32_t* status);
+
+/* ---- The picture --------------------------------------------------------------------------------------------- */
+
+/** Gives the raster: the current picture in the depth of the screen (24 bits when headless), bottom row first. */
+uint8_t* VELARTO_CDECL JDEC_get_decompressed_bitmap(JdecDecoder* decoder);
+
+/** As JDEC_get_decompressed_bitmap, and stores in format, which may be null, how to read it: 0 8-bit palette indices,
+ *  1 15-bit 5-5-5, 2 16-bit 5-6-5, 3 24-bit, 4 32-bit. palette: 256 entries of four bytes, filled with format 0 only;
+ *  may be null. */
+uint8_t* VELARTO_CDECL JDEC_get_decompressed_bitmap_ex(JdecDecoder* decoder, int32_t* format, uint8_t* palette);
+
+/** Writes the picture as a BMP file of 24 bits into buffer. Gives its size, width * height * 3 + 54, and writes
+ *  nothing if capacity is smaller; 0 for a null decoder or buffer, a capacity of 0, or when memory can't be
+ *  had. Works with and without a display. The last column of an odd width and the last row of an odd height are not
+ *  written: the buffer keeps what it held there. */
+int32_t VELARTO_CDECL JDEC_get_decompressed_bitmap_ex2(JdecDecoder* decoder, uint8_t* buffer, int32_t capacity);
+
+/* ---- Stills -------------------------------------------------------------------------------------------------- */
+
+/** Compresses a picture of the decoder's size into a frame. pixels: B, G, R, bottom row first, rows of width * 3 bytes without
+ *  padding; with doubleRows not 0 only height / 2 rows, each of which counts twice. quality 0 to 100 (values outside count as
+ *  the nearest) becomes quality * 80 / 100 + 10 in the frame. ignored: any value. withMarkers not 0: a complete JPEG image; 0: a
+ *  compact frame. Gives the bytes written to buffer; or 0, with buffer untouched, for a null argument, if capacity is too
+ *  small, if the frame would pass 512000 bytes, or when memory can't be had. The decoder's picture, quality and frame store are
+ * then those of the compressed picture. */
+int32_t VELARTO_CDECL JDEC_Compress_RGB888(JdecDecoder* decoder, int32_t quality, const uint8_t* pixels, uint32_t ignored,
+                                           uint8_t* buffer, int32_t capacity, int32_t withMarkers, int32_t doubleRows);
+
+/** Writes the frame that the decoder holds, decoded or compressed last, to an open stream as a JPEG image, without compressing it
+ *  anew. The stream must belong to the same C runtime. Gives the bytes of the last write: 2 when the image is whole; 0, and
+ * writes nothing, for a null argument or when there is no whole frame. */
+int32_t VELARTO_CDECL JDEC_Write_JFIF_File(JdecDecoder* decoder, FILE* stream);
+
+/* ---- The window ---------------------------------------------------------------------------------------------- */
+
+/** Stores rect (left, top, right, bottom) and shows the current picture again: the answer to a paint message. Gives the
+ *  decoder's source rectangle, or null if either argument is null. */
+int32_t* VELARTO_CDECL JDEC_Access_SrcRect(JdecDecoder* decoder, const int32_t* rect);
+
+/** Gives the decoder's destination rectangle, (0, 0, width, height) as given to JDEC_New, or null if either argument is null.
+ *  rect is not read. */
+int32_t* VELARTO_CDECL JDEC_Access_DstRect(JdecDecoder* decoder, const int32_t* rect);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

@@ -1,0 +1,114 @@
+/* The door to all code that depends on the processor: one record of functions, and the plain records they work on.
+ *
+ * The plain level states the rule and decides every bit; another level agrees with it bit for bit. A file holds one
+ * subject at one level (idct_plain.cpp), is compiled with the flags of its level, and includes nothing but this header:
+ * an inline function shared with other files could be linked in with the instructions of the wrong level. */
+#pragma once
+
+#include <stddef.h>
+#include <stdint.h>
+
+/** Two-level table of one Huffman code. The next 8 bits index the first level; where they are not a whole code, `values`
+ *  names the slot (1 and up) of a second level, indexed by the 8 bits behind them. */
+struct JdecHuffLookup {
+  const uint8_t* const* secondLengths;  ///< By slot: 256 code lengths, 9 to 16, or 0 where no code is. Null without slots.
+  const uint8_t* const* secondValues;   ///< By slot: 256 symbols. Null without slots.
+  uint8_t slotCount;                    ///< Number of slots plus one.
+  uint8_t lengths[256];                 ///< Length of the code, 1 to 8, or 0 where these 8 bits are not a whole code.
+  uint8_t values[256];                  ///< The symbol; with length 0 the slot, or 0 where no code starts so.
+};
+
+/** Reader of entropy-coded bytes. Behind `end` every byte reads as 0. */
+struct HuffReader {
+  const uint8_t* next;  ///< Next byte to take.
+  const uint8_t* end;   ///< One past the last byte.
+  uint32_t bitBuffer;   ///< Bits taken from bytes, newest in the low bits.
+  int32_t bitCount;     ///< How many low bits of bitBuffer are still to be used.
+};
+
+/** What the decoding of blocks reads: tables that never change. */
+struct HuffTables {
+  const JdecHuffLookup* dcLuma;
+  const JdecHuffLookup* acLuma;
+  const JdecHuffLookup* dcChroma;
+  const JdecHuffLookup* acChroma;
+  const int32_t* zigzagOrder;  ///< 80 entries: scan position to natural position, 63 from entry 64 on.
+};
+
+/** Takes the 64 coefficients of a luma block in scan order, as the stream brought them. */
+using ScanHook = void (*)(const int32_t* scan);
+
+/** What the converters read: tables that never change. */
+struct ColorTables {
+  const uint8_t* rangeLimit;  ///< Clamp table, indices -256 to 1151.
+  const int32_t* yccRgb;      ///< Four tables of 256: cbG, cbB, crR, crG.
+};
+
+/** Decodes a row of `columns` macroblocks: of each, four luma blocks (two of `upper`, two of `lower`), one of `cb`, one of
+ *  `cr`; every block is 64 coefficients in natural order, already zero. `predictors` are the DC values of luma, Cb and Cr so
+ *  far, and are moved on. Each luma block's scan goes to `hook`, unless that is null. */
+using DecodeRowKernel = void (*)(HuffReader* reader, const HuffTables* tables, int32_t* upper, int32_t* lower, int32_t* cb,
+                                 int32_t* cr, int32_t columns, int32_t* predictors, ScanHook hook);
+
+/** Inverse transform of `count` blocks of 64 coefficients that lie side by side. table: 64 dequantisation factors. rows: eight
+ *  rows of samples, 8 * count of each are written. */
+using IdctRowKernel = void (*)(const int32_t* blocks, int32_t count, const int16_t* table, const uint8_t* rangeLimit,
+                               uint8_t* const* rows);
+
+/** Two rows of pixels, 2 * pairs wide, from two rows of luma and the one row of Cb and Cr that they share. */
+using ConvertRowsKernel = void (*)(const ColorTables* tables, const uint8_t* yUpper, const uint8_t* yLower, const uint8_t* cb,
+                                   const uint8_t* cr, uint8_t* outUpper, uint8_t* outLower, int32_t pairs);
+
+/** What the forward colour transform reads: eight tables of 256 in 16.16, rY, gY, bY, rCb, gCb, bCb, gCr, bCr. `count` pixels of
+ *  B, G, R become one sample in each plane. */
+using ToYccRowKernel = void (*)(const int32_t* rgbYcc, const uint8_t* pixels, uint8_t* y, uint8_t* cb, uint8_t* cr,
+                                int32_t count);
+
+/** Averages of 2x2 samples: (sum of four + bias) >> 2, with one bias in even columns of the target and another in odd ones. */
+using DownsampleRowKernel = void (*)(const uint8_t* upper, const uint8_t* lower, uint8_t* out, int32_t pairs, int32_t evenBias,
+                                     int32_t oddBias);
+
+/** Forward transform and quantisation of `count` blocks that lie side by side: eight rows of samples to 64 coefficients each.
+ *  forward: reciprocals; inverse: the divisors themselves, for the dead zone. */
+using ForwardRowKernel = void (*)(uint8_t* const* rows, int32_t count, const int16_t* forward, const int16_t* inverse,
+                                  int32_t* blocks);
+
+struct Kernels {
+  DecodeRowKernel decodeRow;
+  IdctRowKernel idctRow;
+  IdctRowKernel idctRowPacked;  ///< The 16-bit form; differs from idctRow in the last place.
+  ConvertRowsKernel toRgb24;    ///< B, G, R.
+  ConvertRowsKernel toRgb32;    ///< B, G, R, 0.
+  ConvertRowsKernel toRgb565;   ///< Little-endian words.
+  ConvertRowsKernel toRgb555;
+  ToYccRowKernel toYccRow;
+  DownsampleRowKernel downsampleRow;
+  ForwardRowKernel forwardRow;
+};
+
+/** Levels, to be combined into a mask. Plain needs no bit. */
+enum KernelLevel : uint32_t { KernelPlain = 0 };
+
+/** Gives the record of the best kernels among the levels in `mask`, which must not name a level that the processor lacks. */
+Kernels Kernels_Select(uint32_t mask);
+
+/** The record in use, set by JDEC_Init and read-only afterwards. */
+extern Kernels kernels;
+
+void Decode_Row_Plain(HuffReader* reader, const HuffTables* tables, int32_t* upper, int32_t* lower, int32_t* cb, int32_t* cr,
+                      int32_t columns, int32_t* predictors, ScanHook hook);
+void Idct_Row_Plain(const int32_t* blocks, int32_t count, const int16_t* table, const uint8_t* rangeLimit, uint8_t* const* rows);
+void Idct_Row_Packed_Plain(const int32_t* blocks, int32_t count, const int16_t* table, const uint8_t* rangeLimit,
+                           uint8_t* const* rows);
+void To_Rgb24_Plain(const ColorTables* tables, const uint8_t* yUpper, const uint8_t* yLower, const uint8_t* cb, const uint8_t* cr,
+                    uint8_t* outUpper, uint8_t* outLower, int32_t pairs);
+void To_Rgb32_Plain(const ColorTables* tables, const uint8_t* yUpper, const uint8_t* yLower, const uint8_t* cb, const uint8_t* cr,
+                    uint8_t* outUpper, uint8_t* outLower, int32_t pairs);
+void To_Rgb565_Plain(const ColorTables* tables, const uint8_t* yUpper, const uint8_t* yLower, const uint8_t* cb,
+                     const uint8_t* cr, uint8_t* outUpper, uint8_t* outLower, int32_t pairs);
+void To_Rgb555_Plain(const ColorTables* tables, const uint8_t* yUpper, const uint8_t* yLower, const uint8_t* cb,
+                     const uint8_t* cr, uint8_t* outUpper, uint8_t* outLower, int32_t pairs);
+void To_Ycc_Row_Plain(const int32_t* rgbYcc, const uint8_t* pixels, uint8_t* y, uint8_t* cb, uint8_t* cr, int32_t count);
+void Downsample_Row_Plain(const uint8_t* upper, const uint8_t* lower, uint8_t* out, int32_t pairs, int32_t evenBias,
+                          int32_t oddBias);
+void Forward_Row_Plain(uint8_t* const* rows, int32_t count, const int16_t* forward, const int16_t* inverse, int32_t* blocks);

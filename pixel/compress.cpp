@@ -1,0 +1,126 @@
+#include "pixel/compress.h"
+
+#include "decode/buffers.h"
+#include "decode/framing.h"
+#include "pixel/forward.h"
+#include "pixel/huffman_encode.h"
+#include "pixel/jfif.h"
+
+#include <algorithm>
+#include <cstring>
+
+/** Copies the caller's picture, bottom row first, into the raster. */
+static void Load_Source(JdecRaster* raster, const uint8_t* pixels, bool doubleRows) {
+  const auto pitch = static_cast<size_t>(raster->pitch);
+  if (!doubleRows) {
+    for (int32_t i = raster->height - 1; i >= 0; --i, pixels += pitch) std::memcpy(raster->rows[i], pixels, pitch);
+    return;
+  }
+  for (int32_t i = raster->height / 2 - 1; i >= 0; --i, pixels += pitch) {
+    std::memcpy(raster->rows[2 * i], pixels, pitch);
+    std::memcpy(raster->rows[2 * i + 1], pixels, pitch);
+  }
+  // An odd last row repeats the one above it; a picture of one row stays black.
+  const int32_t last = raster->height - 1;
+  if (raster->height % 2 && last > 0) std::memcpy(raster->rows[last], raster->rows[last - 1], pitch);
+}
+
+/** Brings the caller's picture into the codec's planes. 0 when memory can't be had. */
+static int32_t Load_Planes(JdecCodec* codec, const uint8_t* pixels, bool doubleRows) {
+  JdecPlanes* const full = Planes_New(codec->width, codec->height, 4, 4);
+  JdecRaster* const raster = Raster_New(codec->width, codec->height, 24);
+  const bool complete = full && raster;
+  if (complete) {
+    Load_Source(raster, pixels, doubleRows);
+    RGB_To_YCC444(raster, full);
+    Downsample_Planes(full, codec->planes);
+  }
+  Arena_Free(full);
+  Arena_Free(raster);
+  return complete;
+}
+
+static void Transform_Planes(JdecCodec* codec) {
+  const JdecPlanes* const planes = codec->planes;
+  const int32_t width = codec->width, height = codec->height;
+  Forward_DCT_Plane(planes->yRows, codec->coefY, width, height, codec->lumaForward, codec->lumaInverse);
+  Forward_DCT_Plane(planes->crRows, codec->coefCr, width / 2, height / 2, codec->chromaForward, codec->chromaInverse);
+  Forward_DCT_Plane(planes->cbRows, codec->coefCb, width / 2, height / 2, codec->chromaForward, codec->chromaInverse);
+}
+
+/** Encodes the coefficients behind the head of the wanted form. 0, with an empty store, when the frame passes it. */
+static int32_t Encode_Store(JdecCodec* codec, bool withMarkers) {
+  JdecFrameBuffer* const frame = codec->frame;
+  const int32_t headSize = withMarkers ? JfifHeadSize : CompactHeadSize;
+  const int32_t endSize = withMarkers ? LeastJfifBytes - JfifHeadSize : 0;
+  frame->position = 0;
+  frame->length = headSize;
+  Huff_Encode_Frame(codec, codec->coefY, codec->coefCb, codec->coefCr, codec->width, codec->height, frame);
+  if (frame->length > FrameStoreSize - endSize) {
+    frame->length = 0;
+    return 0;
+  }
+  if (withMarkers) {
+    JfifCursor head = {frame->data, 0};
+    JFIF_Write_Header(&head, codec->width, codec->height, codec->lumaQuant, codec->chromaQuant);
+    JfifCursor end = {frame->data + frame->length, frame->length};
+    JFIF_Write_EOI(&end);
+    frame->length = end.count;
+  } else {
+    Compact_Write_Head(frame->data, frame->length - headSize, codec->width, codec->height, codec->quality);
+  }
+  return 1;
+}
+
+int32_t Codec_Compress_RGB888(JdecCodec* codec, int32_t quality, const uint8_t* pixels, uint32_t /*ignored*/, uint8_t* buffer,
+                              int32_t capacity, int32_t withMarkers, int32_t doubleRows) {
+  if (!codec || !pixels || !buffer) return 0;
+  Codec_Set_Quality(codec, std::clamp(quality, 0, 100) * 80 / 100 + 10);
+  if (!Load_Planes(codec, pixels, doubleRows != 0)) return 0;
+  Transform_Planes(codec);
+  if (!Encode_Store(codec, withMarkers != 0) || capacity < codec->frame->length) return 0;
+  std::memcpy(buffer, codec->frame->data, static_cast<size_t>(codec->frame->length));
+  return codec->frame->length;
+}
+
+static int32_t Write_Bytes(FILE* stream, const uint8_t* data, int32_t count) {
+  return static_cast<int32_t>(std::fwrite(data, 1, static_cast<size_t>(count), stream));
+}
+
+/** Writes the compact frame of `length` bytes at data as a JPEG image. */
+static int32_t Write_Compact(JdecCodec* codec, FILE* stream, const uint8_t* data, int32_t length) {
+  int32_t width = 0, height = 0, quality = 0;
+  Parse_Compact_Header(data, &width, &height, &quality);
+  Codec_Set_Quality(codec, quality);
+  uint8_t scratch[JfifHeadSize];
+  JfifCursor cursor = {scratch, 0};
+  JFIF_Write_Header(&cursor, width, height, codec->lumaQuant, codec->chromaQuant);
+  Write_Bytes(stream, scratch, cursor.count);
+  Write_Bytes(stream, data + CompactHeadSize, length - CompactHeadSize);
+  cursor = {scratch, 0};
+  JFIF_Write_EOI(&cursor);
+  return Write_Bytes(stream, scratch, cursor.count);
+}
+
+int32_t Codec_Write_JFIF_File(JdecCodec* codec, FILE* stream) {
+  if (!codec || !stream) return 0;
+  const JdecFrameBuffer* const frame = codec->frame;
+  int32_t isJfif = 0, hasPrefix = 0;
+  if (Frame_Sync(frame->data, frame->length, &isJfif, &hasPrefix) != 0) return 0;
+  if (isJfif) {
+    const int32_t endSize = LeastJfifBytes - JfifHeadSize;
+    Write_Bytes(stream, frame->data, frame->length - endSize);
+    return Write_Bytes(stream, frame->data + frame->length - endSize, endSize);
+  }
+  const int32_t offset = hasPrefix ? PrefixSize : 0;
+  return Write_Compact(codec, stream, frame->data + offset, frame->length - offset);
+}
+
+int32_t VELARTO_CDECL JDEC_Compress_RGB888(JdecDecoder* decoder, int32_t quality, const uint8_t* pixels, uint32_t ignored,
+                                           uint8_t* buffer, int32_t capacity, int32_t withMarkers, int32_t doubleRows) {
+  return decoder ? Codec_Compress_RGB888(decoder->codec, quality, pixels, ignored, buffer, capacity, withMarkers, doubleRows) : 0;
+}
+
+int32_t VELARTO_CDECL JDEC_Write_JFIF_File(JdecDecoder* decoder, FILE* stream) {
+  return decoder ? Codec_Write_JFIF_File(decoder->codec, stream) : 0;
+}

@@ -1,0 +1,16 @@
+/* From 4:2:0 planes to a packed raster of the same size. The whole 2x2 blocks of the picture are written; the last column of an
+ * odd width and the last row of an odd height stay as they were. */
+#pragma once
+
+#include "decode/decoder.h"
+
+/** Codes of a raster's pixels, in JdecDisplay::pixelFormat and given to callers. */
+enum PixelFormat : int32_t { PixelPalette8 = 0, PixelRgb555 = 1, PixelRgb565 = 2, PixelRgb24 = 3, PixelRgb32 = 4 };
+
+void YCC_To_RGB24(const JdecPlanes* planes, JdecRaster* raster);
+void YCC_To_RGB32(const JdecPlanes* planes, JdecRaster* raster);
+void YCC_To_RGB565(const JdecPlanes* planes, JdecRaster* raster);
+void YCC_To_RGB555(const JdecPlanes* planes, JdecRaster* raster);
+
+/** Converts by format; a raster of another depth than the format's stays as it was. */
+void Convert_Planes(int32_t pixelFormat, const JdecPlanes* planes, JdecRaster* raster);
