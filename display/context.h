@@ -1,0 +1,69 @@
+/* The display of a decoder: one window, one picture size, and one of two forms, settled when it is made.
+ *
+ * DirectDraw form: the picture and its overlays are composed on a tall off-screen surface, then stretched to the window.
+ * GDI form: the raster is stretched straight to the window, without overlays.
+ *
+ * A display is used by one thread at a time; its lock guards the draw callback alone. */
+#pragma once
+
+#include "decode/decoder.h"
+
+/** Called with the window and the caller's value after a frame has reached the screen. */
+using DrawCallback = void (*)(HWND window, uintptr_t user);
+
+constexpr int32_t MotionColumns = 20, MotionRows = 15;
+/** Rows of the off-screen surface kept for the PTZ bitmap. */
+constexpr int32_t PtzStripRows = 120;
+
+struct JdecDisplay {
+  int32_t useDirectDraw;  ///< 1 in the DirectDraw form, 0 in the GDI form.
+  IDirectDraw* ddraw;     ///< This and the next four: owned, or null.
+  IDirectDrawSurface* primarySurface;
+  IDirectDrawSurface* offscreenSurface;  ///< Null in the GDI form.
+  IDirectDrawClipper* clipper;
+  IDirectDrawPalette* ddPalette;  ///< 8-bit DirectDraw form only.
+  HWND window;
+  JdecRaster* lastRaster;    ///< Raster shown last, not owned; refills a lost surface.
+  int32_t pixelFormat;       ///< A PixelFormat.
+  int32_t displayBits;       ///< Bits per pixel of the screen: 8, 16, 24 or 32.
+  BITMAPINFO* bitmapInfo;    ///< Owned: a header and 240 colour slots, 1000 bytes.
+  HPALETTE gdiPalette;       ///< 8-bit GDI form only.
+  HPALETTE previousPalette;  ///< What gdiPalette took the place of.
+  uint8_t* motionCells;      ///< Owned: MotionRows rows of MotionColumns flags. Null in the GDI form.
+  HANDLE lock;               ///< Guards the two fields below. Null in the GDI form.
+  DrawCallback drawCallback;
+  uintptr_t drawCallbackUser;
+  int32_t ptzWidth, ptzHeight;  ///< Size of the PTZ bitmap in its strip.
+  int32_t ptzEnabled;
+  int32_t keyRow;               ///< Rows at the foot of the off-screen surface that the template bitmap leaves free.
+  int32_t posHeight, posWidth;  ///< Size of the position strip.
+  int32_t posEnabled;
+  uint32_t fpsTick;  ///< Milliseconds: start of the frame-rate period.
+  int32_t fpsCount;  ///< Frames in it; -1 at first.
+  char osdText[32];  ///< Bit-rate text, always terminated.
+  int32_t showStatistics;
+  int32_t motionSearchEnabled;
+  RECT motionRect;  ///< Picture coordinates.
+  char motionString[256];
+};
+
+/** Height of the off-screen surface and of its position strip for a picture of that size, and the rows it leaves to strips. */
+struct SurfaceLayout {
+  int32_t posHeight;
+  int32_t keyRow;
+  int32_t surfaceHeight;
+};
+SurfaceLayout Surface_Layout(int32_t width, int32_t height);
+
+/** Makes the display of a window for pictures of that size, in whichever form the screen allows. Gives null when the screen's
+ * depth is unknown (the user is told), or the off-screen surface or memory can't be had; nothing stays allocated then. */
+JdecDisplay* Display_Create(HWND window, int32_t width, int32_t height);
+
+/** Releases everything that the display owns, and the record. Null is allowed. */
+void Display_Destroy(JdecDisplay* display);
+
+/** Gives the record the GDI form, and gives it back. DirectDraw objects made so far stay until Display_Destroy. */
+JdecDisplay* Display_Use_GDI(JdecDisplay* display);
+
+/** Adds the number of display devices to *count. Gives the enumeration's result, or E_FAIL without DirectDraw. */
+HRESULT Display_Count_Adapters(int32_t* count);

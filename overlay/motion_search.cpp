@@ -1,0 +1,47 @@
+#include "overlay/motion_search.h"
+
+#include "platform/win32.h"
+
+#include <cstring>
+
+namespace {
+
+constexpr int32_t CaptionHeight = 40, CaptionWidth = 20, CaptionTop = 5;
+constexpr COLORREF Red = RGB(255, 0, 0);
+
+/** Centred. A caption wider than the picture wraps round to far outside of it. */
+void Draw_Caption(HDC dc, HFONT font, const char* text, int32_t width) {
+  const auto length = static_cast<uint32_t>(std::strlen(text));
+  const uint32_t left = (static_cast<uint32_t>(width) - CaptionWidth * length) / 2;
+  const HGDIOBJ before = SelectObject(dc, font);
+  SetTextColor(dc, Red);
+  SetBkMode(dc, TRANSPARENT);
+  TextOutA(dc, static_cast<int32_t>(left), CaptionTop, text, static_cast<int32_t>(length));
+  SelectObject(dc, before);
+}
+
+void Draw_Outline(HDC dc, const RECT& rect) {
+  const HPEN pen = CreatePen(PS_SOLID, 1, Red);
+  const HGDIOBJ penBefore = SelectObject(dc, pen);
+  const HGDIOBJ brushBefore = SelectObject(dc, GetStockObject(NULL_BRUSH));
+  Rectangle(dc, rect.left, rect.top, rect.right, rect.bottom);
+  SelectObject(dc, brushBefore);
+  SelectObject(dc, penBefore);
+  DeleteObject(pen);
+}
+
+}  // namespace
+
+void Motion_Search_Draw(JdecDisplay* display, int32_t width) {
+  const HFONT font = CreateFontA(CaptionHeight, CaptionWidth, 0, 0, FW_NORMAL, FALSE, FALSE, FALSE, DEFAULT_CHARSET,
+                                 OUT_DEFAULT_PRECIS, CLIP_DEFAULT_PRECIS, PROOF_QUALITY, FIXED_PITCH | FF_MODERN, "Courier New");
+  IDirectDrawSurface* surface = display->offscreenSurface;
+  IDirectDrawSurface_Restore(surface);
+  HDC dc = nullptr;
+  if (SUCCEEDED(IDirectDrawSurface_GetDC(surface, &dc))) {
+    Draw_Caption(dc, font, display->motionString, width);
+    Draw_Outline(dc, display->motionRect);
+    IDirectDrawSurface_ReleaseDC(surface, dc);
+  }
+  DeleteObject(font);
+}
