@@ -1,0 +1,12 @@
+/* The sub-commands. Each adds itself, its options and its example to the command line, and runs from there. */
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+/** *code: where the command leaves its exit code. */
+void Info_Command(CLI::App* app, int* code);
+void Export_Command(CLI::App* app, int* code);
+void View_Command(CLI::App* app, int* code);
+
+/** The argument and the option that all of them have. */
+void Add_Common_Options(CLI::App* command, std::string* source, std::string* kernelName);

@@ -1,0 +1,133 @@
+#include "apps/velarto/feed.h"
+
+#include "apps/velarto/stream.h"
+
+#include <algorithm>
+#include <chrono>
+#include <condition_variable>
+#include <deque>
+#include <mutex>
+#include <thread>
+
+using Clock = std::chrono::steady_clock;
+
+/** Frames held for the window's thread; the reader waits when there are as many. */
+static constexpr size_t QueueLength = 4;
+
+struct Feed {
+  FeedOptions options;
+  bool live = false;
+  Clock::time_point due;  ///< When the next frame of a recording may go out; used by the reader only.
+  std::atomic<bool> stop = false;
+  std::mutex lock;  ///< Guards what follows.
+  std::condition_variable changed;
+  std::deque<FedFrame> queue;
+  bool paused = false;
+  bool ended = false;
+  std::string error;
+  HWND window = nullptr;
+  UINT message = 0;
+};
+
+static void Notify(const Feed& feed) {
+  if (feed.window) PostMessageA(feed.window, feed.message, 0, 0);
+}
+
+/** Waits for the moment of the next frame of a recording. A reader that came late starts counting anew. */
+static void Await_Due(Feed* feed, std::unique_lock<std::mutex>* held) {
+  const auto period =
+      std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(1 / feed->options.framesPerSecond));
+  while (!feed->stop && (feed->paused || Clock::now() < feed->due)) {
+    if (feed->paused) {
+      feed->changed.wait(*held);
+    } else {
+      feed->changed.wait_until(*held, feed->due);
+    }
+  }
+  feed->due = std::max(feed->due + period, Clock::now() - period);
+}
+
+/** Queues a frame, and waits for its time and for room first. False once stopped. */
+static bool Queue_Frame(Feed* feed, const WalkedFrame& frame) {
+  std::unique_lock held(feed->lock);
+  if (!feed->live) Await_Due(feed, &held);
+  feed->changed.wait(held, [&] { return feed->stop || feed->queue.size() < QueueLength || (feed->live && feed->paused); });
+  if (feed->stop) return false;
+  if (feed->live && feed->paused) return true;
+  feed->queue.push_back({frame, {frame.bytes.begin(), frame.bytes.end()}});
+  feed->queue.back().frame.bytes = feed->queue.back().bytes;
+  feed->changed.notify_all();
+  Notify(*feed);
+  return true;
+}
+
+static void Run_Feed(const std::shared_ptr<Feed>& feed) {
+  const std::string& source = feed->options.source;
+  std::string error;
+  bool good = true;
+  do {
+    FrameWalk walk;
+    good = Read_Frames(
+        source, &feed->stop, &walk, [&](const WalkedFrame& frame) { return Queue_Frame(feed.get(), frame); }, &error);
+    if (good && walk.frames == 0) {
+      good = false;
+      error = No_Frame_Text(source, walk);
+    }
+  } while (good && feed->options.loop && !feed->stop);
+  const std::lock_guard held(feed->lock);
+  if (!good) feed->error = error;
+  feed->ended = true;
+  feed->changed.notify_all();
+  Notify(*feed);
+}
+
+std::shared_ptr<Feed> Feed_Start(const FeedOptions& options) {
+  const auto feed = std::make_shared<Feed>();
+  feed->options = options;
+  feed->live = Source_Live(options.source);
+  feed->due = Clock::now();
+  std::thread(Run_Feed, feed).detach();
+  return feed;
+}
+
+void Feed_Await(Feed* feed, int milliseconds) {
+  std::unique_lock held(feed->lock);
+  feed->changed.wait_for(held, std::chrono::milliseconds(milliseconds), [&] { return feed->ended || !feed->queue.empty(); });
+}
+
+void Feed_Notify(Feed* feed, HWND window, UINT message) {
+  const std::lock_guard held(feed->lock);
+  feed->window = window;
+  feed->message = message;
+  for (size_t i = 0; i < feed->queue.size() + feed->ended; ++i) Notify(*feed);
+}
+
+bool Feed_Take(Feed* feed, FedFrame* frame) {
+  const std::lock_guard held(feed->lock);
+  if (feed->queue.empty()) return false;
+  *frame = std::move(feed->queue.front());
+  feed->queue.pop_front();
+  feed->changed.notify_all();
+  return true;
+}
+
+FeedState Feed_State(Feed* feed, std::string* error) {
+  const std::lock_guard held(feed->lock);
+  if (!feed->ended || !feed->queue.empty()) return FeedState::Running;
+  if (feed->error.empty()) return FeedState::Ended;
+  if (error) *error = feed->error;
+  return FeedState::Failed;
+}
+
+void Feed_Pause(Feed* feed, bool paused) {
+  const std::lock_guard held(feed->lock);
+  feed->paused = paused;
+  feed->changed.notify_all();
+}
+
+void Feed_Stop(Feed* feed) {
+  const std::lock_guard held(feed->lock);
+  feed->stop = true;
+  feed->window = nullptr;
+  feed->changed.notify_all();
+}

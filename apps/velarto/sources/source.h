@@ -1,0 +1,45 @@
+/* Where a stream comes from: a file, standard input, or a TCP connection. */
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <cstdio>
+#include <span>
+#include <string>
+
+enum class SourceKind { File, Pipe, Tcp };
+
+/** An open source. Opened, read and closed by one thread; another may set the stop flag. */
+struct Source {
+  SourceKind kind = SourceKind::File;
+  int64_t size = 0;           ///< Bytes of a file; 0 for the live sources.
+  std::FILE* file = nullptr;  ///< File: owned.
+  intptr_t handle = -1;       ///< Pipe, Tcp: the system's handle.
+  const std::atomic<bool>* stop = nullptr;
+};
+
+/** A source whose bytes come when they come, and only once. */
+bool Source_Live(const std::string& name);
+
+/** Opens the source of that name: "-", "tcp://HOST:PORT", or a file. Waiting ends soon when *stop becomes true. False, with one
+ *  clear line in *error, when it can't be had. */
+bool Source_Open(const std::string& name, const std::atomic<bool>* stop, Source* source, std::string* error);
+
+/** Waits for bytes and stores some. Gives how many, 0 at the end or when stopped, and -1 with *error on a failure. */
+int64_t Source_Read(Source* source, std::span<uint8_t> buffer, std::string* error);
+
+void Source_Close(Source* source);
+
+/* The kinds, each in its own file and, where systems differ, one file a system. Contracts as above. */
+bool File_Open(const std::string& path, Source* source, std::string* error);
+int64_t File_Read(Source* source, std::span<uint8_t> buffer, std::string* error);
+void File_Close(Source* source);
+
+/** path "-": standard input, which is not closed again. Otherwise a named pipe or device. */
+bool Pipe_Open(const std::string& path, Source* source, std::string* error);
+int64_t Pipe_Read(Source* source, std::span<uint8_t> buffer, std::string* error);
+void Pipe_Close(Source* source);
+
+bool Tcp_Open(const std::string& name, Source* source, std::string* error);
+int64_t Tcp_Read(Source* source, std::span<uint8_t> buffer, std::string* error);
+void Tcp_Close(Source* source);

@@ -1,0 +1,68 @@
+#include "apps/velarto/sources/socket.h"
+#include "apps/velarto/sources/source.h"
+
+#include <chrono>
+
+using Clock = std::chrono::steady_clock;
+
+static constexpr size_t SchemeLength = 6;  // tcp://
+static constexpr std::chrono::seconds ConnectTimeOut{5};
+/** Milliseconds after which a wait looks at the stop flag. */
+static constexpr int StopLook = 50;
+
+/** HOST:PORT or [HOST]:PORT, an IPv6 address in brackets. */
+static bool Split_Address(const std::string& name, std::string* host, std::string* port) {
+  const std::string address = name.substr(SchemeLength);
+  const size_t colon = address.rfind(':');
+  if (colon == std::string::npos) return false;
+  *host = address.substr(0, colon);
+  *port = address.substr(colon + 1);
+  const bool bracketed = host->size() > 2 && host->front() == '[' && host->back() == ']';
+  if (bracketed) *host = host->substr(1, host->size() - 2);
+  if (host->empty() || (!bracketed && host->find(':') != std::string::npos)) return false;
+  if (port->empty() || port->size() > 5 || port->find_first_not_of("0123456789") != std::string::npos) return false;
+  const int number = std::stoi(*port);
+  return number >= 1 && number <= 65535;
+}
+
+/** Waits until the connection stands, fails, or the time is up. */
+static bool Await_Connection(const Source& source, intptr_t socket, Clock::time_point deadline, std::string* error) {
+  while (!Socket_Wait(socket, true, StopLook)) {
+    *error = source.stop->load() ? "stopped" : "no answer within 5 seconds";
+    if (source.stop->load() || Clock::now() >= deadline) return false;
+  }
+  return Socket_Connected(socket, error);
+}
+
+bool Tcp_Open(const std::string& name, Source* source, std::string* error) {
+  std::string host, port, reason;
+  if (!Split_Address(name, &host, &port)) {
+    *error = name + ": the address must read tcp://HOST:PORT";
+    return false;
+  }
+  const auto deadline = Clock::now() + ConnectTimeOut;
+  const auto addresses = Socket_Resolve(host, port, &reason);
+  for (const SocketAddress& address : addresses) {
+    const intptr_t socket = Socket_Connect(address, &reason);
+    if (socket == NoSocket) continue;
+    if (Await_Connection(*source, socket, deadline, &reason)) {
+      source->handle = socket;
+      return true;
+    }
+    Socket_Close(socket);
+  }
+  *error = "can't connect to " + name + ": " + reason;
+  return false;
+}
+
+int64_t Tcp_Read(Source* source, std::span<uint8_t> buffer, std::string* error) {
+  while (!source->stop->load()) {
+    if (Socket_Wait(source->handle, false, StopLook)) return Socket_Read(source->handle, buffer, error);
+  }
+  return 0;
+}
+
+void Tcp_Close(Source* source) {
+  if (source->handle != NoSocket) Socket_Close(source->handle);
+  source->handle = NoSocket;
+}

@@ -1,0 +1,43 @@
+#include "apps/velarto/commands.h"
+#include "apps/velarto/desktop.h"
+#include "apps/velarto/output.h"
+#include "apps/velarto/stream.h"
+#include "apps/velarto/viewer.h"
+#include "velarto.h"
+
+struct ViewOptions {
+  std::string kernelName;
+  ViewerOptions viewer;
+};
+
+static int View(const ViewOptions& options) {
+  if (options.viewer.feed.loop && Source_Live(options.viewer.feed.source)) {
+    throw CLI::ValidationError("--loop", "only a file can be read again");
+  }
+  std::string error;
+  if (!Desktop_Start(&error)) return Report(error);
+  Library_Start(options.kernelName);
+  const int code = Viewer_Run(options.viewer);
+  JDEC_Exit();
+  Desktop_Stop();
+  return code;
+}
+
+void View_Command(CLI::App* app, int* code) {
+  CLI::App* const command = app->add_subcommand("view", "Show a stream in a window");
+  const auto options = std::make_shared<ViewOptions>();
+  ViewerOptions* const viewer = &options->viewer;
+  Add_Common_Options(command, &viewer->feed.source, &options->kernelName);
+  command
+      ->add_option("--fps", viewer->feed.framesPerSecond, "Frames a second of a file (25); live sources are shown as they come")
+      ->check(CLI::Range(0.01, 1000.0));
+  command->add_flag("--loop", viewer->feed.loop, "Play a file again and again");
+  command->add_option("--frames", viewer->frames, "End after so many frames, or at the end of the source")
+      ->check(CLI::PositiveNumber);
+  command->add_option("--snapshots", viewer->snapshots, "Folder for snapshots (the working folder)")
+      ->check(CLI::ExistingDirectory);
+  command->footer(
+      "Keys: q or Esc quit, space pause, f full screen, s snapshot, h list of keys\n\n"
+      "Example:\n  velarto view street.vlr --fps 12 --loop");
+  command->callback([options, code] { *code = View(*options); });
+}

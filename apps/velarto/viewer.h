@@ -1,0 +1,14 @@
+/* The viewer's window: shows the frames of a feed and answers keys. */
+#pragma once
+
+#include "apps/velarto/feed.h"
+
+struct ViewerOptions {
+  FeedOptions feed;
+  int64_t frames = 0;     ///< End after so many shown frames, or at the end of the source; 0: only the user ends it.
+  std::string snapshots;  ///< Folder for snapshots; empty: the working folder.
+};
+
+/** Shows the source in a window until the user has enough. Runs the message loop on the calling thread, of which there is one at
+ *  a time. The library must have been started. Gives the exit code; failures have been reported. */
+int Viewer_Run(const ViewerOptions& options);

@@ -1,0 +1,179 @@
+#include "platform/sdl/sdl_desktop.h"
+
+#include "platform/portable/screen.h"
+#include "platform/portable/window.h"
+
+#include <SDL.h>
+
+#include <algorithm>
+#include <cctype>
+#include <vector>
+
+/** A portable window and the one that shows it. */
+struct ShownWindow {
+  HWND portable;
+  SDL_Window* real;
+};
+static std::vector<ShownWindow> shownWindows;
+
+static ShownWindow* Shown_As(HWND portable) {
+  const auto found = std::ranges::find(shownWindows, portable, &ShownWindow::portable);
+  return found == shownWindows.end() ? nullptr : &*found;
+}
+
+static ShownWindow* Shown_By(uint32_t id) {
+  const auto found = std::ranges::find(shownWindows, SDL_GetWindowFromID(id), &ShownWindow::real);
+  return found == shownWindows.end() ? nullptr : &*found;
+}
+
+static DWORD Style_Of(HWND window) { return static_cast<DWORD>(GetWindowLongPtrA(window, GWL_STYLE)); }
+
+/* ---- From the portable window to the desktop ---------------------------------------------------------------------------------
+ */
+
+/** Copies the portable pixels to the desktop's window, which is black where they don't reach. */
+static void Show_Pixels(HWND window) {
+  const ShownWindow* const shown = Shown_As(window);
+  if (!shown) return;
+  int32_t width = 0, height = 0, pitch = 0;
+  const uint8_t* const pixels = Screen_Window_Pixels(window, &width, &height, &pitch);
+  SDL_Surface* const target = SDL_GetWindowSurface(shown->real);
+  if (!pixels || !target) return;
+  SDL_Surface* const source =
+      SDL_CreateRGBSurfaceWithFormatFrom(const_cast<uint8_t*>(pixels), width, height, 32, pitch, SDL_PIXELFORMAT_RGB888);
+  if (!source) return;
+  SDL_SetSurfaceBlendMode(source, SDL_BLENDMODE_NONE);
+  if (target->w > width || target->h > height) SDL_FillRect(target, nullptr, 0);
+  SDL_BlitSurface(source, nullptr, target, nullptr);
+  SDL_FreeSurface(source);
+  SDL_UpdateWindowSurface(shown->real);
+}
+
+static void Window_Created(HWND window) {
+  if (Style_Of(window) & WS_CHILD) return;
+  RECT client = {};
+  GetClientRect(window, &client);
+  SDL_Window* const real = SDL_CreateWindow("", SDL_WINDOWPOS_UNDEFINED, SDL_WINDOWPOS_UNDEFINED, std::max(client.right, 1),
+                                            std::max(client.bottom, 1), SDL_WINDOW_RESIZABLE | SDL_WINDOW_HIDDEN);
+  if (real) shownWindows.push_back({window, real});
+}
+
+static void Take_Size(const ShownWindow& shown) {
+  RECT client = {};
+  GetClientRect(shown.portable, &client);
+  int width = 0, height = 0;
+  SDL_GetWindowSize(shown.real, &width, &height);
+  if (client.right > 0 && client.bottom > 0 && (width != client.right || height != client.bottom)) {
+    SDL_SetWindowSize(shown.real, client.right, client.bottom);
+  }
+}
+
+static void Take_Visibility(const ShownWindow& shown) {
+  const bool visible = IsWindowVisible(shown.portable);
+  const bool shows = SDL_GetWindowFlags(shown.real) & SDL_WINDOW_SHOWN;
+  if (visible && !shows) SDL_ShowWindow(shown.real);
+  if (!visible && shows) SDL_HideWindow(shown.real);
+}
+
+static void Window_Changed(HWND window) {
+  const ShownWindow* const shown = Shown_As(window);
+  if (!shown || IsIconic(window)) return;
+  char title[512] = "";
+  GetWindowTextA(window, title, sizeof title);
+  SDL_SetWindowTitle(shown->real, title);
+  const bool full = Style_Of(window) & WS_POPUP;
+  const bool isFull = SDL_GetWindowFlags(shown->real) & SDL_WINDOW_FULLSCREEN;
+  if (full != isFull) SDL_SetWindowFullscreen(shown->real, full ? SDL_WINDOW_FULLSCREEN_DESKTOP : 0);
+  if (!full) Take_Size(*shown);
+  Take_Visibility(*shown);
+}
+
+static void Window_Destroyed(HWND window) {
+  const ShownWindow* const shown = Shown_As(window);
+  if (!shown) return;
+  SDL_DestroyWindow(shown->real);
+  shownWindows.erase(shownWindows.begin() + (shown - shownWindows.data()));
+}
+
+/* ---- From the desktop to the portable window ---------------------------------------------------------------------------------
+ */
+
+static void On_Real_Size(const ShownWindow& shown) {
+  RECT client = {};
+  GetClientRect(shown.portable, &client);
+  int width = 0, height = 0;
+  SDL_GetWindowSize(shown.real, &width, &height);
+  if (width != client.right || height != client.bottom) Screen_Resize_Client(shown.portable, width, height);
+}
+
+static void On_Window_Event(const ShownWindow& shown, uint8_t event) {
+  switch (event) {
+    case SDL_WINDOWEVENT_CLOSE:
+      PostMessageA(shown.portable, WM_CLOSE, 0, 0);
+      break;
+    case SDL_WINDOWEVENT_SIZE_CHANGED:
+      On_Real_Size(shown);
+      break;
+    case SDL_WINDOWEVENT_EXPOSED:
+      Show_Pixels(shown.portable);
+      InvalidateRect(shown.portable, nullptr, FALSE);
+      break;
+    case SDL_WINDOWEVENT_MINIMIZED:
+    case SDL_WINDOWEVENT_RESTORED:
+      Screen_Minimise(shown.portable, event == SDL_WINDOWEVENT_MINIMIZED);
+      break;
+    default:
+      break;
+  }
+}
+
+/** Keys that stand for a character have its code on both sides, letters that of the upper case here. */
+static void On_Key(const ShownWindow& shown, int32_t key) {
+  if (key > 0 && key < 128) PostMessageA(shown.portable, WM_KEYDOWN, static_cast<WPARAM>(std::toupper(key)), 0);
+}
+
+static void On_Event(const SDL_Event& event) {
+  const bool ofWindow = event.type == SDL_WINDOWEVENT, ofKey = event.type == SDL_KEYDOWN;
+  if (!ofWindow && !ofKey) return;
+  const ShownWindow* const shown = Shown_By(ofWindow ? event.window.windowID : event.key.windowID);
+  if (!shown) return;
+  // A copy: the window may be destroyed by what follows.
+  const ShownWindow window = *shown;
+  if (ofWindow) On_Window_Event(window, event.window.event);
+  if (ofKey && !event.key.repeat) On_Key(window, event.key.keysym.sym);
+}
+
+static void Pump_Events(uint32_t milliseconds) {
+  SDL_Event event;
+  const int wait = milliseconds > INT32_MAX ? -1 : static_cast<int>(milliseconds);
+  for (int some = SDL_WaitEventTimeout(&event, wait); some; some = SDL_PollEvent(&event)) On_Event(event);
+}
+
+static void Wake() {
+  SDL_Event event = {};
+  event.type = SDL_USEREVENT;
+  SDL_PushEvent(&event);
+}
+
+bool Sdl_Desktop_Start(std::string* error) {
+  SDL_SetHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1");
+  SDL_SetHint(SDL_HINT_VIDEO_ALLOW_SCREENSAVER, "1");
+  SDL_DisplayMode mode = {};
+  if (SDL_Init(SDL_INIT_VIDEO) != 0 || SDL_GetDesktopDisplayMode(0, &mode) != 0) {
+    *error = std::string("no desktop to show a window on: ") + SDL_GetError();
+    SDL_Quit();
+    return false;
+  }
+  ScreenSetup setup;
+  setup.width = mode.w;
+  setup.height = mode.h;
+  Screen_Set_Up(setup);
+  Screen_Set_Desktop({Window_Created, Window_Changed, Show_Pixels, Window_Destroyed, Pump_Events, Wake});
+  return true;
+}
+
+void Sdl_Desktop_Stop() {
+  Screen_Set_Desktop({});
+  Screen_Remove();
+  SDL_Quit();
+}

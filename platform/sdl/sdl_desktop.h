@@ -1,0 +1,16 @@
+/* A real desktop for the portable windows, by SDL2. Each top-level window is shown in a window of the desktop, pixel for pixel.
+ *
+ * What the user does there reaches the portable window: a new size, keys as WM_KEYDOWN, the close button as WM_CLOSE, being
+ * minimised, and WM_PAINT when a part is uncovered. The other way round go size, title, visibility and style: a window with the
+ * style WS_POPUP is shown on the full screen.
+ *
+ * The portable screen takes the size of the desktop, with 32 bits. All of it belongs to the thread that started it. */
+#pragma once
+
+#include <string>
+
+/** Sets the portable screen up and hooks the desktop in. False, with one line in *error, when there is no desktop. */
+bool Sdl_Desktop_Start(std::string* error);
+
+/** Takes desktop and screen away; all windows must have been destroyed. */
+void Sdl_Desktop_Stop();
