@@ -2,8 +2,6 @@
 
 #include "platform/win32.h"
 
-#include <cstring>
-
 namespace {
 
 using FromWindow = HMONITOR(WINAPI*)(HWND, DWORD);
@@ -89,8 +87,7 @@ int32_t Monitor_Get_Info(HMONITOR monitor, MONITORINFO* info) {
   info->rcWork = work;
   info->dwFlags = MONITORINFOF_PRIMARY;
   if (info->cbSize >= sizeof(MONITORINFOEXA)) {
-    constexpr char device[] = "DISPLAY";
-    std::memcpy(reinterpret_cast<MONITORINFOEXA*>(info)->szDevice, device, sizeof device);
+    lstrcpyA(reinterpret_cast<MONITORINFOEXA*>(info)->szDevice, "DISPLAY");
   }
   return 1;
 }

@@ -13,6 +13,7 @@
 struct ShownWindow {
   HWND portable;
   SDL_Window* real;
+  int x = 0, y = 0;  ///< Where the real one's frame was before it filled the screen.
 };
 static std::vector<ShownWindow> shownWindows;
 
@@ -28,8 +29,7 @@ static ShownWindow* Shown_By(uint32_t id) {
 
 static DWORD Style_Of(HWND window) { return static_cast<DWORD>(GetWindowLongPtrA(window, GWL_STYLE)); }
 
-/* ---- From the portable window to the desktop ---------------------------------------------------------------------------------
- */
+/* ---- From the portable window to the desktop ------------------------------------------------------------ */
 
 /** Copies the portable pixels to the desktop's window, which is black where they don't reach. */
 static void Show_Pixels(HWND window) {
@@ -55,7 +55,7 @@ static void Window_Created(HWND window) {
   GetClientRect(window, &client);
   SDL_Window* const real = SDL_CreateWindow("", SDL_WINDOWPOS_UNDEFINED, SDL_WINDOWPOS_UNDEFINED, std::max(client.right, 1),
                                             std::max(client.bottom, 1), SDL_WINDOW_RESIZABLE | SDL_WINDOW_HIDDEN);
-  if (real) shownWindows.push_back({window, real});
+  if (real) shownWindows.push_back({.portable = window, .real = real});
 }
 
 static void Take_Size(const ShownWindow& shown) {
@@ -68,6 +68,27 @@ static void Take_Size(const ShownWindow& shown) {
   }
 }
 
+/** Changes between window and full screen. Place and size are set first, for a desktop without a window manager sets neither. */
+static void Take_Style(ShownWindow* shown) {
+  const bool full = Style_Of(shown->portable) & WS_POPUP;
+  const bool isFull = SDL_GetWindowFlags(shown->real) & SDL_WINDOW_FULLSCREEN;
+  if (full && !isFull) {
+    int left = 0, top = 0;
+    SDL_GetWindowPosition(shown->real, &shown->x, &shown->y);
+    SDL_GetWindowBordersSize(shown->real, &top, &left, nullptr, nullptr);
+    shown->x -= left;
+    shown->y -= top;
+    SDL_SetWindowPosition(shown->real, 0, 0);
+    SDL_SetWindowSize(shown->real, GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN));
+    SDL_SetWindowFullscreen(shown->real, SDL_WINDOW_FULLSCREEN_DESKTOP);
+  }
+  if (!full && isFull) {
+    SDL_SetWindowFullscreen(shown->real, 0);
+    SDL_SetWindowPosition(shown->real, shown->x, shown->y);
+  }
+  if (!full) Take_Size(*shown);
+}
+
 static void Take_Visibility(const ShownWindow& shown) {
   const bool visible = IsWindowVisible(shown.portable);
   const bool shows = SDL_GetWindowFlags(shown.real) & SDL_WINDOW_SHOWN;
@@ -76,15 +97,12 @@ static void Take_Visibility(const ShownWindow& shown) {
 }
 
 static void Window_Changed(HWND window) {
-  const ShownWindow* const shown = Shown_As(window);
+  ShownWindow* const shown = Shown_As(window);
   if (!shown || IsIconic(window)) return;
   char title[512] = "";
   GetWindowTextA(window, title, sizeof title);
   SDL_SetWindowTitle(shown->real, title);
-  const bool full = Style_Of(window) & WS_POPUP;
-  const bool isFull = SDL_GetWindowFlags(shown->real) & SDL_WINDOW_FULLSCREEN;
-  if (full != isFull) SDL_SetWindowFullscreen(shown->real, full ? SDL_WINDOW_FULLSCREEN_DESKTOP : 0);
-  if (!full) Take_Size(*shown);
+  Take_Style(shown);
   Take_Visibility(*shown);
 }
 
@@ -95,8 +113,7 @@ static void Window_Destroyed(HWND window) {
   shownWindows.erase(shownWindows.begin() + (shown - shownWindows.data()));
 }
 
-/* ---- From the desktop to the portable window ---------------------------------------------------------------------------------
- */
+/* ---- From the desktop to the portable window ------------------------------------------------------------ */
 
 static void On_Real_Size(const ShownWindow& shown) {
   RECT client = {};

@@ -1,0 +1,178 @@
+#include "apps/velarto/viewer.h"
+
+#include "apps/velarto/picture.h"
+#include "apps/velarto/stream.h"
+#include "platform/portable/screen.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <iterator>
+
+namespace {
+
+const std::string sample = VELARTO_SOURCE_DIR "/samples/street.vlr";
+
+/** What the test does while the viewer runs: looks in after each change of the window's pixels. */
+struct Watcher {
+  HWND window = nullptr;
+  int32_t changes = 0, created = 0, destroyed = 0;
+  std::function<void()> onChange, onIdle;
+};
+Watcher watcher;
+
+void Created(HWND window) {
+  watcher.window = window;
+  ++watcher.created;
+}
+void Pixels_Changed(HWND) {
+  ++watcher.changes;
+  if (watcher.onChange) watcher.onChange();
+}
+void Destroyed(HWND) { ++watcher.destroyed; }
+void Pump(uint32_t) {
+  if (watcher.onIdle) watcher.onIdle();
+  Sleep(1);
+}
+
+void Press(char key) { PostMessageA(watcher.window, WM_CHAR, static_cast<WPARAM>(key), 0); }
+
+std::string Title() {
+  char title[256] = "";
+  GetWindowTextA(watcher.window, title, sizeof title);
+  return title;
+}
+
+class ViewerTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    watcher = {};
+    Screen_Set_Up(Screen_Of_Depth(32));
+    Screen_Set_Desktop({Created, nullptr, Pixels_Changed, Destroyed, Pump, nullptr});
+    folder = std::filesystem::path(testing::TempDir()) / ("velarto-viewer-" + std::to_string(getpid()));
+    std::filesystem::remove_all(folder);
+    std::filesystem::create_directory(folder);
+    options.feed = {.source = sample, .framesPerSecond = 200, .loop = true};
+    options.snapshots = folder.string();
+    Library_Start("");
+  }
+  void TearDown() override {
+    JDEC_Exit();
+    Screen_Set_Desktop({});
+    Screen_Remove();
+    std::filesystem::remove_all(folder);
+  }
+  ViewerOptions options;
+  std::filesystem::path folder;
+};
+
+TEST_F(ViewerTest, ShowsThePictureThatASnapshotSaves) {
+  uint32_t shownColors[3] = {};
+  std::string title;
+  watcher.onChange = [&] {
+    if (watcher.changes == 5) Press('s');
+    if (watcher.changes != 5) return;
+    for (int32_t i = 0; i < 3; ++i) shownColors[i] = Screen_Window_Color(watcher.window, 20 + 130 * i, 200 - 60 * i);
+    title = Title();
+    Press('q');
+  };
+  EXPECT_EQ(Viewer_Run(options), 0);
+  EXPECT_EQ(title, sample + " - 320x240 - velarto");
+  EXPECT_EQ(watcher.created, 1);
+  EXPECT_EQ(watcher.destroyed, 1);
+
+  const auto entry = std::filesystem::directory_iterator(folder);
+  ASSERT_NE(entry, std::filesystem::directory_iterator());
+  EXPECT_TRUE(entry->path().filename().string().starts_with("velarto-20"));
+  std::ifstream file(entry->path(), std::ios::binary);
+  const std::vector<uint8_t> bmp{std::istreambuf_iterator<char>(file), {}};
+  ASSERT_EQ(bmp.size(), 54u + 320 * 240 * 3);
+  for (int32_t i = 0; i < 3; ++i) {
+    const uint8_t* const pixel = &bmp[static_cast<size_t>(54 + ((239 - (200 - 60 * i)) * 320 + 20 + 130 * i) * 3)];
+    EXPECT_EQ(shownColors[i], static_cast<uint32_t>(pixel[2] << 16 | pixel[1] << 8 | pixel[0])) << "place " << i;
+  }
+}
+
+TEST_F(ViewerTest, PauseHoldsTheRecording) {
+  int32_t atPause = 0;
+  uint32_t pausedAt = 0;
+  watcher.onChange = [&] {
+    if (watcher.changes == 3) Press(' ');
+  };
+  watcher.onIdle = [&] {
+    if (pausedAt == 0 && Title().find("paused") != std::string::npos) pausedAt = GetTickCount();
+    if (pausedAt == 0 || GetTickCount() - pausedAt < 100) return;
+    if (atPause == 0) atPause = watcher.changes;  // Those that were queued have been shown.
+    if (GetTickCount() - pausedAt < 400) return;
+    EXPECT_EQ(watcher.changes, atPause);
+    watcher.onIdle = nullptr;
+    watcher.onChange = [&] {
+      if (watcher.changes > atPause + 3) Press(VK_ESCAPE);
+    };
+    Press(' ');
+  };
+  EXPECT_EQ(Viewer_Run(options), 0);
+  EXPECT_GT(watcher.changes, atPause);
+}
+
+TEST_F(ViewerTest, FullScreenAndBackAndResized) {
+  RECT client = {};
+  watcher.onChange = [&] {
+    GetClientRect(watcher.window, &client);
+    if (watcher.changes == 2) Press('f');
+    if (client.right == 1024) {
+      EXPECT_EQ(client.bottom, 768);
+      EXPECT_TRUE(GetWindowLongPtrA(watcher.window, GWL_STYLE) & static_cast<LONG_PTR>(WS_POPUP));
+      EXPECT_NE(Screen_Window_Color(watcher.window, 1000, 740), 0u);
+      watcher.onChange = [&] {
+        GetClientRect(watcher.window, &client);
+        if (client.right == 320) Screen_Resize_Client(watcher.window, 500, 400);
+        if (client.right == 500) Press('q');
+      };
+      Press('f');
+    }
+  };
+  EXPECT_EQ(Viewer_Run(options), 0);
+  EXPECT_EQ(client.right, 500);
+  EXPECT_EQ(client.bottom, 400);
+}
+
+TEST_F(ViewerTest, EndsByItselfAndTellsFailures) {
+  options.feed.loop = false;
+  options.frames = 7;
+  EXPECT_EQ(Viewer_Run(options), 0);
+  EXPECT_GE(watcher.changes, 7);
+
+  options.frames = 1000;  // More than there are: the end of the source ends it.
+  options.feed.framesPerSecond = 1000;
+  EXPECT_EQ(Viewer_Run(options), 0);
+
+  testing::internal::CaptureStderr();
+  options.feed.source = folder.string();
+  EXPECT_EQ(Viewer_Run(options), 1);
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "velarto: " + folder.string() + " is a directory\n");
+  EXPECT_EQ(watcher.created, 2);
+
+  // A source that says nothing: a window opens all the same, and quits at once.
+  const std::string pipe = (folder / "pipe").string();
+  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+  options.feed.source = pipe;
+  uint32_t pressed = 0;
+  watcher.onIdle = [&] {
+    if (watcher.created == 3 && pressed == 0) Press('q'), pressed = GetTickCount();
+  };
+  EXPECT_EQ(Viewer_Run(options), 0);
+  EXPECT_NE(pressed, 0u);
+  EXPECT_LT(GetTickCount() - pressed, 1000u);
+  watcher.onIdle = nullptr;
+
+  Screen_Fail(ScreenStep::CreateOffscreen);
+  options.feed.source = sample;
+  EXPECT_EQ(Viewer_Run(options), 1);
+}
+
+}  // namespace

@@ -1,0 +1,193 @@
+// Entropy decoding against a decoder that walks bit by bit, with the code tables that another encoder writes into its files.
+#include "decode/huffman_tables.h"
+#include "support/levels.h"
+#include "support/streams.h"
+
+#include <array>
+
+namespace {
+
+/** A code by length and value, -1 where there is none, made by counting up as the JPEG standard tells in its Annex C. */
+struct BitwiseCode {
+  std::array<std::vector<int>, 17> symbols;
+  std::array<bool, 256> startsLongCode{};
+
+  explicit BitwiseCode(const uint8_t* segment) {
+    const uint8_t* const counts = segment + 5;
+    const uint8_t* symbol = segment + 21;
+    uint32_t code = 0;
+    for (size_t length = 1; length <= 16; ++length, code <<= 1) {
+      symbols[length].assign(size_t{1} << length, -1);
+      for (int i = 0; i < counts[length - 1]; ++i, ++code) {
+        symbols[length][code] = *symbol++;
+        if (length > 8) startsLongCode[code >> (length - 8)] = true;
+      }
+    }
+  }
+};
+
+struct ReferenceDecoder {
+  const BitwiseCode *dcLuma, *acLuma, *dcChroma, *acChroma;
+  Bytes data;  // Without stuffing; zeros follow.
+  size_t position = 0;
+  int notCodes = 0, runsPastEnd = 0;
+
+  void Load(const Bytes& raw) {
+    data.clear();
+    position = 0;
+    for (size_t i = 0; i < raw.size(); ++i) {
+      const bool escaped = raw[i] == 0xFF;
+      while (i < raw.size() && raw[i] == 0xFF) ++i;
+      const uint8_t byte = i < raw.size() ? raw[i] : 0;
+      data.push_back(escaped && byte == 0 ? 0xFF : byte);
+    }
+  }
+  int Bits(int count) {
+    int value = 0;
+    for (; count > 0; --count, ++position) {
+      const int byte = position / 8 < data.size() ? data[position / 8] : 0;
+      value = value << 1 | (byte >> (7 - position % 8) & 1);
+    }
+    return value;
+  }
+  int Symbol(const BitwiseCode& code) {
+    const size_t start = position;
+    size_t bits = 0;
+    for (size_t length = 1; length <= 16; ++length) {
+      bits = bits << 1 | (size_t)Bits(1);
+      if (code.symbols[length][bits] >= 0) return code.symbols[length][bits];
+    }
+    ++notCodes;
+    position = start + (code.startsLongCode[bits >> 8] ? 8 : 0);
+    return 0;
+  }
+  int Value(int size) {
+    const int value = Bits(size);
+    return size > 0 && value < 1 << (size - 1) ? value - (1 << size) + 1 : value;
+  }
+  void Block(const BitwiseCode& dc, const BitwiseCode& ac, int32_t* predictor, int32_t* block, int32_t* scan) {
+    static constexpr uint8_t order[64] = {0,  1,  8,  16, 9,  2,  3,  10, 17, 24, 32, 25, 18, 11, 4,  5,  12, 19, 26, 33, 40, 48,
+                                          41, 34, 27, 20, 13, 6,  7,  14, 21, 28, 35, 42, 49, 56, 57, 50, 43, 36, 29, 22, 15, 23,
+                                          30, 37, 44, 51, 58, 59, 52, 45, 38, 31, 39, 46, 53, 60, 61, 54, 47, 55, 62, 63};
+    *predictor += Value(Symbol(dc));
+    block[0] = *predictor;
+    for (int k = 1; k < 64; ++k) {
+      const int symbol = Symbol(ac);
+      if (symbol % 16 == 0 && symbol != 0xF0) return;
+      k += symbol / 16;
+      if (symbol == 0xF0) continue;
+      if (k > 63) ++runsPastEnd;
+      const int last = std::min(k, 63);
+      scan[last] = block[order[last]] = Value(symbol % 16);
+    }
+  }
+};
+
+/** Coefficients of a row of macroblocks between watched words, with the scans that the hook was given. */
+struct Row {
+  static constexpr int32_t Watched = 0x5A5A5A5A;
+  int32_t columns;
+  std::array<std::vector<int32_t>, 4> planes;  // Upper, lower, Cb, Cr.
+  std::array<int32_t, 3> predictors{11, -5, 7};
+  std::vector<int32_t> scans;
+
+  explicit Row(int32_t count) : columns(count) {
+    for (size_t i = 0; i < 4; ++i) {
+      planes[i].assign((size_t)columns * (i < 2 ? 128 : 64) + 16, 0);
+      std::fill_n(planes[i].begin(), 8, Watched);
+      std::fill_n(planes[i].end() - 8, 8, Watched);
+    }
+  }
+  int32_t* At(size_t plane) { return planes[plane].data() + 8; }
+};
+
+std::vector<int32_t>* hookTarget;
+void Keep_Scan(const int32_t* scan) { hookTarget->insert(hookTarget->end(), scan, scan + 64); }
+
+Row Decode_By_Reference(ReferenceDecoder& decoder, int32_t columns) {
+  Row row(columns);
+  for (int32_t c = 0; c < columns; ++c) {
+    int32_t* const blocks[6] = {row.At(0) + 128 * c,      row.At(0) + 128 * c + 64, row.At(1) + 128 * c,
+                                row.At(1) + 128 * c + 64, row.At(2) + 64 * c,       row.At(3) + 64 * c};
+    for (int i = 0; i < 6; ++i) {
+      int32_t scan[64] = {};
+      int32_t* const predictor = &row.predictors[(size_t)std::max(i - 3, 0)];
+      const bool luma = i < 4;
+      decoder.Block(luma ? *decoder.dcLuma : *decoder.dcChroma, luma ? *decoder.acLuma : *decoder.acChroma, predictor, blocks[i],
+                    scan);
+      if (luma) row.scans.insert(row.scans.end(), scan, scan + 64);
+    }
+  }
+  return row;
+}
+
+Row Decode_By_Kernel(DecodeRowKernel kernel, const Bytes& raw, int32_t columns) {
+  Row row(columns);
+  const std::unique_ptr<uint8_t[]> exact(new uint8_t[raw.size()]);  // So that a sanitizer sees a byte too many.
+  std::copy(raw.begin(), raw.end(), exact.get());
+  HuffReader reader = {exact.get(), exact.get() + raw.size(), 0, 0};
+  hookTarget = &row.scans;
+  kernel(&reader, &huffTables, row.At(0), row.At(1), row.At(2), row.At(3), columns, row.predictors.data(), Keep_Scan);
+  return row;
+}
+
+bool Same(const Row& a, const Row& b) { return a.planes == b.planes && a.predictors == b.predictors && a.scans == b.scans; }
+
+struct HuffmanKernel : LibraryTest {
+  Bytes jpeg = Read_File(Data_Path("tile-48x48-q50.jpg"));
+  BitwiseCode dcLuma{&jpeg[177]}, acLuma{&jpeg[210]}, dcChroma{&jpeg[393]}, acChroma{&jpeg[426]};
+  ReferenceDecoder reference{&dcLuma, &acLuma, &dcChroma, &acChroma, {}};
+};
+
+TEST_F(HuffmanKernel, EveryPrefixOfSixteenBitsInEachTable) {
+  // Empty blocks ahead of the code: DC luma 00 and AC luma 1010, DC chroma 00 and AC chroma 00.
+  const char* const leads[] = {"", "00", "001010001010001010001010", "00101000101000101000101000"};
+  Noise noise{3};
+  for (const TestLevel& level : testLevels) {
+    const DecodeRowKernel kernel = Kernels_Select(level.mask).decodeRow;
+    for (const char* lead : leads) {
+      for (uint32_t prefix = 0; prefix < 65536; ++prefix) {
+        std::string bits = lead;
+        for (int i = 15; i >= 0; --i) bits += (char)('0' + (prefix >> i & 1));
+        for (int i = 0; i < 12; ++i) bits += "0100001101010010"[noise.Next() % 16];
+        while (bits.size() % 8 != 0) bits += '1';
+        Bytes raw;
+        for (size_t i = 0; i < bits.size(); i += 8) {
+          raw.push_back((uint8_t)std::stoi(bits.substr(i, 8), nullptr, 2));
+          if (raw.back() == 0xFF) raw.push_back(0);
+        }
+        raw.insert(raw.end(), {0x28, 0xA2, 0x8A, 0, 0, 0x28});
+        reference.Load(raw);
+        ASSERT_TRUE(Same(Decode_By_Kernel(kernel, raw, 1), Decode_By_Reference(reference, 1)))
+            << level.name << " lead " << lead << " prefix " << prefix;
+      }
+    }
+  }
+}
+
+TEST_F(HuffmanKernel, AnyBytesMarkersStuffingAndEarlyEndsIncluded) {
+  Noise noise{17};
+  for (const TestLevel& level : testLevels) {
+    const DecodeRowKernel kernel = Kernels_Select(level.mask).decodeRow;
+    for (int round = 0; round < 6000; ++round) {
+      const int32_t columns = noise.Between(1, 6);
+      Bytes raw = noise.Some((size_t)noise.Between(0, 40 * columns));
+      const int32_t shape = round % 4;
+      for (uint8_t& byte : raw) {
+        const uint32_t dice = noise.Next() % 16;
+        if (shape == 1 && dice < 6) byte = 0xFF;
+        if (shape >= 1 && dice == 7) byte = 0;
+        if (shape >= 1 && dice == 8) byte = 0xD9;
+        if (shape == 2 && dice > 8) byte = 0xFE;  // Long codes, and bits that are no code.
+        if (shape == 3 && dice < 2) byte = 0xF9;
+      }
+      reference.Load(raw);
+      ASSERT_TRUE(Same(Decode_By_Kernel(kernel, raw, columns), Decode_By_Reference(reference, columns)))
+          << level.name << " round " << round;
+    }
+  }
+  EXPECT_GT(reference.notCodes, 100);  // The noise reaches the corners that it is for.
+  EXPECT_GT(reference.runsPastEnd, 100);
+}
+
+}  // namespace

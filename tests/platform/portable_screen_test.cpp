@@ -1,0 +1,142 @@
+/* What only the portable screen can do: other depths, more monitors, failures, lost surfaces, a desktop. */
+#include "platform/home.h"
+
+#include <atomic>
+#include <thread>
+
+namespace {
+
+class PortableScreenTest : public PlatformTest {
+ protected:
+  static IDirectDrawSurface* Make_Surface(DWORD width, DWORD height) {
+    IDirectDraw* ddraw = nullptr;
+    if (FAILED(DirectDrawCreate(nullptr, &ddraw, nullptr))) return nullptr;
+    DDSURFACEDESC desc{};
+    desc.dwSize = sizeof desc;
+    desc.dwFlags = DDSD_CAPS | DDSD_WIDTH | DDSD_HEIGHT;
+    desc.dwWidth = width;
+    desc.dwHeight = height;
+    desc.ddsCaps.dwCaps = DDSCAPS_OFFSCREENPLAIN;
+    IDirectDrawSurface* surface = nullptr;
+    IDirectDraw_CreateSurface(ddraw, &desc, &surface, nullptr);
+    IDirectDraw_Release(ddraw);
+    return surface;
+  }
+};
+
+TEST_F(PortableScreenTest, AStepFailsWhenAndAsOftenAsTold) {
+  Screen_Fail(ScreenStep::DirectDrawCreate, 1, 2, DDERR_OUTOFMEMORY);
+  IDirectDraw* ddraw = nullptr;
+  ASSERT_EQ(DirectDrawCreate(nullptr, &ddraw, nullptr), DD_OK);
+  IDirectDraw_Release(ddraw);
+  EXPECT_EQ(DirectDrawCreate(nullptr, &ddraw, nullptr), DDERR_OUTOFMEMORY);
+  EXPECT_EQ(ddraw, nullptr);
+  EXPECT_EQ(DirectDrawCreate(nullptr, &ddraw, nullptr), DDERR_OUTOFMEMORY);
+  ASSERT_EQ(DirectDrawCreate(nullptr, &ddraw, nullptr), DD_OK);
+  IDirectDraw_Release(ddraw);
+  EXPECT_EQ(Screen_Calls(ScreenStep::DirectDrawCreate), 4);
+
+  Screen_Fail(ScreenStep::Memory);
+  EXPECT_EQ(HeapAlloc(GetProcessHeap(), 0, 1), nullptr);
+  Screen_Fail_Nothing();
+  void* memory = HeapAlloc(GetProcessHeap(), 0, 1);
+  EXPECT_EQ(Screen_Objects_Alive(), objectsBefore + 1);
+  HeapFree(GetProcessHeap(), 0, memory);
+}
+
+TEST_F(PortableScreenTest, LostSurfacesRefuseUntilRestored) {
+  IDirectDrawSurface* surface = Make_Surface(5, 4);
+  ASSERT_NE(surface, nullptr);
+  Screen_Lose_Surfaces();
+  HDC dc = nullptr;
+  DDSURFACEDESC desc{};
+  desc.dwSize = sizeof desc;
+  EXPECT_EQ(IDirectDrawSurface_IsLost(surface), DDERR_SURFACELOST);
+  EXPECT_EQ(IDirectDrawSurface_GetDC(surface, &dc), DDERR_SURFACELOST);
+  EXPECT_EQ(IDirectDrawSurface_Lock(surface, nullptr, &desc, 0, nullptr), DDERR_SURFACELOST);
+  EXPECT_EQ(IDirectDrawSurface_Blt(surface, nullptr, surface, nullptr, 0, nullptr), DDERR_SURFACELOST);
+  ASSERT_EQ(IDirectDrawSurface_Restore(surface), DD_OK);
+  ASSERT_EQ(IDirectDrawSurface_Lock(surface, nullptr, &desc, 0, nullptr), DD_OK);
+  EXPECT_EQ(IDirectDrawSurface_GetDC(surface, &dc), DDERR_SURFACEBUSY);
+  EXPECT_TRUE(Screen_Surface_Guards_Whole(surface));
+  static_cast<uint8_t*>(desc.lpSurface)[5 * 4] = 0;
+  EXPECT_FALSE(Screen_Surface_Guards_Whole(surface));
+  IDirectDrawSurface_Unlock(surface, nullptr);
+  IDirectDrawSurface_Release(surface);
+}
+
+TEST_F(PortableScreenTest, CopiesOverItselfDoNotRepeat) {
+  for (const int32_t bits : {8, 16, 24, 32}) {
+    Screen_Set_Up(Screen_Of_Depth(bits));
+    IDirectDrawSurface* surface = Make_Surface(3, 6);
+    ASSERT_NE(surface, nullptr);
+    HDC dc = nullptr;
+    ASSERT_EQ(IDirectDrawSurface_GetDC(surface, &dc), DD_OK);
+    const COLORREF colors[] = {Red, Green, Blue, White};
+    for (int y = 0; y < 4; ++y) EXPECT_EQ(SetPixel(dc, 2, y, colors[y]), colors[y]) << bits;
+    IDirectDrawSurface_ReleaseDC(surface, dc);
+    RECT to{0, 2, 3, 6}, from{0, 0, 3, 4};
+    ASSERT_EQ(IDirectDrawSurface_Blt(surface, &to, surface, &from, 0, nullptr), DD_OK);
+    ASSERT_EQ(IDirectDrawSurface_GetDC(surface, &dc), DD_OK);
+    for (int y = 0; y < 4; ++y) EXPECT_EQ(GetPixel(dc, 2, y + 2), colors[y]) << bits;
+    IDirectDrawSurface_ReleaseDC(surface, dc);
+    EXPECT_TRUE(Screen_Surface_Guards_Whole(surface));
+    IDirectDrawSurface_Release(surface);
+  }
+}
+
+TEST_F(PortableScreenTest, WindowsFollowTheScreen) {
+  ScreenSetup setup = Screen_Of_Depth(15);
+  setup.adapters = 2;
+  Screen_Set_Up(setup);
+  HWND window = Make_Window(10, 10, 3, 2);
+  int32_t width = 0, height = 0, pitch = 0;
+  const uint8_t* pixels = Screen_Window_Pixels(window, &width, &height, &pitch);
+  EXPECT_EQ(pitch, 8);
+  EXPECT_EQ(pixels[0] | pixels[1] << 8, 0x7FFF);
+  MONITORINFO info{};
+  info.cbSize = sizeof info;
+  Screen_Move_To_Monitor(window, 1);
+  ASSERT_TRUE(GetMonitorInfoA(MonitorFromWindow(window, MONITOR_DEFAULTTONEAREST), &info));
+  EXPECT_EQ(info.dwFlags & MONITORINFOF_PRIMARY, 0u);
+  EXPECT_EQ(info.rcMonitor.left, setup.width);
+
+  Screen_Resize_Client(window, 7, 5);
+  MSG message;
+  ASSERT_TRUE(PeekMessageA(&message, window, WM_SIZE, WM_SIZE, PM_REMOVE));
+  EXPECT_EQ(message.lParam, MAKELPARAM(7, 5));
+  EXPECT_TRUE(PeekMessageA(&message, window, WM_PAINT, WM_PAINT, PM_NOREMOVE));
+  EXPECT_EQ(Screen_Window_Color(window, 6, 4), 0u);
+  EXPECT_EQ(Screen_Window_Color(window, 7, 4), 0xFFFFFFFFu);
+
+  Screen_Remove();
+  EXPECT_EQ(Screen_Window_Pixels(window, &width, &height, &pitch), nullptr);
+  EXPECT_EQ(GetDeviceCaps(nullptr, BITSPIXEL), 24);
+  IDirectDraw* ddraw = nullptr;
+  EXPECT_EQ(DirectDrawCreate(nullptr, &ddraw, nullptr), DDERR_NODIRECTDRAWHW);
+}
+
+std::atomic<int> wakes, pixelChanges;
+
+TEST_F(PortableScreenTest, TheDesktopIsToldAndWoken) {
+  ScreenDesktop desktop{};
+  desktop.pixelsChanged = [](HWND) { ++pixelChanges; };
+  desktop.wake = [] { ++wakes; };
+  desktop.pumpEvents = [](uint32_t milliseconds) {
+    for (uint32_t i = 0; i < milliseconds && wakes == 0; ++i) Sleep(1);
+  };
+  HWND window = Make_Window(0, 0, 20, 20);
+  Screen_Set_Desktop(desktop);
+  EXPECT_EQ(MsgWaitForMultipleObjects(0, nullptr, FALSE, 5, QS_ALLINPUT), WAIT_TIMEOUT);
+  std::thread poster([=] { PostMessageA(window, WM_APP, 0, 0); });
+  EXPECT_EQ(MsgWaitForMultipleObjects(0, nullptr, FALSE, INFINITE, QS_ALLINPUT), WAIT_OBJECT_0);
+  poster.join();
+  EXPECT_EQ(wakes, 1);
+  HDC dc = GetDC(window);
+  SetPixel(dc, 1, 1, Red);
+  ReleaseDC(window, dc);
+  EXPECT_EQ(pixelChanges, 1);
+  Screen_Set_Desktop({});
+}
+
+}  // namespace

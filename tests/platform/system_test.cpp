@@ -1,0 +1,125 @@
+#include "platform/home.h"
+
+#include <string>
+#include <thread>
+
+namespace {
+
+class SystemTest : public PlatformTest {};
+
+TEST_F(SystemTest, AMutexLetsItsOwnerInAgainAndNobodyElse) {
+  HANDLE mutex = CreateMutexA(nullptr, FALSE, nullptr);
+  EXPECT_EQ(WaitForSingleObject(mutex, INFINITE), WAIT_OBJECT_0);
+  EXPECT_EQ(WaitForSingleObject(mutex, INFINITE), WAIT_OBJECT_0);
+  const auto other = [&](DWORD expected) {
+    std::thread([&] {
+      EXPECT_EQ(WaitForSingleObject(mutex, 0), expected);
+      EXPECT_EQ(ReleaseMutex(mutex) != 0, expected == WAIT_OBJECT_0);
+    }).join();
+  };
+  other(WAIT_TIMEOUT);
+  EXPECT_TRUE(ReleaseMutex(mutex));
+  other(WAIT_TIMEOUT);
+  EXPECT_TRUE(ReleaseMutex(mutex));
+  EXPECT_FALSE(ReleaseMutex(mutex));
+  other(WAIT_OBJECT_0);
+  EXPECT_TRUE(CloseHandle(mutex));
+}
+
+TEST_F(SystemTest, FilesMemoryAndModules) {
+  const std::string path = testing::TempDir() + "velarto-platform-test.bin";
+  HANDLE file = CreateFileA(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+  ASSERT_NE(file, INVALID_HANDLE_VALUE);
+  DWORD count = 0;
+  EXPECT_TRUE(WriteFile(file, "abc", 3, &count, nullptr));
+  EXPECT_EQ(count, 3u);
+  EXPECT_TRUE(WriteFile(file, "defg", 4, &count, nullptr));
+  EXPECT_TRUE(CloseHandle(file));
+  file = CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+  char text[16] = {};
+  EXPECT_TRUE(ReadFile(file, text, sizeof text, &count, nullptr));
+  EXPECT_EQ(std::string(text), "abcdefg");
+  EXPECT_TRUE(ReadFile(file, text, sizeof text, &count, nullptr));
+  EXPECT_EQ(count, 0u);
+  EXPECT_TRUE(CloseHandle(file));
+  std::remove(path.c_str());
+  EXPECT_EQ(CreateFileA(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr), INVALID_HANDLE_VALUE);
+
+  auto* memory = static_cast<uint8_t*>(HeapAlloc(GetProcessHeap(), HEAP_ZERO_MEMORY, 100));
+  EXPECT_EQ(std::vector<uint8_t>(memory, memory + 100), std::vector<uint8_t>(100, 0));
+  EXPECT_TRUE(HeapFree(GetProcessHeap(), 0, memory));
+  HMODULE module = LoadLibraryA("ddraw.dll");
+  EXPECT_NE(GetProcAddress(module, "DirectDrawEnumerateExA"), nullptr);
+  EXPECT_EQ(GetProcAddress(module, "GetMonitorInfoA"), nullptr);
+  EXPECT_TRUE(FreeLibrary(module));
+  EXPECT_NE(GetProcAddress(GetModuleHandleA("USER32"), "GetMonitorInfoA"), nullptr);
+}
+
+TEST_F(SystemTest, PostedMessagesComeFirstThenQuitThenPaint) {
+  HWND window = Make_Window(20, 20, 50, 40);
+  InvalidateRect(window, nullptr, FALSE);
+  PostQuitMessage(7);
+  std::thread([=] { PostMessageA(window, WM_APP + 1, 11, 12); }).join();
+  PostMessageA(window, WM_APP + 2, 0, 0);
+  MSG message;
+  while (GetMessageA(&message, nullptr, 0, 0)) DispatchMessageA(&message);
+  EXPECT_EQ(message.wParam, 7u);
+  ASSERT_EQ(seenMessages.size(), 2u);
+  EXPECT_EQ(seenMessages[0].message, UINT{WM_APP + 1});
+  EXPECT_EQ(seenMessages[0].wParam, 11u);
+  EXPECT_EQ(seenMessages[0].lParam, 12);
+  EXPECT_EQ(seenMessages[1].message, UINT{WM_APP + 2});
+  Pump();
+  ASSERT_EQ(seenMessages.size(), 3u);
+  EXPECT_EQ(seenMessages[2].message, UINT{WM_PAINT});
+}
+
+WNDPROC procBefore;
+
+LRESULT CALLBACK Second_Proc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  if (message == WM_APP) return 42;
+  return CallWindowProcA(procBefore, window, message, wParam, lParam);
+}
+
+TEST_F(SystemTest, AWindowsProcedureAndValuesAreReplaceable) {
+  HWND window = Make_Window(20, 20, 50, 40);
+  EXPECT_EQ(SetWindowLongPtrA(window, GWLP_USERDATA, 1234), 0);
+  EXPECT_EQ(SetWindowLongPtrA(window, GWLP_USERDATA, 5), 1234);
+  EXPECT_EQ(GetWindowLongPtrA(window, GWLP_USERDATA), 5);
+  procBefore = reinterpret_cast<WNDPROC>(SetWindowLongPtrA(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(Second_Proc)));
+  EXPECT_EQ(SendMessageA(window, WM_APP, 0, 0), 42);
+  EXPECT_EQ(SendMessageA(window, WM_APP + 1, 0, 0), 0);
+  EXPECT_EQ(seenMessages.size(), 1u) << "the first procedure got the second message alone";
+  SetWindowTextA(window, "a title");
+  char text[4];
+  EXPECT_EQ(GetWindowTextA(window, text, sizeof text), 3);
+  EXPECT_STREQ(text, "a t");
+
+  SendMessageA(window, WM_CLOSE, 0, 0);
+  EXPECT_EQ(seenMessages.back().message, UINT{WM_DESTROY});
+  EXPECT_FALSE(IsWindow(window));
+}
+
+TEST_F(SystemTest, AMinimisedWindowKeepsItsPlace) {
+  HWND window = Make_Window(20, 30, 90, 80);
+  const HMONITOR monitor = MonitorFromWindow(window, MONITOR_DEFAULTTONULL);
+  MONITORINFO info{};
+  info.cbSize = sizeof info;
+  ASSERT_TRUE(GetMonitorInfoA(monitor, &info));
+  EXPECT_TRUE(info.dwFlags & MONITORINFOF_PRIMARY);
+  ShowWindow(window, SW_MINIMIZE);
+  EXPECT_TRUE(IsIconic(window));
+  WINDOWPLACEMENT placement{};
+  placement.length = sizeof placement;
+  ASSERT_TRUE(GetWindowPlacement(window, &placement));
+  EXPECT_EQ(placement.rcNormalPosition.left, 20);
+  EXPECT_EQ(placement.rcNormalPosition.bottom, 110);
+  EXPECT_EQ(MonitorFromWindow(window, MONITOR_DEFAULTTONULL), monitor);
+  ShowWindow(window, SW_RESTORE);
+  RECT client{};
+  ASSERT_TRUE(GetClientRect(window, &client));
+  EXPECT_EQ(client.right, 90);
+  EXPECT_EQ(client.bottom, 80);
+}
+
+}  // namespace
