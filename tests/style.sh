@@ -1,0 +1,30 @@
+#!/usr/bin/env bash
+# The rules of the house that a search can check. Prints what breaks them and fails.
+set -uo pipefail
+cd "$(dirname "$0")/.."
+failed=0
+
+# forbid MESSAGE, then git grep's arguments: no line may match.
+forbid() {
+  local message=$1 found
+  shift
+  found=$(git grep -nI "$@") || return 0
+  printf '%s\n%s\n' "style: $message" "$found" >&2
+  failed=1
+}
+
+forbid "a tab" -P '\t' -- '*.h' '*.cpp' '*.c' '*.sh' '*.cmake' '*.md' run
+forbid "blanks at a line's end" -E ' +$' -- ':!*.list'
+forbid "the system's name above the platform layer" -E '_WIN32|WIN64' -- decode pixel kernels display overlay api apps '*/CMakeLists.txt'
+forbid "a system header above the platform layer" -E '#include <(windows|ddraw|unistd|sys/)' -- decode pixel kernels display overlay api
+extra=$(git grep -nE '^#include "' -- 'kernels/*_*.cpp' | grep -v '"kernels/kernels.h"')
+[ -z "$extra" ] || { printf 'style: kernels include kernels.h alone\n%s\n' "$extra" >&2; failed=1; }
+forbid "a path of one machine" -E '/(work|home|root)/[a-z]' -- ':!tests/style.sh'
+
+for file in $(git ls-files '*.h' '*.cpp' '*.c' '*.md' '*.sh' '*.cmake' '*.txt' run); do
+  [ -z "$(tail -c 1 "$file")" ] || { echo "style: $file has no newline at its end" >&2; failed=1; }
+done
+
+twice=$(git ls-files '*.cpp' ':!tests' | xargs -n 1 basename | sort | uniq -d)
+[ -z "$twice" ] || { echo "style: base names that stand twice: $twice" >&2; failed=1; }
+exit $failed
