@@ -1,0 +1,187 @@
+// The real DLL in a real window: real frames in, pixels read back from the screen. VELARTO_FORM (ddraw or gdi) tells which form
+// the screen at hand must lead to; the files lie beside the program.
+#include "windows/library.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <map>
+
+namespace {
+
+bool Form_Is_DirectDraw() {
+  const char* const form = std::getenv("VELARTO_FORM");
+  EXPECT_NE(form, nullptr) << "VELARTO_FORM is not set";
+  return form && std::string(form) == "ddraw";
+}
+
+struct DllTest : testing::Test {
+  Library dll;
+  JdecDecoder* decoder = nullptr;
+  const bool directDraw = Form_Is_DirectDraw();
+
+  void Open(int width, int height, HWND window) {
+    decoder = dll.JDEC_New(width, height);
+    ASSERT_NE(decoder, nullptr);
+    ASSERT_EQ(dll.JDEC_Draw_Init(decoder, window), 1);
+  }
+  void Push(const Bytes& frame) {
+    int32_t status = 0;
+    ASSERT_EQ(dll.JDEC_Receive_Data(decoder, static_cast<int32_t>(frame.size()), frame.data(), &status),
+              static_cast<int32_t>(frame.size()));
+  }
+  void TearDown() override { dll.JDEC_Free(decoder); }
+
+  /** The decoder's picture as the screen should show it at 1:1. */
+  Bytes Expected(int* width, int* height) {
+    dll.JDEC_get_size(decoder, width, height);
+    Bytes bmp(static_cast<size_t>(*width) * *height * 3 + 54);
+    EXPECT_EQ(dll.JDEC_get_decompressed_bitmap_ex2(decoder, bmp.data(), static_cast<int32_t>(bmp.size())),
+              static_cast<int32_t>(bmp.size()));
+    Bytes pixels;
+    for (int y = *height - 1; y >= 0; --y) {
+      for (int x = 0; x < *width; ++x) {
+        const uint8_t* const pixel = &bmp[54 + (static_cast<size_t>(y) * *width + x) * 3];
+        pixels.insert(pixels.end(), {pixel[0], pixel[1], pixel[2], 0});
+      }
+    }
+    return As_Shown(pixels, directDraw);
+  }
+
+  /** Waits until the window shows the decoder's picture, repainting now and then; gives how many pixels still differ. */
+  int Differing_Pixels(HWND window) {
+    int width = 0, height = 0, differing = 0;
+    const Bytes expected = Expected(&width, &height);
+    for (int attempt = 0; attempt < 20; ++attempt) {
+      Pump_Messages(100);
+      const Bytes shown = Read_Screen(window);
+      if (shown.size() != expected.size()) return -1;
+      differing = 0;
+      for (size_t i = 0; i < shown.size(); i += 4) differing += !std::equal(&shown[i], &shown[i] + 3, &expected[i]);
+      if (differing == 0) return 0;
+      Repaint(window);
+    }
+    return differing;
+  }
+  void Repaint(HWND window) {
+    RECT client;
+    GetClientRect(window, &client);
+    const int32_t rect[4] = {client.left, client.top, client.right, client.bottom};
+    EXPECT_NE(dll.JDEC_Access_SrcRect(decoder, rect), nullptr);
+  }
+};
+
+TEST_F(DllTest, ShowsFramesPixelForPixelOverASizeChange) {
+  Window window(96, 64);
+  Open(320, 240, window.handle);
+  Push(Read_File("tile-96x64-q40.jpg"));
+  EXPECT_EQ(Differing_Pixels(window.handle), 0);
+  SetWindowPos(window.handle, HWND_TOPMOST, 40, 40, 64, 48, SWP_SHOWWINDOW);
+  Push(Read_File("tile-64x48-q75.jpg"));
+  EXPECT_EQ(Differing_Pixels(window.handle), 0);
+}
+
+TEST_F(DllTest, ShowsRowsThatAreNotAligned) {
+  // A size that the frame announces, and that leaves a remainder beside the whole macroblocks: rows of 39 pixels.
+  Bytes frame = Read_File("tile-48x48-q50.jpg");
+  frame[163 + 1] = 36, frame[165 + 1] = 39;
+  Window window(39, 36);
+  Open(39, 36, window.handle);
+  Push(frame);
+  EXPECT_EQ(Differing_Pixels(window.handle), 0);
+}
+
+TEST_F(DllTest, RepaintsWhatAnotherWindowCovered) {
+  Window window(96, 64);
+  Open(96, 64, window.handle);
+  Push(Read_File("tile-96x64-q40.jpg"));
+  ASSERT_EQ(Differing_Pixels(window.handle), 0);
+  {
+    Window cover(60, 60);
+    EXPECT_EQ(Read_Screen(cover.handle)[0], 255);
+  }
+  EXPECT_EQ(Differing_Pixels(window.handle), 0);
+}
+
+TEST_F(DllTest, TheScreenLeadsToTheFormExpected) {
+  // A client taller than 4:3 is filled by DirectDraw, and keeps its white foot in the GDI form.
+  Window window(96, 128);
+  Open(96, 64, window.handle);
+  Push(Read_File("tile-96x64-q40.jpg"));
+  bool white = true;
+  for (int attempt = 0; attempt < 20; ++attempt) {
+    Pump_Messages(100);
+    const Bytes shown = Read_Screen(window.handle);
+    white = std::all_of(shown.end() - 96 * 40 * 4, shown.end(),
+                        [i = 0](uint8_t value) mutable { return i++ % 4 == 3 || value == 255; });
+    if (white != directDraw) break;
+    Repaint(window.handle);
+  }
+  EXPECT_EQ(white, !directDraw);
+}
+
+TEST_F(DllTest, AMinimisedWindowIsLeftAlone) {
+  Window window(96, 64);
+  Open(96, 64, window.handle);
+  ShowWindow(window.handle, SW_MINIMIZE);
+  Push(Read_File("tile-96x64-q40.jpg"));
+  ShowWindow(window.handle, SW_RESTORE);
+  EXPECT_EQ(Differing_Pixels(window.handle), 0);
+}
+
+TEST(Dll, ComesAndGoesWithoutLeavingObjects) {
+  std::map<DWORD, DWORD> counts[2];
+  Window window(96, 64);
+  for (int round = 0; round < 16; ++round) {
+    Library dll;
+    JdecDecoder* const decoder = dll.JDEC_New(96, 64);
+    ASSERT_EQ(dll.JDEC_Draw_Init(decoder, window.handle), 1);
+    dll.JDEC_Free(decoder);
+    if (round == 3 || round == 15) {
+      for (const DWORD kind : {DWORD{GR_GDIOBJECTS}, DWORD{GR_USEROBJECTS}}) {
+        counts[round == 15][kind] = GetGuiResources(GetCurrentProcess(), kind);
+      }
+    }
+  }
+  EXPECT_LE(counts[1][GR_GDIOBJECTS], counts[0][GR_GDIOBJECTS] + 4);
+  EXPECT_LE(counts[1][GR_USEROBJECTS], counts[0][GR_USEROBJECTS] + 4);
+}
+
+TEST(Dll, GivesEachExportUnderNameAndOrdinal) {
+  const HMODULE library = LoadLibraryA("velarto.dll");
+  ASSERT_NE(library, nullptr);
+  FILE* const list = std::fopen("exports.list", "r");
+  ASSERT_NE(list, nullptr);
+  char line[256], name[128];
+  int ordinal = 0, found = 0;
+  while (std::fgets(line, sizeof line, list)) {
+    if (std::sscanf(line, "%d %127s", &ordinal, name) != 2) continue;
+    const FARPROC byName = GetProcAddress(library, name);
+    EXPECT_NE(byName, nullptr) << name;
+    EXPECT_EQ(byName, GetProcAddress(library, MAKEINTRESOURCEA(ordinal))) << name << " " << ordinal;
+    ++found;
+  }
+  std::fclose(list);
+  EXPECT_GE(found, 20);
+  FreeLibrary(library);
+}
+
+#ifdef __i386__
+/** Calls an operation with the stack at 4 bytes past a multiple of 16, as callers of old compilers do. */
+__attribute__((noinline)) int32_t Call_Misaligned(int32_t(__cdecl* operation)(JdecDecoder*), JdecDecoder* decoder) {
+  int32_t result;
+  asm volatile("movl %%esp, %%ebx\n andl $-16, %%esp\n subl $8, %%esp\n pushl %2\n call *%1\n movl %%ebx, %%esp"
+               : "=a"(result)
+               : "r"(operation), "r"(decoder)
+               : "ebx", "ecx", "edx", "memory", "cc");
+  return result;
+}
+
+TEST_F(DllTest, CallersMayMisalignTheirStack) {
+  decoder = dll.JDEC_New(96, 64);
+  ASSERT_EQ(dll.JDEC_Draw_Init(decoder, nullptr), 1);
+  Push(Read_File("tile-96x64-q40.jpg"));
+  EXPECT_EQ(Call_Misaligned(Find_Export<int32_t(__cdecl*)(JdecDecoder*)>(dll.library, "JDEC_Get_Quality"), decoder), 40);
+}
+#endif
+
+}  // namespace

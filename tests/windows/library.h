@@ -1,0 +1,129 @@
+// The DLL, loaded by name as its callers do, and a real window with what its user would see of it.
+#pragma once
+
+#include "velarto.h"
+
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <cstdint>
+#include <cstdio>
+#include <string>
+#include <vector>
+
+using Bytes = std::vector<uint8_t>;
+
+/** Gives an export; a missing one fails the test and gives null. */
+template <typename Function>
+Function Find_Export(HMODULE library, const char* name) {
+  const auto found = reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(library, name)));
+  EXPECT_NE(found, nullptr) << name;
+  return found;
+}
+#define FIND(name) decltype(&::name) name = Find_Export<decltype(&::name)>(library, #name)
+
+struct Library {
+  HMODULE library = LoadLibraryA("velarto.dll");
+  FIND(JDEC_Init);
+  FIND(JDEC_Exit);
+  FIND(JDEC_New);
+  FIND(JDEC_Free);
+  FIND(JDEC_Draw_Init);
+  FIND(JDEC_Receive_Data);
+  FIND(JDEC_get_size);
+  FIND(JDEC_get_decompressed_bitmap_ex2);
+  FIND(JDEC_Access_SrcRect);
+
+  Library() { JDEC_Init(); }
+  ~Library() {
+    JDEC_Exit();
+    FreeLibrary(library);
+  }
+  Library(const Library&) = delete;
+};
+
+inline void Pump_Messages(DWORD milliseconds) {
+  const DWORD start = GetTickCount();
+  do {
+    MSG message;
+    while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageA(&message);
+    Sleep(10);
+  } while (GetTickCount() - start < milliseconds);
+}
+
+/** A visible top-level window of white, with a client area of that size, at the screen's upper left. */
+struct Window {
+  HWND handle;
+
+  Window(int width, int height, int left = 40, int top = 40) {
+    WNDCLASSA windowClass = {};
+    windowClass.lpfnWndProc = DefWindowProcA;
+    windowClass.hbrBackground = static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH));
+    windowClass.lpszClassName = "velarto test";
+    RegisterClassA(&windowClass);
+    handle = CreateWindowExA(WS_EX_TOPMOST, "velarto test", "", WS_POPUP | WS_VISIBLE, left, top, width, height, nullptr, nullptr,
+                             nullptr, nullptr);
+    UpdateWindow(handle);
+    Pump_Messages(200);
+  }
+  ~Window() {
+    DestroyWindow(handle);
+    Pump_Messages(20);
+  }
+  Window(const Window&) = delete;
+};
+
+/** What the screen shows at the window's client area: B, G, R, 0, top row first. */
+inline Bytes Read_Screen(HWND window) {
+  RECT client;
+  POINT origin = {0, 0};
+  GetClientRect(window, &client);
+  ClientToScreen(window, &origin);
+  const HDC screen = GetDC(nullptr), memory = CreateCompatibleDC(screen);
+  BITMAPINFO info = {};
+  info.bmiHeader = {sizeof info.bmiHeader, client.right, -client.bottom, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
+  void* bits = nullptr;
+  const HBITMAP bitmap = CreateDIBSection(memory, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
+  const HGDIOBJ before = SelectObject(memory, bitmap);
+  BitBlt(memory, 0, 0, client.right, client.bottom, screen, origin.x, origin.y, SRCCOPY);
+  GdiFlush();
+  const auto* const first = static_cast<const uint8_t*>(bits);
+  Bytes pixels(first, first + static_cast<size_t>(client.right) * client.bottom * 4);
+  for (size_t i = 3; i < pixels.size(); i += 4) pixels[i] = 0;
+  SelectObject(memory, before);
+  DeleteObject(bitmap);
+  DeleteDC(memory);
+  ReleaseDC(nullptr, screen);
+  return pixels;
+}
+
+inline int Screen_Depth() {
+  const HDC screen = GetDC(nullptr);
+  const int depth = GetDeviceCaps(screen, BITSPIXEL);
+  ReleaseDC(nullptr, screen);
+  return depth;
+}
+
+/** Bits per channel of the screen in this form: the GDI form feeds five bits each to a 16-bit screen. */
+inline Bytes As_Shown(Bytes pixels, bool directDraw) {
+  if (Screen_Depth() != 16) return pixels;
+  for (size_t i = 0; i < pixels.size(); i += 4) {
+    const auto keep = [](uint8_t value, int bits) {
+      const int level = value >> (8 - bits);
+      return static_cast<uint8_t>(level << (8 - bits) | level >> (2 * bits - 8));
+    };
+    pixels[i] = keep(pixels[i], 5);
+    pixels[i + 1] = keep(pixels[i + 1], directDraw ? 6 : 5);
+    pixels[i + 2] = keep(pixels[i + 2], 5);
+  }
+  return pixels;
+}
+
+inline Bytes Read_File(const std::string& name) {
+  FILE* const file = std::fopen(name.c_str(), "rb");
+  EXPECT_NE(file, nullptr) << name;
+  Bytes bytes(1 << 20);
+  bytes.resize(file ? std::fread(bytes.data(), 1, bytes.size(), file) : 0);
+  if (file) std::fclose(file);
+  return bytes;
+}
