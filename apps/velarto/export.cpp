@@ -44,6 +44,8 @@ static std::string File_Name(const NamePattern& pattern, int64_t number) {
   return pattern.before + zeros + digits + pattern.after;
 }
 
+static std::string Pictures(int64_t count) { return std::to_string(count) + (count == 1 ? " picture" : " pictures"); }
+
 /** The work under way. */
 struct Export {
   const ExportOptions& options;
@@ -85,7 +87,7 @@ static bool Take_Frame(Export* work, const WalkedFrame& frame) {
     ++work->selected;
     if (!Export_Frame(work, frame)) return false;
   }
-  Progress_Show(&work->progress, frame.offset, work->sourceSize, std::to_string(work->written) + " pictures");
+  Progress_Show(&work->progress, frame.offset, work->sourceSize, Pictures(work->written));
   return work->selected < options.count;
 }
 
@@ -106,7 +108,7 @@ static int Run_Export(Export* work) {
   const bool read = Read_Frames(
       options.source, &stop, &walk, [work](const WalkedFrame& frame) { return Take_Frame(work, frame); }, &error);
   Progress_End(&work->progress);
-  if (work->written > 0) std::fprintf(Output(), "%lld pictures written\n", static_cast<long long>(work->written));
+  if (work->written > 0) std::fprintf(Output(), "%s written\n", Pictures(work->written).c_str());
   if (!work->error.empty()) return Report(work->error);
   if (!read) return Report(error);
   if (walk.frames == 0) return Report(No_Frame_Text(options.source, walk));

@@ -27,6 +27,7 @@ int main(int argc, char** argv) {
   app.failure_message(One_Line);
   app.footer("Example:\n  velarto view street.vlr");
   app.require_subcommand(1);
+  app.allow_windows_style_options(false);  // A path may begin with a slash there too.
   int code = ExitDone;
   Info_Command(&app, &code);
   Export_Command(&app, &code);

@@ -40,6 +40,8 @@ static void Quit(Viewer* viewer) { DestroyWindow(viewer->window); }
 static void Toggle_Pause(Viewer* viewer) {
   viewer->paused = !viewer->paused;
   Feed_Pause(viewer->feed.get(), viewer->paused);
+  // Frames that were queued meanwhile have been left there; they are announced anew.
+  if (!viewer->paused) Feed_Notify(viewer->feed.get(), viewer->window, FrameMessage);
   Update_Title(*viewer);
 }
 
@@ -196,6 +198,7 @@ static void On_End(Viewer* viewer) {
 /* ---- Messages ------------------------------------------------------------------------------------------------------------- */
 
 static void On_Frame(Viewer* viewer, WPARAM) {
+  if (viewer->paused) return;
   FedFrame fed;
   if (Feed_Take(viewer->feed.get(), &fed)) {
     Show_Frame(viewer, fed);

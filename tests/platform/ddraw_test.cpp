@@ -113,20 +113,23 @@ TEST_F(DirectDrawTest, RefusesRectanglesOutsideAndGoesOn) {
 }
 
 TEST_F(DirectDrawTest, ThePrimaryShowsInTheClippersClientOnly) {
-  Fill_Rows(0, 12, 0xFF0000);
+  Fill_Rows(0, 8, 0xFF0000);
+  Fill_Rows(8, 12, 0x00FF00);
   POINT origin{0, 0};
   ASSERT_TRUE(ClientToScreen(front, &origin));
   EXPECT_EQ(origin.x, 60);
-  RECT to{origin.x + 4, origin.y + 4, origin.x + 60, origin.y + 10}, from{0, 0, 8, 8};
+  RECT client{origin.x, origin.y, origin.x + 40, origin.y + 30}, green{0, 9, 8, 11};
+  RECT part{origin.x + 4, origin.y + 4, origin.x + 60, origin.y + 10}, red{0, 0, 8, 7};
   // What follows a new window at once may be lost.
   for (int i = 0; i < 3; ++i) {
-    ASSERT_EQ(IDirectDrawSurface_Blt(primary, &to, surface, &from, 0, nullptr), DD_OK);
+    ASSERT_EQ(IDirectDrawSurface_Blt(primary, &client, surface, &green, 0, nullptr), DD_OK);
+    ASSERT_EQ(IDirectDrawSurface_Blt(primary, &part, surface, &red, 0, nullptr), DD_OK);
     Pump();
   }
   EXPECT_EQ(Pixel(nullptr, origin.x + 4, origin.y + 4), Red);
   EXPECT_EQ(Pixel(nullptr, origin.x + 39, origin.y + 9), Red);
-  EXPECT_EQ(Pixel(nullptr, origin.x + 3, origin.y + 4), White);
-  EXPECT_EQ(Pixel(nullptr, origin.x + 10, origin.y + 10), White);
+  EXPECT_EQ(Pixel(nullptr, origin.x + 3, origin.y + 4), Green);
+  EXPECT_EQ(Pixel(nullptr, origin.x + 10, origin.y + 10), Green);
   EXPECT_EQ(Pixel(nullptr, origin.x + 40, origin.y + 5), White) << "that is the other window";
 }
 
