@@ -66,21 +66,6 @@ class DirectDrawTest : public PlatformTest {
   IDirectDrawClipper* clipper = nullptr;
 };
 
-TEST_F(DirectDrawTest, DescribesItsSurfaces) {
-  DDSURFACEDESC desc = Make_Desc(0, 0);
-  ASSERT_EQ(IDirectDrawSurface_GetSurfaceDesc(primary, &desc), DD_OK);
-  EXPECT_TRUE(desc.ddsCaps.dwCaps & DDSCAPS_PRIMARYSURFACE);
-  EXPECT_EQ(desc.ddpfPixelFormat.dwRGBBitCount, 32u);
-  EXPECT_EQ(desc.ddpfPixelFormat.dwRBitMask, 0xFF0000u);
-  EXPECT_EQ(desc.dwWidth, static_cast<DWORD>(GetSystemMetrics(SM_CXSCREEN)));
-  ASSERT_EQ(IDirectDrawSurface_GetSurfaceDesc(surface, &desc), DD_OK);
-  EXPECT_EQ(desc.dwWidth, 8u);
-  EXPECT_EQ(desc.dwHeight, 12u);
-  EXPECT_EQ(IDirectDrawSurface_IsLost(surface), DD_OK);
-  EXPECT_EQ(IDirectDrawSurface_Restore(surface), DD_OK);
-  EXPECT_EQ(IDirectDrawSurface_Unlock(surface, nullptr), DDERR_NOTLOCKED);
-}
-
 TEST_F(DirectDrawTest, KeyedCopyWithinOneSurfaceLeavesOutTheKey) {
   Fill_Rows(0, 4, 0xFF0000);
   Fill_Rows(4, 12, 0);

@@ -1,7 +1,5 @@
 #include "platform/home.h"
 
-#include <cstring>
-
 namespace {
 
 /** A header with the room for the colours behind it. */
@@ -120,25 +118,20 @@ TEST_F(GdiTest, TextFillsItsCellsAndLeavesTheGround) {
   HFONT font = CreateFontA(40, 20, 0, 0, FW_NORMAL, FALSE, FALSE, FALSE, DEFAULT_CHARSET, OUT_DEFAULT_PRECIS, CLIP_DEFAULT_PRECIS,
                            PROOF_QUALITY, FIXED_PITCH | FF_MODERN, "Courier New");
   HGDIOBJ oldFont = SelectObject(dc, font);
-  EXPECT_EQ(SetTextColor(dc, Red), RGB(0, 0, 0));
-  EXPECT_EQ(SetBkMode(dc, TRANSPARENT), OPAQUE);
+  SetTextColor(dc, Red);
+  SetBkMode(dc, TRANSPARENT);
   ASSERT_TRUE(TextOutA(dc, 10, 5, "HH", 2));
-  int marked[80] = {};
-  int top = 60, bottom = 0;
+  int marked[80] = {}, rows[60] = {};
   for (int y = 0; y < 60; ++y)
     for (int x = 0; x < 80; ++x) {
       const COLORREF color = GetPixel(dc, x, y);
-      if (color == White) continue;
       EXPECT_EQ(GetRValue(color), 255) << "only shades of red on white";
-      ++marked[x];
-      top = y < top ? y : top;
-      bottom = y > bottom ? y : bottom;
+      marked[x] += color != White;
+      rows[y] += color != White;
     }
-  EXPECT_GE(top, 5);
-  EXPECT_LT(bottom, 45);
-  EXPECT_GT(bottom - top, 15) << "an H takes about 57 of 100 of its cell";
   for (int x = 0; x < 20; ++x) EXPECT_EQ(marked[10 + x], marked[30 + x]) << "letters follow each other by 20 columns";
-  EXPECT_EQ(marked[5] + marked[55], 0);
+  EXPECT_EQ(marked[5] + marked[55] + rows[4] + rows[45], 0);
+  EXPECT_GT(rows[20] * rows[30], 0);
   SelectObject(dc, oldFont);
   EXPECT_TRUE(DeleteObject(font));
   ReleaseDC(window, dc);

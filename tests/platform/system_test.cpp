@@ -26,7 +26,7 @@ TEST_F(SystemTest, AMutexLetsItsOwnerInAgainAndNobodyElse) {
   EXPECT_TRUE(CloseHandle(mutex));
 }
 
-TEST_F(SystemTest, FilesMemoryAndModules) {
+TEST_F(SystemTest, FilesAndModules) {
   const std::string path = testing::TempDir() + "velarto-platform-test.bin";
   HANDLE file = CreateFileA(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
   ASSERT_NE(file, INVALID_HANDLE_VALUE);
@@ -45,9 +45,6 @@ TEST_F(SystemTest, FilesMemoryAndModules) {
   std::remove(path.c_str());
   EXPECT_EQ(CreateFileA(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr), INVALID_HANDLE_VALUE);
 
-  auto* memory = static_cast<uint8_t*>(HeapAlloc(GetProcessHeap(), HEAP_ZERO_MEMORY, 100));
-  EXPECT_EQ(std::vector<uint8_t>(memory, memory + 100), std::vector<uint8_t>(100, 0));
-  EXPECT_TRUE(HeapFree(GetProcessHeap(), 0, memory));
   HMODULE module = LoadLibraryA("ddraw.dll");
   EXPECT_NE(GetProcAddress(module, "DirectDrawEnumerateExA"), nullptr);
   EXPECT_EQ(GetProcAddress(module, "GetMonitorInfoA"), nullptr);
@@ -98,28 +95,6 @@ TEST_F(SystemTest, AWindowsProcedureAndValuesAreReplaceable) {
   SendMessageA(window, WM_CLOSE, 0, 0);
   EXPECT_EQ(seenMessages.back().message, UINT{WM_DESTROY});
   EXPECT_FALSE(IsWindow(window));
-}
-
-TEST_F(SystemTest, AMinimisedWindowKeepsItsPlace) {
-  HWND window = Make_Window(20, 30, 90, 80);
-  const HMONITOR monitor = MonitorFromWindow(window, MONITOR_DEFAULTTONULL);
-  MONITORINFO info{};
-  info.cbSize = sizeof info;
-  ASSERT_TRUE(GetMonitorInfoA(monitor, &info));
-  EXPECT_TRUE(info.dwFlags & MONITORINFOF_PRIMARY);
-  ShowWindow(window, SW_MINIMIZE);
-  EXPECT_TRUE(IsIconic(window));
-  WINDOWPLACEMENT placement{};
-  placement.length = sizeof placement;
-  ASSERT_TRUE(GetWindowPlacement(window, &placement));
-  EXPECT_EQ(placement.rcNormalPosition.left, 20);
-  EXPECT_EQ(placement.rcNormalPosition.bottom, 110);
-  EXPECT_EQ(MonitorFromWindow(window, MONITOR_DEFAULTTONULL), monitor);
-  ShowWindow(window, SW_RESTORE);
-  RECT client{};
-  ASSERT_TRUE(GetClientRect(window, &client));
-  EXPECT_EQ(client.right, 90);
-  EXPECT_EQ(client.bottom, 80);
 }
 
 }  // namespace
