@@ -82,7 +82,7 @@ static void Run_Feed(const std::shared_ptr<Feed>& feed) {
 }
 
 std::shared_ptr<Feed> Feed_Start(const FeedOptions& options) {
-  const auto feed = std::make_shared<Feed>();
+  auto feed = std::make_shared<Feed>();
   feed->options = options;
   feed->live = Source_Live(options.source);
   feed->due = Clock::now();

@@ -20,7 +20,7 @@ static int Answer(const CLI::App& app, const CLI::ParseError& error) {
   return asked ? Output_Finish(ExitDone) : ExitUsage;
 }
 
-int main(int argc, char** argv) {
+static int Run(int argc, char** argv) {
   Output_Open();
   CLI::App app("velarto: live video of network cameras. SOURCE is a file, - for standard input, or tcp://HOST:PORT.", "velarto");
   app.set_version_flag("--version", "velarto " VELARTO_VERSION " (kernels: " + Kernel_Best() + ")");
@@ -36,8 +36,15 @@ int main(int argc, char** argv) {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
     return Answer(app, error);
-  } catch (const std::exception& error) {
-    code = Report(error.what());
   }
   return Output_Finish(code);
+}
+
+int main(int argc, char** argv) {
+  try {
+    return Run(argc, argv);
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "velarto: %s\n", error.what());
+    return ExitFailed;
+  }
 }

@@ -24,6 +24,7 @@ HRESULT Make_Object(ScreenStep step, Object** out) {
 
 template <class Object>
 ULONG Release_Object(Object* object) {
+  if (!object) return 0;
   const ULONG left = --object->references;
   if (left > 0) return left;
   delete object;

@@ -135,6 +135,7 @@ HWND Surface_Window(const IDirectDrawSurface* surface) {
 bool Screen_Surface_Guards_Whole(const IDirectDrawSurface* surface) {
   const PixelView& view = surface->view;
   const size_t pitch = static_cast<size_t>(view.pitch), used = Pixel_Row_Bytes(view);
+  if (pitch == 0) return true;
   for (size_t at = 0; at < surface->store.size(); ++at) {
     const bool outerRow = at < pitch || at >= surface->store.size() - pitch;
     if ((outerRow || at % pitch >= used) && surface->store[at] != GuardValue) return false;
