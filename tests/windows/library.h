@@ -104,17 +104,19 @@ inline int Screen_Depth() {
   return depth;
 }
 
-/** Bits per channel of the screen in this form: the GDI form feeds five bits each to a 16-bit screen. */
+/** A value cut to that many bits, and widened again by repeating its upper ones. */
+inline uint8_t Keep_Bits(uint8_t value, int bits) {
+  const int level = value >> (8 - bits);
+  return static_cast<uint8_t>(level << (8 - bits) | level >> (2 * bits - 8));
+}
+
+/** What a screen of this depth shows of pixels: with 16 bits 5-6-5, where the GDI form brings only five bits of green. */
 inline Bytes As_Shown(Bytes pixels, bool directDraw) {
   if (Screen_Depth() != 16) return pixels;
   for (size_t i = 0; i < pixels.size(); i += 4) {
-    const auto keep = [](uint8_t value, int bits) {
-      const int level = value >> (8 - bits);
-      return static_cast<uint8_t>(level << (8 - bits) | level >> (2 * bits - 8));
-    };
-    pixels[i] = keep(pixels[i], 5);
-    pixels[i + 1] = keep(pixels[i + 1], directDraw ? 6 : 5);
-    pixels[i + 2] = keep(pixels[i + 2], 5);
+    pixels[i] = Keep_Bits(pixels[i], 5);
+    pixels[i + 1] = Keep_Bits(directDraw ? pixels[i + 1] : Keep_Bits(pixels[i + 1], 5), 6);
+    pixels[i + 2] = Keep_Bits(pixels[i + 2], 5);
   }
   return pixels;
 }

@@ -19,7 +19,7 @@ END
 
 data=()
 for file in "$root"/tests/data/tile-*.jpg "$root/api/exports.list" "$root/samples/street.vlr"; do data+=(--data "$file"); done
-"$here/vm.sh" run --timeout "${VELARTO_WINDOWS_TIMEOUT:-1500}" "${data[@]}" "$folder" "$work/commands" | grep -v '^speed=' | tee "$work/output"
+"$root/cmake/windows-vm.sh" run --timeout "${VELARTO_WINDOWS_TIMEOUT:-1500}" "${data[@]}" "$folder" "$work/commands" | grep --line-buffered -v '^speed=' | tee "$work/output"
 status=${PIPESTATUS[0]}
 
 # GoogleTest's own counts, and one for the tool's run.
