@@ -7,51 +7,48 @@
 
 namespace {
 
-struct Hostile : LibraryTest {
-  TestFrame good = Load_Frame("tile-48x48-q50.jpg", 50), other = Load_Frame("tile-64x48-q75.jpg", 75);
-  Bytes picture = Picture_Of(good);
+struct Hostile : FramesTest {
+  const Bytes picture = Picture_Of(small);
+  const std::vector<const Bytes*> forms = {&middle.jfif, &middle.compact, &middle.prefixed};
+  DecoderPtr decoder = Headless_Decoder(16, 16);
 
   /** Pushes good frames until one shows; gives their number, 0 when none did within a store's length and more. */
-  size_t Frames_Until_Shown(JdecDecoder* decoder) {
-    const size_t most = 2 * StreamBufferSize / good.jfif.size();
-    for (size_t i = 1; i <= most; ++i) {
-      Push(decoder, good.jfif);
-      if (Picture(decoder) == picture) return i;
+  size_t Frames_Until_Shown() {
+    for (size_t i = 1; i <= 2 * StreamBufferSize / small.jfif.size(); ++i) {
+      Push(decoder.get(), small.jfif);
+      if (Picture(decoder.get()) == picture) return i;
     }
     return 0;
   }
-  std::vector<const Bytes*> Forms() const { return {&other.jfif, &other.compact, &other.prefixed}; }
 };
 
 TEST_F(Hostile, FramesCutOffAnywhere) {
-  const DecoderPtr decoder = Headless_Decoder(16, 16);
-  for (const Bytes* form : Forms()) {
+  for (const Bytes* form : forms) {
     for (size_t length = 0; length < form->size(); ++length) {
       JDEC_Flush(decoder.get());
       Push(decoder.get(), Bytes(form->begin(), form->begin() + (ptrdiff_t)length));
       // What is missing comes out of the next frames.
-      ASSERT_TRUE(Frames_Until_Shown(decoder.get()) - 1 < 4) << length << " of " << form->size();
+      ASSERT_TRUE(Frames_Until_Shown() - 1 < 4) << length << " of " << form->size();
     }
   }
 }
 
 TEST_F(Hostile, AnyByteOfAHeadWrong) {
-  for (const Bytes* form : Forms()) {
-    for (size_t i = 0; i < (form == &other.jfif ? 630 : 28); ++i) {
+  for (const Bytes* form : forms) {
+    for (size_t i = 0; i < (form == &middle.jfif ? 630 : 28); ++i) {
       for (const int wrong : {0x00, 0xFF, 0xD8, (*form)[i] ^ 1, (*form)[i] ^ 0x80}) {
-        const DecoderPtr decoder = Headless_Decoder(16, 16);
+        decoder = Headless_Decoder(16, 16);
         Bytes bytes = *form;
         bytes[i] = (uint8_t)wrong;
         Push(decoder.get(), bytes);
-        ASSERT_NE(Frames_Until_Shown(decoder.get()), 0u) << "byte " << i << " is " << wrong;
+        ASSERT_NE(Frames_Until_Shown(), 0u) << "byte " << i << " is " << wrong;
       }
     }
   }
 }
 
 TEST_F(Hostile, HeadsThatAnnounceTooMuch) {
-  const DecoderPtr decoder = Headless_Decoder(64, 48);
-  Push(decoder.get(), other.compact);
+  Push(decoder.get(), middle.compact);
   const Bytes shown = Picture(decoder.get());
   const int32_t alive = Screen_Objects_Alive();
   for (const auto& [width, height] : {std::pair{65535, 65535}, {0, 48}, {64, 0}, {65535, 520}}) {
@@ -62,49 +59,48 @@ TEST_F(Hostile, HeadsThatAnnounceTooMuch) {
   }
   EXPECT_EQ(Screen_Objects_Alive(), alive);
   for (const auto& [byte1, byte3] : {std::pair{0xFF, 0xFF}, {0x7F, 0xFF}, {0x80, 0}, {1, 0}, {0, 8}}) {  // 4 GB to 512 KB.
-    Bytes frame = other.prefixed;
+    Bytes frame = middle.prefixed;
     frame[1] = (uint8_t)byte1;
     frame[3] = (uint8_t)byte3;
     EXPECT_EQ(Push(decoder.get(), frame), -1);
-    EXPECT_EQ(Frames_Until_Shown(decoder.get()), 1u);
+    EXPECT_EQ(Frames_Until_Shown(), 1u);
     JDEC_Flush(decoder.get());
   }
 }
 
 TEST_F(Hostile, JfifStartWithoutAnEnd) {
-  const Bytes endless = Joined({Bytes(other.jfif.begin(), other.jfif.begin() + 623), Bytes(1 << 20, 0x55)});
+  const Bytes endless = Joined({Bytes(middle.jfif.begin(), middle.jfif.begin() + 623), Bytes(1 << 20, 0x55)});
   for (const size_t chunk : {size_t{1000}, size_t{65536}, endless.size()}) {
-    const DecoderPtr pushing = Headless_Decoder(16, 16), polling = Headless_Decoder(16, 16);
-    Bytes out(FrameStoreSize);
+    decoder = Headless_Decoder(16, 16);
+    const DecoderPtr polling = Headless_Decoder(16, 16);
     for (size_t at = 0; at < endless.size(); at += chunk) {
       const size_t count = std::min(chunk, endless.size() - at);
-      JDEC_Receive_Data(pushing.get(), (int32_t)count, &endless[at], nullptr);
+      JDEC_Receive_Data(decoder.get(), (int32_t)count, &endless[at], nullptr);
       JDEC_Receive_Data_2(polling.get(), &endless[at], (uint32_t)count);
-      EXPECT_NE(JDEC_Check_Decode_Frame(polling.get(), 1, out.data(), (int32_t)out.size(), nullptr, 0, 1, nullptr), 1);
+      EXPECT_NE(Poll(polling.get()), 1);
     }
-    EXPECT_EQ(Frames_Until_Shown(pushing.get()), 1u) << chunk;
-    JDEC_Receive_Data_2(polling.get(), good.compact.data(), (uint32_t)good.compact.size());
-    EXPECT_EQ(JDEC_Check_Decode_Frame(polling.get(), 1, out.data(), (int32_t)out.size(), nullptr, 0, 1, nullptr), 1) << chunk;
+    EXPECT_EQ(Frames_Until_Shown(), 1u) << chunk;
+    JDEC_Receive_Data_2(polling.get(), small.compact.data(), (uint32_t)small.compact.size());
+    EXPECT_EQ(Poll(polling.get()), 1) << chunk;
     EXPECT_EQ(Picture(polling.get()), picture) << chunk;
   }
 }
 
 TEST_F(Hostile, NoiseOnBothPaths) {
   Noise noise{99};
-  const DecoderPtr decoder = Headless_Decoder(16, 16);
-  Bytes out(FrameStoreSize);
   for (int round = 0; round < 300; ++round) {
     Bytes bytes = noise.Some((size_t)noise.Between(1, 9000));
     for (uint8_t& byte : bytes) {
       const uint32_t dice = noise.Next() % 64;
       if (dice < 16) byte = "\xFF\xFF\xFF\xD8\xD9\xD8\xE0\x00"[dice % 8];
     }
-    if (round % 3 == 0) bytes.insert(bytes.begin() + noise.Between(0, (int32_t)bytes.size()), good.jfif.begin(), good.jfif.end());
+    if (round % 3 == 0)
+      bytes.insert(bytes.begin() + noise.Between(0, (int32_t)bytes.size()), small.jfif.begin(), small.jfif.end());
     Push(decoder.get(), bytes);
     JDEC_Receive_Data_2(decoder.get(), bytes.data(), (uint32_t)bytes.size());
-    JDEC_Check_Decode_Frame(decoder.get(), 1, out.data(), noise.Between(1, FrameStoreSize), nullptr, 0, round % 2, nullptr);
+    Poll(decoder.get());
   }
-  EXPECT_NE(Frames_Until_Shown(decoder.get()), 0u);
+  EXPECT_NE(Frames_Until_Shown(), 0u);
 }
 
 TEST_F(Hostile, InputsOfTheFuzzer) {

@@ -91,30 +91,6 @@ TEST_F(Converters, PictureConvertedElsewhere) {
   }
 }
 
-TEST_F(Converters, OddSizesKeepTheirLastColumnAndRow) {
-  for (int32_t size = 1; size < 12; ++size) {
-    const PlanesPtr planes(Planes_New(size, 12 - size, 4, 1));
-    Planes_Darken(planes.get());
-    for (const FormatCase& format : formats) {
-      const RasterPtr raster = Converted(format, planes.get());
-      for (int32_t y = 0; y < raster->height; ++y) {
-        for (int32_t x = 0; x < raster->pitch; ++x) {
-          const bool written = y < raster->height / 2 * 2 && x < raster->width / 2 * 2 * (format.bits / 8);
-          EXPECT_EQ(raster->rows[y][x] != 0xCC, written) << format.extension << ' ' << size << ": " << x << ", " << y;
-        }
-      }
-    }
-  }
-}
-
-TEST_F(Converters, RasterOfAnotherDepthIsLeftAlone) {
-  const PlanesPtr planes(Planes_New(8, 8, 4, 1));
-  for (const FormatCase& format : formats) {
-    const RasterPtr raster = Converted({format.format, format.bits == 24 ? 16 : 24, ""}, planes.get());
-    EXPECT_EQ(std::count(raster->rows[7], raster->rows[0] + raster->pitch, 0xCC), 8 * raster->pitch) << format.extension;
-  }
-}
-
 TEST_F(Converters, ClampTableAndForwardColours) {
   for (int32_t i = -256; i < 1152; ++i) {
     const int32_t expected = i < 0 ? 0 : i < 256 ? i : i < 640 ? 255 : i < 1024 ? 0 : i - 1024;

@@ -14,16 +14,11 @@
 
 using Bytes = std::vector<uint8_t>;
 
-/** Starts the library for each test. */
-struct LibraryTest : testing::Test {
-  LibraryTest() { JDEC_Init(); }
-  ~LibraryTest() override { JDEC_Exit(); }
+template <auto release>
+struct Releaser {
+  void operator()(auto* resource) const { release(resource); }
 };
-
-struct DecoderFree {
-  void operator()(JdecDecoder* decoder) const { JDEC_Free(decoder); }
-};
-using DecoderPtr = std::unique_ptr<JdecDecoder, DecoderFree>;
+using DecoderPtr = std::unique_ptr<JdecDecoder, Releaser<JDEC_Free>>;
 
 inline DecoderPtr Headless_Decoder(int32_t width, int32_t height) {
   DecoderPtr decoder(JDEC_New(width, height));
@@ -31,18 +26,28 @@ inline DecoderPtr Headless_Decoder(int32_t width, int32_t height) {
   return decoder;
 }
 
+inline std::string Data_Path(const std::string& name) { return VELARTO_SOURCE_DIR "/tests/data/" + name; }
+
 inline Bytes Read_File(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
   EXPECT_TRUE(file) << path;
-  return Bytes(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
+  return Bytes(std::istreambuf_iterator<char>(file), {});
 }
-
-inline std::string Data_Path(const std::string& name) { return VELARTO_SOURCE_DIR "/tests/data/" + name; }
 
 inline Bytes Joined(const std::vector<Bytes>& parts) {
   Bytes all;
   for (const Bytes& part : parts) all.insert(all.end(), part.begin(), part.end());
   return all;
+}
+
+inline Bytes Compact_Frame(int32_t width, int32_t height, int32_t quality, const Bytes& body) {
+  const auto word = [](auto value) { return Bytes{(uint8_t)value, (uint8_t)(value >> 8)}; };
+  return Joined({{0xFF, 0xD8}, word(body.size()), word(width), word(height), word(quality), {0xFF, 0xD9}, body});
+}
+
+/** Puts a prefix in front of a compact frame of less than 64 KB. */
+inline Bytes Prefixed_Frame(const Bytes& compact, uint8_t flags = 0) {
+  return Joined({{0xF6, 0, 0xFF, 0, 0xF9, 0x11, 0xDD, 0x22, flags, 0x33, 0x44, 0x55, 0xC5, 0x66}, compact});
 }
 
 /** One picture in each of the wire forms. */
@@ -51,43 +56,24 @@ struct TestFrame {
   Bytes jfif, compact, prefixed;
 };
 
-/** Puts a compact head of 12 bytes in front of entropy-coded data. */
-inline Bytes Compact_Frame(int32_t width, int32_t height, int32_t quality, const Bytes& body) {
-  const auto low = [](size_t value) { return (uint8_t)value; };
-  const auto high = [](size_t value) { return (uint8_t)(value >> 8); };
-  const Bytes head = {0xFF,
-                      0xD8,
-                      low(body.size()),
-                      high(body.size()),
-                      low((size_t)width),
-                      high((size_t)width),
-                      low((size_t)height),
-                      high((size_t)height),
-                      (uint8_t)quality,
-                      0,
-                      0xFF,
-                      0xD9};
-  return Joined({head, body});
-}
-
-/** Puts a prefix in front of a compact frame of less than 64 KB. */
-inline Bytes Prefixed_Frame(const Bytes& compact, uint8_t flags = 0) {
-  return Joined({{0xF6, 0, 0xFF, 0, 0xF9, 0x11, 0xDD, 0x22, flags, 0x33, 0x44, 0x55, 0xC5, 0x66}, compact});
-}
-
 /** A file made by cjpeg at that quality, as the three frames that it is. */
 inline TestFrame Load_Frame(const std::string& name, int32_t quality) {
-  TestFrame frame = {0, 0, quality, Read_File(Data_Path(name)), {}, {}};
-  const Bytes& jpeg = frame.jfif;
-  frame.height = jpeg[163] << 8 | jpeg[164];
-  frame.width = jpeg[165] << 8 | jpeg[166];
-  frame.compact = Compact_Frame(frame.width, frame.height, quality, Bytes(jpeg.begin() + 623, jpeg.end() - 2));
-  frame.prefixed = Prefixed_Frame(frame.compact);
-  return frame;
+  const Bytes jpeg = Read_File(Data_Path(name));
+  const int32_t height = jpeg[163] << 8 | jpeg[164], width = jpeg[165] << 8 | jpeg[166];
+  const Bytes compact = Compact_Frame(width, height, quality, Bytes(jpeg.begin() + 623, jpeg.end() - 2));
+  return {width, height, quality, jpeg, compact, Prefixed_Frame(compact)};
 }
 
 inline int32_t Push(JdecDecoder* decoder, const Bytes& bytes, int32_t* status = nullptr) {
   return JDEC_Receive_Data(decoder, (int32_t)bytes.size(), bytes.data(), status);
+}
+
+inline int32_t Poll(JdecDecoder* decoder, Bytes* frame = nullptr) {
+  Bytes out(8192);
+  uint32_t length = 0;
+  const int32_t result = JDEC_Check_Decode_Frame(decoder, 1, out.data(), (int32_t)out.size(), &length, 0, 1, nullptr);
+  if (frame) frame->assign(out.begin(), out.begin() + length);
+  return result;
 }
 
 /** The current picture as a BMP file. */
@@ -105,13 +91,21 @@ inline Bytes Picture_Of(const TestFrame& frame) {
   return Picture(decoder.get());
 }
 
+/** Starts the library for each test. */
+struct LibraryTest : testing::Test {
+  LibraryTest() { JDEC_Init(); }
+  ~LibraryTest() override { JDEC_Exit(); }
+};
+
+struct FramesTest : LibraryTest {
+  const TestFrame small = Load_Frame("tile-48x48-q50.jpg", 50), middle = Load_Frame("tile-64x48-q75.jpg", 75),
+                  large = Load_Frame("tile-96x64-q40.jpg", 40);
+};
+
 /** A fixed sequence of numbers. */
 struct Noise {
   uint32_t state;
-  uint32_t Next() {
-    state = state * 1664525 + 1013904223;
-    return state >> 8;
-  }
+  uint32_t Next() { return (state = state * 1664525 + 1013904223) >> 8; }
   int32_t Between(int32_t least, int32_t most) { return least + (int32_t)(Next() % (uint32_t)(most - least + 1)); }
   Bytes Some(size_t count) {
     Bytes bytes(count);
