@@ -35,32 +35,25 @@ TEST_F(DisplayedDecoder, RasterHasTheDepthOfTheScreen) {
   }
 }
 
-struct Shown {
-  JdecDecoder* decoder;
-  std::vector<Bytes> pictures;
-};
-void Keep_Picture(HWND, uintptr_t user) {
-  Shown* const shown = reinterpret_cast<Shown*>(user);
-  shown->pictures.push_back(Picture(shown->decoder));
-}
+std::vector<Bytes> shown;
+void Keep_Picture(HWND, uintptr_t user) { shown.push_back(Picture(reinterpret_cast<JdecDecoder*>(user))); }
 
 TEST_F(DisplayedDecoder, CallbackAndHiddenOutliveASizeChange) {
   const TestWindow window(32);
   const DecoderPtr decoder(JDEC_New(48, 48));
   JDEC_Draw_Init(decoder.get(), window.handle);
-  Shown shown = {decoder.get(), {}};
   decoder->display->drawCallback = Keep_Picture;
-  decoder->display->drawCallbackUser = reinterpret_cast<uintptr_t>(&shown);
+  decoder->display->drawCallbackUser = reinterpret_cast<uintptr_t>(decoder.get());
   const Bytes stream = Joined({small.jfif, large.compact, small.prefixed, large.jfif});
   EXPECT_EQ(Push(decoder.get(), stream), (int32_t)stream.size());
-  EXPECT_TRUE(shown.pictures == (std::vector{Picture_Of(small), Picture_Of(large), Picture_Of(small), Picture_Of(large)}));
+  EXPECT_TRUE(shown == (std::vector{Picture_Of(small), Picture_Of(large), Picture_Of(small), Picture_Of(large)}));
   EXPECT_EQ(decoder->hidden, 0);
 
   JDEC_show(decoder.get(), 0);  // The polling path decodes all the same.
   JDEC_Receive_Data_2(decoder.get(), small.compact.data(), (uint32_t)small.compact.size());
   EXPECT_EQ(Poll(decoder.get()), 1);
   EXPECT_EQ(decoder->hidden, 1);
-  EXPECT_EQ(shown.pictures.size(), 5u);
+  EXPECT_EQ(shown.size(), 5u);
   int32_t status = 77;
   EXPECT_EQ(Push(decoder.get(), large.jfif, &status), (int32_t)large.jfif.size());
   EXPECT_EQ(status, 77);

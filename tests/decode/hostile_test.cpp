@@ -12,7 +12,7 @@ struct Hostile : FramesTest {
   const std::vector<const Bytes*> forms = {&middle.jfif, &middle.compact, &middle.prefixed};
   DecoderPtr decoder = Headless_Decoder(16, 16);
 
-  /** Pushes good frames until one shows; gives their number, 0 when none did within a store's length and more. */
+  /** Pushes good frames until one shows; gives their number, 0 when two buffers full of them did not. */
   size_t Frames_Until_Shown() {
     for (size_t i = 1; i <= 2 * StreamBufferSize / small.jfif.size(); ++i) {
       Push(decoder.get(), small.jfif);
@@ -87,12 +87,11 @@ TEST_F(Hostile, JfifStartWithoutAnEnd) {
 }
 
 TEST_F(Hostile, NoiseOnBothPaths) {
-  Noise noise{99};
+  Noise noise{98};
   for (int round = 0; round < 300; ++round) {
     Bytes bytes = noise.Some((size_t)noise.Between(1, 9000));
     for (uint8_t& byte : bytes) {
-      const uint32_t dice = noise.Next() % 64;
-      if (dice < 16) byte = "\xFF\xFF\xFF\xD8\xD9\xD8\xE0\x00"[dice % 8];
+      if (noise.Next() % 4 == 0) byte = "\xFF\xFF\xFF\xD8\xD9\xD8\xE0\x00"[noise.Next() % 8];
     }
     if (round % 3 == 0)
       bytes.insert(bytes.begin() + noise.Between(0, (int32_t)bytes.size()), small.jfif.begin(), small.jfif.end());

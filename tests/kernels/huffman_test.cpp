@@ -4,6 +4,7 @@
 #include "support/streams.h"
 
 #include <array>
+#include <bitset>
 
 namespace {
 
@@ -13,12 +14,11 @@ struct BitwiseCode {
   std::array<bool, 256> startsLongCode{};
 
   explicit BitwiseCode(const uint8_t* segment) {
-    const uint8_t* const counts = segment + 5;
     const uint8_t* symbol = segment + 21;
-    uint32_t code = 0;
+    size_t code = 0;
     for (size_t length = 1; length <= 16; ++length, code <<= 1) {
       symbols[length].assign(size_t{1} << length, -1);
-      for (int i = 0; i < counts[length - 1]; ++i, ++code) {
+      for (int i = 0; i < segment[4 + length]; ++i, ++code) {
         symbols[length][code] = *symbol++;
         if (length > 8) startsLongCode[code >> (length - 8)] = true;
       }
@@ -26,22 +26,27 @@ struct BitwiseCode {
   }
 };
 
+/** A row of macroblocks. */
+struct Row {
+  std::array<std::vector<int32_t>, 4> planes;  // Upper, lower, Cb, Cr; 8 watched words at either end.
+  std::vector<int32_t> predictors{11, -5, 7}, scans;
+  explicit Row(int32_t columns) {
+    for (size_t i = 0; i < 4; ++i) {
+      planes[i].assign((size_t)columns * (i < 2 ? 128 : 64) + 16, 0x5A5A5A5A);
+      std::fill(planes[i].begin() + 8, planes[i].end() - 8, 0);
+    }
+  }
+  int32_t* At(size_t plane) { return planes[plane].data() + 8; }
+  bool operator==(const Row&) const = default;
+};
+
 struct ReferenceDecoder {
-  const BitwiseCode *dcLuma, *acLuma, *dcChroma, *acChroma;
+  Bytes jpeg = Read_File(Data_Path("tile-48x48-q50.jpg"));
+  BitwiseCode dcLuma{&jpeg[177]}, acLuma{&jpeg[210]}, dcChroma{&jpeg[393]}, acChroma{&jpeg[426]};
   Bytes data;  // Without stuffing; zeros follow.
   size_t position = 0;
   int notCodes = 0, runsPastEnd = 0;
 
-  void Load(const Bytes& raw) {
-    data.clear();
-    position = 0;
-    for (size_t i = 0; i < raw.size(); ++i) {
-      const bool escaped = raw[i] == 0xFF;
-      while (i < raw.size() && raw[i] == 0xFF) ++i;
-      const uint8_t byte = i < raw.size() ? raw[i] : 0;
-      data.push_back(escaped && byte == 0 ? 0xFF : byte);
-    }
-  }
   int Bits(int count) {
     int value = 0;
     for (; count > 0; --count, ++position) {
@@ -65,61 +70,43 @@ struct ReferenceDecoder {
     const int value = Bits(size);
     return size > 0 && value < 1 << (size - 1) ? value - (1 << size) + 1 : value;
   }
-  void Block(const BitwiseCode& dc, const BitwiseCode& ac, int32_t* predictor, int32_t* block, int32_t* scan) {
+  void Block(bool luma, int32_t* predictor, int32_t* block, std::vector<int32_t>* scans) {
     static constexpr uint8_t order[64] = {0,  1,  8,  16, 9,  2,  3,  10, 17, 24, 32, 25, 18, 11, 4,  5,  12, 19, 26, 33, 40, 48,
                                           41, 34, 27, 20, 13, 6,  7,  14, 21, 28, 35, 42, 49, 56, 57, 50, 43, 36, 29, 22, 15, 23,
                                           30, 37, 44, 51, 58, 59, 52, 45, 38, 31, 39, 46, 53, 60, 61, 54, 47, 55, 62, 63};
-    *predictor += Value(Symbol(dc));
-    block[0] = *predictor;
+    int32_t scan[64] = {};
+    block[0] = *predictor += Value(Symbol(luma ? dcLuma : dcChroma));
     for (int k = 1; k < 64; ++k) {
-      const int symbol = Symbol(ac);
-      if (symbol % 16 == 0 && symbol != 0xF0) return;
+      const int symbol = Symbol(luma ? acLuma : acChroma);
+      if (symbol % 16 == 0 && symbol != 0xF0) break;
       k += symbol / 16;
       if (symbol == 0xF0) continue;
-      if (k > 63) ++runsPastEnd;
+      runsPastEnd += k > 63;
       const int last = std::min(k, 63);
       scan[last] = block[order[last]] = Value(symbol % 16);
     }
+    if (luma) scans->insert(scans->end(), scan, scan + 64);
   }
-};
-
-/** Coefficients of a row of macroblocks between watched words, with the scans that the hook was given. */
-struct Row {
-  static constexpr int32_t Watched = 0x5A5A5A5A;
-  int32_t columns;
-  std::array<std::vector<int32_t>, 4> planes;  // Upper, lower, Cb, Cr.
-  std::array<int32_t, 3> predictors{11, -5, 7};
-  std::vector<int32_t> scans;
-
-  explicit Row(int32_t count) : columns(count) {
-    for (size_t i = 0; i < 4; ++i) {
-      planes[i].assign((size_t)columns * (i < 2 ? 128 : 64) + 16, 0);
-      std::fill_n(planes[i].begin(), 8, Watched);
-      std::fill_n(planes[i].end() - 8, 8, Watched);
+  Row Decode(const Bytes& raw, int32_t columns) {
+    data.clear();
+    position = 0;
+    for (size_t i = 0; i < raw.size(); ++i) {
+      const bool escaped = raw[i] == 0xFF;
+      while (i < raw.size() && raw[i] == 0xFF) ++i;
+      const uint8_t byte = i < raw.size() ? raw[i] : 0;
+      data.push_back(escaped && byte == 0 ? 0xFF : byte);
     }
+    Row row(columns);
+    for (int32_t c = 0; c < columns; ++c) {
+      for (const int32_t i : {0, 1, 2, 3}) Block(true, &row.predictors[0], row.At(i / 2) + 128 * c + i % 2 * 64, &row.scans);
+      for (const int32_t i : {1, 2}) Block(false, &row.predictors[i], row.At(i + 1) + 64 * c, nullptr);
+    }
+    return row;
   }
-  int32_t* At(size_t plane) { return planes[plane].data() + 8; }
 };
 
 std::vector<int32_t>* hookTarget;
 void Keep_Scan(const int32_t* scan) { hookTarget->insert(hookTarget->end(), scan, scan + 64); }
-
-Row Decode_By_Reference(ReferenceDecoder& decoder, int32_t columns) {
-  Row row(columns);
-  for (int32_t c = 0; c < columns; ++c) {
-    int32_t* const blocks[6] = {row.At(0) + 128 * c,      row.At(0) + 128 * c + 64, row.At(1) + 128 * c,
-                                row.At(1) + 128 * c + 64, row.At(2) + 64 * c,       row.At(3) + 64 * c};
-    for (int i = 0; i < 6; ++i) {
-      int32_t scan[64] = {};
-      int32_t* const predictor = &row.predictors[(size_t)std::max(i - 3, 0)];
-      const bool luma = i < 4;
-      decoder.Block(luma ? *decoder.dcLuma : *decoder.dcChroma, luma ? *decoder.acLuma : *decoder.acChroma, predictor, blocks[i],
-                    scan);
-      if (luma) row.scans.insert(row.scans.end(), scan, scan + 64);
-    }
-  }
-  return row;
-}
 
 Row Decode_By_Kernel(DecodeRowKernel kernel, const Bytes& raw, int32_t columns) {
   Row row(columns);
@@ -131,59 +118,46 @@ Row Decode_By_Kernel(DecodeRowKernel kernel, const Bytes& raw, int32_t columns) 
   return row;
 }
 
-bool Same(const Row& a, const Row& b) { return a.planes == b.planes && a.predictors == b.predictors && a.scans == b.scans; }
-
 struct HuffmanKernel : LibraryTest {
-  Bytes jpeg = Read_File(Data_Path("tile-48x48-q50.jpg"));
-  BitwiseCode dcLuma{&jpeg[177]}, acLuma{&jpeg[210]}, dcChroma{&jpeg[393]}, acChroma{&jpeg[426]};
-  ReferenceDecoder reference{&dcLuma, &acLuma, &dcChroma, &acChroma, {}};
+  ReferenceDecoder reference;
+  Noise noise{3};
 };
 
 TEST_F(HuffmanKernel, EveryPrefixOfSixteenBitsInEachTable) {
   // Empty blocks ahead of the code: DC luma 00 and AC luma 1010, DC chroma 00 and AC chroma 00.
   const char* const leads[] = {"", "00", "001010001010001010001010", "00101000101000101000101000"};
-  Noise noise{3};
-  for (const TestLevel& level : testLevels) {
-    const DecodeRowKernel kernel = Kernels_Select(level.mask).decodeRow;
-    for (const char* lead : leads) {
+  for (const uint32_t level : testLevels) {
+    for (const std::string lead : leads) {
       for (uint32_t prefix = 0; prefix < 65536; ++prefix) {
-        std::string bits = lead;
-        for (int i = 15; i >= 0; --i) bits += (char)('0' + (prefix >> i & 1));
-        for (int i = 0; i < 12; ++i) bits += "0100001101010010"[noise.Next() % 16];
-        while (bits.size() % 8 != 0) bits += '1';
+        const std::string bits =
+            lead + std::bitset<16>(prefix).to_string() + std::bitset<12>(noise.Next()).to_string() + "1111111";
         Bytes raw;
-        for (size_t i = 0; i < bits.size(); i += 8) {
-          raw.push_back((uint8_t)std::stoi(bits.substr(i, 8), nullptr, 2));
+        for (size_t i = 0; i + 8 <= bits.size(); i += 8) {
+          raw.push_back((uint8_t)std::bitset<8>(bits, i, 8).to_ulong());
           if (raw.back() == 0xFF) raw.push_back(0);
         }
         raw.insert(raw.end(), {0x28, 0xA2, 0x8A, 0, 0, 0x28});
-        reference.Load(raw);
-        ASSERT_TRUE(Same(Decode_By_Kernel(kernel, raw, 1), Decode_By_Reference(reference, 1)))
-            << level.name << " lead " << lead << " prefix " << prefix;
+        ASSERT_TRUE(Decode_By_Kernel(Kernels_Select(level).decodeRow, raw, 1) == reference.Decode(raw, 1))
+            << level << " lead " << lead << " prefix " << prefix;
       }
     }
   }
 }
 
 TEST_F(HuffmanKernel, AnyBytesMarkersStuffingAndEarlyEndsIncluded) {
-  Noise noise{17};
-  for (const TestLevel& level : testLevels) {
-    const DecodeRowKernel kernel = Kernels_Select(level.mask).decodeRow;
+  for (const uint32_t level : testLevels) {
     for (int round = 0; round < 6000; ++round) {
-      const int32_t columns = noise.Between(1, 6);
+      const int32_t columns = noise.Between(1, 6), shape = round % 4;
       Bytes raw = noise.Some((size_t)noise.Between(0, 40 * columns));
-      const int32_t shape = round % 4;
       for (uint8_t& byte : raw) {
         const uint32_t dice = noise.Next() % 16;
         if (shape == 1 && dice < 6) byte = 0xFF;
-        if (shape >= 1 && dice == 7) byte = 0;
-        if (shape >= 1 && dice == 8) byte = 0xD9;
+        if (shape >= 1 && (dice == 7 || dice == 8)) byte = dice == 7 ? 0 : 0xD9;
         if (shape == 2 && dice > 8) byte = 0xFE;  // Long codes, and bits that are no code.
         if (shape == 3 && dice < 2) byte = 0xF9;
       }
-      reference.Load(raw);
-      ASSERT_TRUE(Same(Decode_By_Kernel(kernel, raw, columns), Decode_By_Reference(reference, columns)))
-          << level.name << " round " << round;
+      ASSERT_TRUE(Decode_By_Kernel(Kernels_Select(level).decodeRow, raw, columns) == reference.Decode(raw, columns))
+          << level << " round " << round;
     }
   }
   EXPECT_GT(reference.notCodes, 100);  // The noise reaches the corners that it is for.
