@@ -1,4 +1,4 @@
-/* What the tests of the display share: a machine with one window, displays and rasters that go by themselves. */
+/* What the tests of the display share: a machine with one window and a display in it, and rasters that go by themselves. */
 #pragma once
 
 #include "decode/buffers.h"
@@ -11,57 +11,81 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <memory>
 #include <random>
 
-/** A screen and a window. Fails the test when something is still alive at its end. */
-struct Machine : TestWindow {
-  const int32_t aliveAtStart = Screen_Objects_Alive();
+constexpr uint32_t Blue = 0x0000FF, Green = 0x00FF00, Red = 0xFF0000, White = 0xFFFFFF, Black = 0;
 
-  using TestWindow::TestWindow;
-  ~Machine() { EXPECT_EQ(Screen_Objects_Alive(), aliveAtStart); }
-};
+/** High enough for any picture; two monitors. A primary surface in system memory brings the GDI form. */
+inline ScreenSetup Screen_With(int32_t bits, bool systemMemory = false, int32_t adapters = 2) {
+  ScreenSetup setup = Screen_Of_Depth(bits);
+  setup.primaryInSystemMemory = systemMemory;
+  setup.adapters = adapters;
+  setup.height = 1200;
+  return setup;
+}
+
+enum Form { NoDisplay, GdiForm, DirectDrawForm };
+
+inline Form Form_Of(const JdecDisplay* display) {
+  if (!display) return NoDisplay;
+  return display->useDirectDraw ? DirectDrawForm : GdiForm;
+}
 
 struct Releaser {
   void operator()(JdecDisplay* display) const { Display_Destroy(display); }
   void operator()(JdecRaster* raster) const { Arena_Free(raster); }
 };
-using Display = std::unique_ptr<JdecDisplay, Releaser>;
 using Raster = std::unique_ptr<JdecRaster, Releaser>;
 
-inline Raster Noise_Raster(int32_t width, int32_t height, int32_t pixelFormat) {
-  static constexpr int32_t bits[] = {8, 16, 16, 24, 32};
-  static constexpr uint32_t used[] = {~0u, 0x7FFF7FFF, ~0u, ~0u, 0x00FFFFFF};
-  Raster raster(Raster_New(width, height, bits[pixelFormat]));
-  std::mt19937 random(static_cast<uint32_t>(width * height));
-  for (int32_t y = 0; y < height; ++y) {
-    for (int32_t i = 0; i < raster->pitch; ++i) {
-      raster->rows[y][i] = static_cast<uint8_t>(random() & used[pixelFormat] >> i % 4 * 8);
+/** A screen, a window and the display opened in it. Fails the test when something is still alive at its end, or when anything
+ *  was written beside the surface. */
+struct Machine : TestWindow {
+  const int32_t aliveAtStart = Screen_Objects_Alive();
+  std::unique_ptr<JdecDisplay, Releaser> display;
+  int32_t frames = 0;  ///< That reached the screen, told by the callback.
+
+  using TestWindow::TestWindow;
+  ~Machine() {
+    EXPECT_TRUE(!display || !display->offscreenSurface || Screen_Surface_Guards_Whole(display->offscreenSurface));
+    display.reset();
+    EXPECT_EQ(Screen_Objects_Alive(), aliveAtStart);
+  }
+
+  JdecDisplay* Open(int32_t width, int32_t height) {
+    display.reset(Display_Create(handle, width, height));
+    if (display) display->drawCallback = [](HWND, uintptr_t count) { ++*reinterpret_cast<int32_t*>(count); };
+    if (display) display->drawCallbackUser = reinterpret_cast<uintptr_t>(&frames);
+    return display.get();
+  }
+  void Show(const Raster& raster, int32_t mdMode = 0) {
+    Display_Present(display.get(), raster.get(), 0, 0, raster->width, raster->height, mdMode);
+  }
+  uint32_t Color(int32_t x, int32_t y) const { return Screen_Window_Color(handle, x, y); }
+
+  /** The window's upper left corner holds exactly the raster. */
+  void Expect_Shown(const Raster& raster) const {
+    int32_t width = 0, height = 0, pitch = 0;
+    const uint8_t* pixels = Screen_Window_Pixels(handle, &width, &height, &pitch);
+    ASSERT_TRUE(pixels && raster->width <= width && raster->height <= height);
+    for (int32_t y = 0; y < raster->height; ++y) {
+      ASSERT_EQ(std::memcmp(pixels + y * pitch, raster->rows[y], static_cast<size_t>(raster->pitch)), 0) << "row " << y;
     }
   }
+};
+
+inline Raster Noise_Raster(int32_t width, int32_t height, int32_t bits) {
+  Raster raster(Raster_New(width, height, bits));
+  std::mt19937 random(static_cast<uint32_t>(width * height));
+  for (int32_t y = 0; y < height; ++y) std::generate_n(raster->rows[y], raster->pitch, [&] { return uint8_t(random()); });
   return raster;
 }
 
 /** 32 bits, of one colour. */
 inline Raster Plain_Raster(int32_t width, int32_t height, uint32_t color) {
   Raster raster(Raster_New(width, height, 32));
-  for (int32_t y = 0; y < height; ++y) {
-    for (int32_t x = 0; x < width; ++x) std::memcpy(raster->rows[y] + 4 * x, &color, 4);
-  }
+  for (int32_t y = 0; y < height; ++y) std::fill_n(reinterpret_cast<uint32_t*>(raster->rows[y]), width, color);
   return raster;
-}
-
-inline void Show(const Display& display, const Raster& raster, int32_t mdMode = 0) {
-  Display_Present(display.get(), raster.get(), 0, 0, raster->width, raster->height, mdMode);
-}
-
-/** The window's upper left corner holds exactly the raster. */
-inline void Expect_Shown(HWND window, const Raster& raster) {
-  int32_t width = 0, height = 0, pitch = 0;
-  const uint8_t* pixels = Screen_Window_Pixels(window, &width, &height, &pitch);
-  ASSERT_TRUE(pixels && raster->width <= width && raster->height <= height);
-  for (int32_t y = 0; y < raster->height; ++y) {
-    ASSERT_EQ(std::memcmp(pixels + y * pitch, raster->rows[y], static_cast<size_t>(raster->pitch)), 0) << "row " << y;
-  }
 }

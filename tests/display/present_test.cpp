@@ -6,122 +6,97 @@
 
 namespace {
 
-constexpr uint32_t Blue = 0x0000FF, Green = 0x00FF00, Black = 0;
-
-void Count_Call(HWND, uintptr_t user) { ++*reinterpret_cast<int32_t*>(user); }
-
-/** Has the display count the frames that reach the screen. */
-void Count_Frames(const Display& display, int32_t* count) {
-  display->drawCallback = Count_Call;
-  display->drawCallbackUser = reinterpret_cast<uintptr_t>(count);
-}
-
-ScreenSetup Screen_With(int32_t bits, bool systemMemory) {
-  ScreenSetup setup = Screen_Of_Depth(bits);
-  setup.primaryInSystemMemory = systemMemory;
-  setup.adapters = 2;
-  setup.height = 1200;
-  return setup;
-}
+using enum ScreenStep;
 
 enum Road { DirectDraw, GDI, SecondaryMonitor };
 
 TEST(Present, PictureArrivesPixelByPixel) {
-  for (const int32_t bits : {15, 16, 24, 32}) {
+  const int32_t depths[][3] = {
+      {8, 8, PixelPalette8}, {15, 16, PixelRgb555}, {16, 16, PixelRgb565}, {24, 24, PixelRgb24}, {32, 32, PixelRgb32}};
+  for (const auto& [screen, bits, format] : depths) {
     for (const Road road : {DirectDraw, GDI, SecondaryMonitor}) {
-      for (const SIZE& size : {SIZE{64, 48}, {33, 35}, {34, 33}, {35, 41}}) {
-        SCOPED_TRACE(testing::Message() << bits << " bits, road " << road << ", " << size.cx << " x " << size.cy);
-        Machine machine(Screen_With(bits, road == GDI), size.cx, size.cy);
-        Display display(Display_Create(machine.handle, size.cx, size.cy));
-        Screen_Move_To_Monitor(machine.handle, road == SecondaryMonitor ? 1 : 0);
-        const Raster raster = Noise_Raster(size.cx, size.cy, display->pixelFormat);
-        Show(display, raster);
-        if (bits != 16 || road != GDI) {
-          Expect_Shown(machine.handle, raster);
-          continue;
+      for (const auto& [width, height] : {SIZE{64, 48}, {33, 35}, {34, 33}, {35, 41}}) {
+        SCOPED_TRACE(testing::Message() << screen << " bits, road " << road << ", " << width << " x " << height);
+        Machine machine(Screen_With(screen, road == GDI), width, height);
+        const JdecDisplay* display = machine.Open(width, height);
+        ASSERT_EQ(Form_Of(display), road == GDI ? GdiForm : DirectDrawForm);
+        const bool narrowed = screen == 16 && road == GDI;  // 5-5-5 pixels on a 5-6-5 screen.
+        EXPECT_EQ(display->pixelFormat, narrowed ? PixelRgb555 : format);
+        EXPECT_EQ(display->displayBits, bits);
+        EXPECT_EQ(display->fpsCount, -1);
+        for (const void* part : {(void*)display->offscreenSurface, (void*)display->motionCells, (void*)display->lock}) {
+          EXPECT_EQ(part != nullptr, road != GDI);
         }
-        for (int32_t i = 0; i < std::min(size.cx, size.cy); ++i) {  // 5-5-5 pixels on a 5-6-5 screen.
-          const uint32_t shown = Screen_Window_Color(machine.handle, i, i);
+        const BITMAPINFOHEADER header = {40, width, height, 1, static_cast<WORD>(bits), BI_RGB, 0, 0, 0, 240, 240};
+        EXPECT_EQ(std::memcmp(&display->bitmapInfo->bmiHeader, &header, sizeof header), 0);
+
+        Screen_Move_To_Monitor(machine.handle, road == SecondaryMonitor ? 1 : 0);
+        const Raster raster = Noise_Raster(width, height, bits);
+        if (raster->pitch % 4 != 0 && road != DirectDraw) {
+          Screen_Fail(Memory, 0, 1);
+          machine.Show(raster);
+          EXPECT_EQ(machine.Color(5, 5), Black) << "no memory for aligned rows";
+        }
+        machine.Show(raster);
+        if (!narrowed && (bits != 8 || road == DirectDraw)) machine.Expect_Shown(raster);
+        for (int32_t i = 0; narrowed && i < std::min(width, height); ++i) {
+          const uint32_t shown = machine.Color(i, i);
           const uint8_t* pixel = raster->rows[i] + 2 * i;
-          EXPECT_EQ((shown >> 9 & 0x7C00) | (shown >> 6 & 0x3E0) | (shown >> 3 & 0x1F), pixel[0] | uint32_t{pixel[1]} << 8);
+          EXPECT_EQ((shown >> 9 & 0x7C00) | (shown >> 6 & 0x3E0) | (shown >> 3 & 0x1F), pixel[0] | (pixel[1] & 0x7F) << 8);
         }
       }
     }
   }
 }
 
-TEST(Present, TargetHeightIsFourToThreeForBroadPictures) {
-  const int32_t cases[][4] = {{400, 640, 240, 300}, {400, 320, 240, 300}, {400, 352, 288, 327},
-                              {32, 640, 480, 24},   {43, 640, 480, 32},   {720, 720, 480, 540},
-                              {31, 16, 16, 31},     {0, 320, 240, 0},     {65535, 1, 65535, INT32_MAX}};
-  for (const auto& [client, width, height, target] : cases) {
+TEST(Present, SmallOrMinimisedWindowsGetNothing) {
+  const int32_t heights[][4] = {{400, 640, 240, 300}, {400, 320, 240, 300}, {400, 352, 288, 327},
+                                {32, 640, 480, 24},   {43, 640, 480, 32},   {720, 720, 480, 540},
+                                {31, 16, 16, 31},     {0, 320, 240, 0},     {65535, 1, 65535, INT32_MAX}};
+  for (const auto& [client, width, height, target] : heights) {
     EXPECT_EQ(Target_Height(client, width, height), target) << width << " x " << height << " in " << client;
   }
-}
-
-TEST(Present, SmallOrMinimisedWindowsGetNothing) {
+  enum State { Plain, Disabled, Minimised };
   const struct {
     int32_t clientWidth, width, height;
-    bool minimised, disabled, shown;
-  } cases[] = {{31, 64, 64, false, false, false},  {32, 64, 64, false, false, true}, {32, 640, 480, false, false, false},
-               {43, 640, 480, false, false, true}, {64, 64, 64, true, false, false}, {64, 64, 64, false, true, true}};
-  for (const bool gdi : {false, true}) {
-    for (const auto& expected : cases) {
-      SCOPED_TRACE(testing::Message() << expected.width << " in " << expected.clientWidth << ", GDI " << gdi);
-      Machine machine(Screen_With(32, gdi), expected.clientWidth, 64);
-      Display display(Display_Create(machine.handle, expected.width, expected.height));
-      int32_t frames = 0;
-      Count_Frames(display, &frames);
-      Screen_Minimise(machine.handle, expected.minimised);
-      Screen_Disable(machine.handle, expected.disabled);
-      const Raster raster = Plain_Raster(expected.width, expected.height, Green);
-      Show(display, raster);
-      EXPECT_EQ(display->lastRaster, raster.get());
-      EXPECT_EQ(frames, expected.shown && !gdi ? 1 : 0);
+    State state;
+    bool shown;
+  } cases[] = {{31, 64, 64, Plain, false},  {32, 64, 64, Plain, true},      {32, 640, 480, Plain, false},
+               {43, 640, 480, Plain, true}, {64, 64, 64, Minimised, false}, {64, 64, 64, Disabled, true}};
+  for (const auto& [clientWidth, width, height, state, isShown] : cases) {
+    for (const bool gdi : {false, true}) {
+      SCOPED_TRACE(testing::Message() << width << " in " << clientWidth << ", state " << state << ", GDI " << gdi);
+      Machine machine(Screen_With(32, gdi), clientWidth, 64);
+      machine.Open(width, height);
+      Screen_Minimise(machine.handle, state == Minimised);
+      Screen_Disable(machine.handle, state == Disabled);
+      const Raster raster = Plain_Raster(width, height, Green);
+      machine.Show(raster);
+      EXPECT_EQ(machine.display->lastRaster, raster.get());
+      EXPECT_EQ(machine.frames, isShown && !gdi ? 1 : 0);
       Screen_Minimise(machine.handle, false);
-      EXPECT_EQ(Screen_Window_Color(machine.handle, 10, 10), expected.shown ? Green : Black);
+      EXPECT_EQ(machine.Color(10, 10), isShown ? Green : Black);
     }
   }
 }
 
-TEST(Present, DirectDrawFillsTheClientAndGdiKeepsTheShape) {
-  for (const bool gdi : {false, true}) {
-    Machine machine(Screen_With(32, gdi), 80, 100);
-    Display display(Display_Create(machine.handle, 40, 40));
-    Show(display, Plain_Raster(40, 40, Green));
-    EXPECT_EQ(Screen_Window_Color(machine.handle, 79, 79), Green);
-    EXPECT_EQ(Screen_Window_Color(machine.handle, 79, 81), gdi ? Black : Green);
-    EXPECT_EQ(Screen_Window_Color(machine.handle, 79, 99), gdi ? Black : Green);
-  }
-}
-
 TEST(Present, TheMonitorIsAskedForEachFrame) {
-  Machine machine(Screen_With(32, false), 40, 40);
-  Display display(Display_Create(machine.handle, 40, 40));
-  int32_t frames = 0;
-  Count_Frames(display, &frames);
-  for (const int32_t monitor : {0, 1, 0}) {
-    Screen_Move_To_Monitor(machine.handle, monitor);
-    const int32_t before = Screen_Calls(ScreenStep::BltPrimary);
-    Show(display, Plain_Raster(40, 40, monitor ? Blue : Green));
-    EXPECT_EQ(Screen_Calls(ScreenStep::BltPrimary) - before, monitor ? 0 : 1);
-    EXPECT_EQ(Screen_Window_Color(machine.handle, 20, 20), monitor ? Blue : Green);
+  Machine machine(Screen_With(32), 80, 100);
+  machine.Open(40, 40);
+  const uint32_t colors[][2] = {{Green, Green}, {Blue, Green}, {Red, Red}, {White, White}};
+  for (int32_t i = 0; i < 4; ++i) {  // DirectDraw fills the client area, GDI keeps the picture's shape.
+    Screen_Move_To_Monitor(machine.handle, i % 2);
+    if (i == 3) Screen_Fail(GetMonitorInfo);  // One that can't be asked is the primary one.
+    machine.Show(Plain_Raster(40, 40, colors[i][0]));
+    EXPECT_EQ(machine.Color(79, 79), colors[i][0]);
+    EXPECT_EQ(machine.Color(79, 80), colors[i][1]);
+    EXPECT_EQ(machine.frames, i > 0 ? i : 1);
   }
-  EXPECT_EQ(frames, 2);
-}
-
-TEST(Present, GdiWithoutMemoryForAlignedRowsDrawsNothing) {
-  Machine machine(Screen_With(24, true), 33, 32);
-  Display display(Display_Create(machine.handle, 33, 32));
-  const Raster raster = Noise_Raster(33, 32, PixelRgb24);
-  Screen_Fail(ScreenStep::Memory);
-  Show(display, raster);
-  EXPECT_EQ(Screen_Window_Color(machine.handle, 5, 5), Black);
 }
 
 enum Overlay { NoOverlay, MotionLayer, PtzBitmap, PositionBitmap };
 
-void Switch_On(const Display& display, Overlay overlay) {
+void Switch_On(JdecDisplay* display, Overlay overlay) {
   display->ptzEnabled = overlay == PtzBitmap;
   display->ptzWidth = display->ptzHeight = 12;
   display->posEnabled = overlay == PositionBitmap;
@@ -136,114 +111,105 @@ TEST(Present, EachFailureHasItsReaction) {
     int32_t times;
     HRESULT code;
     Overlay overlay;
-    bool restoreFails;
     uint32_t color;
-    int32_t frames;
-  } cases[] = {
-      {ScreenStep::LockOffscreen, always, other, NoOverlay, false, Green, 1},
-      {ScreenStep::LockWithoutPixels, always, other, NoOverlay, false, Green, 1},
-      {ScreenStep::RestoreOffscreen, always, other, NoOverlay, false, Blue, 1},
-      {ScreenStep::BltPrimary, 5, busy, NoOverlay, false, Blue, 1},
-      {ScreenStep::BltPrimary, 1, lost, NoOverlay, false, Green, 0},
-      {ScreenStep::BltPrimary, 1, lost, NoOverlay, true, Green, 0},
-      {ScreenStep::BltPrimary, 1, E_FAIL, NoOverlay, false, Green, 0},
-      {ScreenStep::BltPrimary, 1, other, NoOverlay, false, Green, 0},
-      {ScreenStep::BltOffscreen, 5, busy, MotionLayer, false, Blue, 1},
-      {ScreenStep::BltOffscreen, 3, lost, MotionLayer, false, Blue, 1},
-      {ScreenStep::BltOffscreen, always, lost, MotionLayer, false, Green, 0},
-      {ScreenStep::BltOffscreen, 1, lost, MotionLayer, true, Green, 0},
-      {ScreenStep::BltOffscreen, 1, E_FAIL, MotionLayer, false, Green, 0},
-      {ScreenStep::BltOffscreen, always, other, MotionLayer, false, Green, 0},
-      {ScreenStep::BltOffscreen, always, other, PtzBitmap, false, Blue, 1},
-      {ScreenStep::BltOffscreen, always, lost, PositionBitmap, false, Blue, 1},
-      {ScreenStep::SurfaceGetDC, always, other, PtzBitmap, false, Blue, 1},
-  };
-  for (const auto& expected : cases) {
-    SCOPED_TRACE(testing::Message() << "step " << static_cast<int32_t>(expected.step) << ", " << expected.times << " times "
-                                    << std::hex << expected.code << ", restore fails " << expected.restoreFails);
+  } cases[] = {{LockOffscreen, always, other, NoOverlay, Green},
+               {LockWithoutPixels, always, other, NoOverlay, Green},
+               {RestoreOffscreen, always, other, NoOverlay, Blue},
+               {BltPrimary, 5, busy, NoOverlay, Blue},
+               {BltPrimary, 1, lost, NoOverlay, Green},
+               {BltPrimary, 1, E_FAIL, NoOverlay, Green},
+               {BltPrimary, 1, other, NoOverlay, Green},
+               {BltOffscreen, 5, busy, MotionLayer, Blue},
+               {BltOffscreen, 3, lost, MotionLayer, Blue},
+               {BltOffscreen, always, lost, MotionLayer, Green},
+               {BltOffscreen, 1, E_FAIL, MotionLayer, Green},
+               {BltOffscreen, always, other, MotionLayer, Green},
+               {BltOffscreen, always, other, PtzBitmap, Blue},
+               {BltOffscreen, always, lost, PositionBitmap, Blue},
+               {SurfaceGetDC, always, other, PtzBitmap, Blue}};
+  for (size_t i = 0; i < 2 * std::size(cases); ++i) {
+    const auto& [step, times, code, overlay, reached] = cases[i / 2];
+    const bool restoreFails = i % 2 != 0;
+    const uint32_t color = restoreFails && code == lost && overlay == MotionLayer ? Green : reached;
+    SCOPED_TRACE(testing::Message() << "case " << i / 2 << ", restore fails " << restoreFails);
     Machine machine(32, 64, 64);
-    Display display(Display_Create(machine.handle, 64, 64));
-    Switch_On(display, expected.overlay);
-    const int32_t mdMode = expected.overlay == MotionLayer ? 1 : 0;
+    Switch_On(machine.Open(64, 64), overlay);
+    const int32_t mdMode = overlay == MotionLayer ? 1 : 0;
     const Raster green = Plain_Raster(64, 64, Green), blue = Plain_Raster(64, 64, Blue);
-    Show(display, green, mdMode);
-    int32_t frames = 0;
-    Count_Frames(display, &frames);
-    Screen_Fail(expected.step, 0, expected.times, expected.code);
-    if (expected.restoreFails) Screen_Fail(ScreenStep::RestorePrimary);
-    Show(display, blue, mdMode);
-    EXPECT_EQ(Screen_Window_Color(machine.handle, 32, 32), expected.color);
-    EXPECT_EQ(frames, expected.frames);
+    machine.Show(green, mdMode);
+    Screen_Fail(step, 0, times, code);
+    if (restoreFails) Screen_Fail(RestorePrimary);
+    machine.Show(blue, mdMode);
+    EXPECT_EQ(machine.Color(32, 32), color);
+    const bool shownAgain = step == LockOffscreen || step == LockWithoutPixels;
+    EXPECT_EQ(machine.frames, color == Blue || shownAgain ? 2 : 1);
     Screen_Fail_Nothing();
-    Show(display, blue, mdMode);
-    Expect_Shown(machine.handle, blue);
+    machine.Show(blue, mdMode);
+    machine.Expect_Shown(blue);
   }
 }
 
 TEST(Present, LostSurfacesComeBack) {
   Machine machine(32, 64, 64);
-  Display display(Display_Create(machine.handle, 64, 64));
-  EXPECT_EQ(Display_Restore(display.get()), 1) << "nothing shown yet";
+  JdecDisplay* const display = machine.Open(64, 64);
+  EXPECT_EQ(Display_Restore(display), 1) << "nothing shown yet";
   const Raster green = Plain_Raster(64, 64, Green), blue = Plain_Raster(64, 64, Blue);
-  Show(display, green);
+  machine.Show(green);
   Screen_Lose_Surfaces();
-  Show(display, blue);
-  Expect_Shown(machine.handle, green);  // The primary surface was found lost at the last step.
-  Show(display, blue);
-  Expect_Shown(machine.handle, blue);
+  machine.Show(blue);
+  machine.Expect_Shown(green);  // The primary surface was found lost at the last step.
+  machine.Show(blue);
+  machine.Expect_Shown(blue);
   Screen_Lose_Surfaces();
   IDirectDrawSurface_Restore(display->primarySurface);
-  Show(display, green);
-  Expect_Shown(machine.handle, green);  // The off-screen surface alone costs no frame.
-  for (const ScreenStep step : {ScreenStep::RestorePrimary, ScreenStep::RestoreOffscreen, ScreenStep::LockOffscreen}) {
+  machine.Show(green);
+  machine.Expect_Shown(green);  // The off-screen surface alone costs no frame.
+  for (const ScreenStep step : {RestorePrimary, RestoreOffscreen, LockOffscreen}) {
     Screen_Fail(step, 0, 1, DDERR_UNSUPPORTED);
-    EXPECT_EQ(Display_Restore(display.get()), 0) << static_cast<int32_t>(step);
+    EXPECT_EQ(Display_Restore(display), 0) << static_cast<int32_t>(step);
   }
-  EXPECT_EQ(Display_Restore(display.get()), 1);
-
+  EXPECT_EQ(Display_Restore(display), 1);
   EXPECT_EQ(Display_Copy_Raster(nullptr, blue.get()), E_FAIL);
   EXPECT_EQ(Display_Copy_Raster(display->offscreenSurface, nullptr), E_FAIL);
-  Screen_Fail(ScreenStep::LockOffscreen, 0, 1, DDERR_UNSUPPORTED);
+  Screen_Fail(LockOffscreen, 0, 1, DDERR_UNSUPPORTED);
   EXPECT_EQ(Display_Copy_Raster(display->offscreenSurface, blue.get()), DDERR_UNSUPPORTED);
 }
 
-/** Registers Count_Call in its own place, as a caller may; the lock must be free by then. */
-void Register_Counter(HWND window, uintptr_t user) {
-  auto* const display = reinterpret_cast<JdecDisplay*>(user);
-  EXPECT_EQ(window, display->window);
-  EXPECT_FALSE(ReleaseMutex(display->lock)) << "this thread is still in it";
-  WaitForSingleObject(display->lock, INFINITE);
-  display->drawCallback = Count_Call;
-  display->drawCallbackUser = reinterpret_cast<uintptr_t>(&display->fpsCount);
-  ReleaseMutex(display->lock);
-}
-
-TEST(Present, CallbackMayRegisterAnother) {
+TEST(Present, CallbackMayTakeItselfOut) {
   Machine machine(32, 64, 64);
-  Display display(Display_Create(machine.handle, 64, 64));
-  display->drawCallback = Register_Counter;
-  display->drawCallbackUser = reinterpret_cast<uintptr_t>(display.get());
-  for (const int32_t count : {-1, 0, 1}) {  // The counter starts at -1.
-    Show(display, Plain_Raster(64, 64, Green));
-    EXPECT_EQ(display->fpsCount, count);
-  }
+  JdecDisplay* const shown = machine.Open(64, 64);
+  shown->drawCallbackUser = reinterpret_cast<uintptr_t>(shown);
+  shown->drawCallback = [](HWND window, uintptr_t user) {  // Takes itself out; the lock must be free by then.
+    auto* const display = reinterpret_cast<JdecDisplay*>(user);
+    EXPECT_EQ(window, display->window);
+    EXPECT_FALSE(ReleaseMutex(display->lock)) << "this thread is still in it";
+    display->drawCallback = nullptr;
+    ++display->fpsCount;
+  };
+  for (int32_t i = 0; i < 2; ++i) machine.Show(Plain_Raster(64, 64, Green));
+  EXPECT_EQ(shown->fpsCount, 0) << "counted up once, from -1";
 }
 
 /** The system refuses copies that reach past a surface, so a frame that shows has kept within. */
 TEST(Present, PicturesOfAnySizeKeepToTheirSurface) {
-  for (const SIZE& size : {SIZE{640, 960}, {640, 500}, {640, 16}, {640, 200}, {16, 16}, {1, 100}, {1920, 1088}}) {
+  const int32_t cases[][4] = {{640, 480, 480, 1596}, {640, 240, 240, 858}, {640, 960, 240, 858},
+                              {640, 500, 240, 858},  {640, 16, 240, 858},  {720, 480, 480, 1578},
+                              {16, 16, 16, 186},     {1, 100, 100, 438},   {1920, 1088, 1088, 3402}};
+  for (const auto& [width, height, posHeight, surfaceHeight] : cases) {
     for (const Overlay overlay : {NoOverlay, MotionLayer, PtzBitmap, PositionBitmap}) {
-      SCOPED_TRACE(testing::Message() << size.cx << " x " << size.cy << " overlay " << overlay);
-      Machine machine(Screen_With(32, false), 640, 960);
-      Display display(Display_Create(machine.handle, size.cx, size.cy));
+      SCOPED_TRACE(testing::Message() << width << " x " << height << " overlay " << overlay);
+      Machine machine(Screen_With(32), 640, 960);
+      JdecDisplay* const display = machine.Open(width, height);
+      int32_t surfaceWidth = 0, rows = 0, pitch = 0;
+      Screen_Surface_Pixels(display->offscreenSurface, &surfaceWidth, &rows, &pitch);
+      EXPECT_EQ((std::vector{surfaceWidth, rows, display->posWidth, display->posHeight, display->keyRow}),
+                (std::vector{width, surfaceHeight, width, posHeight, posHeight + 120}));
       Switch_On(display, overlay);
-      int32_t frames = 0;
-      Count_Frames(display, &frames);
-      Show(display, Plain_Raster(size.cx, size.cy, Green), overlay == MotionLayer ? 1 : 0);
-      EXPECT_EQ(frames, 1);
-      const int32_t shown = size.cy == 960 ? 858 : 960;  // Of 960 rows the surface has 858.
-      EXPECT_EQ(Screen_Window_Color(machine.handle, 639, shown - 1), Green);
-      EXPECT_TRUE(shown == 960 || Screen_Window_Color(machine.handle, 639, shown) == Black);
+      machine.Show(Plain_Raster(width, height, Green), overlay == MotionLayer ? 1 : 0);
+      EXPECT_EQ(machine.frames, 1);
+      const int32_t shown = height == 960 ? 858 : 960;  // Of 960 rows the surface has 858.
+      EXPECT_EQ(machine.Color(639, shown - 1), Green);
+      EXPECT_TRUE(shown == 960 || machine.Color(639, shown) == Black);
     }
   }
 }

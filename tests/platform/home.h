@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <initializer_list>
 #include <vector>
 
 constexpr COLORREF White = RGB(255, 255, 255), Red = RGB(255, 0, 0), Green = RGB(0, 255, 0), Blue = RGB(0, 0, 255);
@@ -21,6 +22,35 @@ inline LRESULT CALLBACK Test_Window_Proc(HWND window, UINT message, WPARAM wPara
   if (message == WM_PAINT || message == WM_DESTROY || message >= WM_APP)
     seenMessages.push_back({window, message, wParam, lParam, 0, {0, 0}});
   return DefWindowProcA(window, message, wParam, lParam);
+}
+
+/** A place and the colour that is to be there. */
+struct Spot {
+  int x, y;
+  COLORREF color;
+};
+
+/** A surface in memory, or the primary one for no size. Gives null when that fails. */
+inline IDirectDrawSurface* Make_Surface(IDirectDraw* ddraw, DWORD width = 0, DWORD height = 0) {
+  DDSURFACEDESC desc{};
+  desc.dwSize = sizeof desc;
+  desc.dwFlags = width > 0 ? DDSD_CAPS | DDSD_WIDTH | DDSD_HEIGHT : DDSD_CAPS;
+  desc.dwWidth = width;
+  desc.dwHeight = height;
+  desc.ddsCaps.dwCaps = width > 0 ? DDSCAPS_OFFSCREENPLAIN : DDSCAPS_PRIMARYSURFACE;
+  IDirectDrawSurface* surface = nullptr;
+  IDirectDraw_CreateSurface(ddraw, &desc, &surface, nullptr);
+  return surface;
+}
+
+/** What a use of the surface's device context gives. */
+template <typename Use>
+COLORREF On_Surface(IDirectDrawSurface* surface, Use use) {
+  HDC dc = nullptr;
+  EXPECT_EQ(IDirectDrawSurface_GetDC(surface, &dc), DD_OK);
+  const COLORREF color = use(dc);
+  EXPECT_EQ(IDirectDrawSurface_ReleaseDC(surface, dc), DD_OK);
+  return color;
 }
 
 class PlatformTest : public testing::Test {
@@ -74,6 +104,10 @@ class PlatformTest : public testing::Test {
     const COLORREF color = GetPixel(dc, x, y);
     ReleaseDC(window, dc);
     return color;
+  }
+
+  static void Expect_Pixels(HWND window, std::initializer_list<Spot> spots) {
+    for (const auto& [x, y, color] : spots) EXPECT_EQ(Pixel(window, x, y), color) << x << ", " << y;
   }
 
   std::vector<HWND> windows;

@@ -6,46 +6,27 @@
 
 namespace {
 
-class PortableScreenTest : public PlatformTest {
- protected:
-  static IDirectDrawSurface* Make_Surface(DWORD width, DWORD height) {
-    IDirectDraw* ddraw = nullptr;
-    if (FAILED(DirectDrawCreate(nullptr, &ddraw, nullptr))) return nullptr;
-    DDSURFACEDESC desc{};
-    desc.dwSize = sizeof desc;
-    desc.dwFlags = DDSD_CAPS | DDSD_WIDTH | DDSD_HEIGHT;
-    desc.dwWidth = width;
-    desc.dwHeight = height;
-    desc.ddsCaps.dwCaps = DDSCAPS_OFFSCREENPLAIN;
-    IDirectDrawSurface* surface = nullptr;
-    IDirectDraw_CreateSurface(ddraw, &desc, &surface, nullptr);
-    IDirectDraw_Release(ddraw);
-    return surface;
-  }
-};
+using PortableScreenTest = PlatformTest;
 
 TEST_F(PortableScreenTest, CopiesOverItselfDoNotRepeat) {
   for (const int32_t bits : {8, 16, 24, 32}) {
     Screen_Set_Up(Screen_Of_Depth(bits));
-    IDirectDrawSurface* surface = Make_Surface(3, 6);
+    IDirectDraw* ddraw = nullptr;
+    ASSERT_EQ(DirectDrawCreate(nullptr, &ddraw, nullptr), DD_OK);
+    IDirectDrawSurface* surface = Make_Surface(ddraw, 3, 6);
+    IDirectDraw_Release(ddraw);
     ASSERT_NE(surface, nullptr);
-    HDC dc = nullptr;
-    ASSERT_EQ(IDirectDrawSurface_GetDC(surface, &dc), DD_OK);
-    const COLORREF colors[] = {Red, Green, Blue, White};
-    for (int y = 0; y < 4; ++y) EXPECT_EQ(SetPixel(dc, 2, y, colors[y]), colors[y]) << bits;
-    IDirectDrawSurface_ReleaseDC(surface, dc);
+    const Spot spots[] = {{2, 0, Red}, {2, 1, Green}, {2, 2, Blue}, {2, 3, White}};
+    for (const auto& [x, y, color] : spots)
+      EXPECT_EQ(On_Surface(surface, [&](HDC dc) { return SetPixel(dc, x, y, color); }), color) << bits;
     RECT to{0, 2, 3, 6}, from{0, 0, 3, 4};
     ASSERT_EQ(IDirectDrawSurface_Blt(surface, &to, surface, &from, 0, nullptr), DD_OK);
-    ASSERT_EQ(IDirectDrawSurface_GetDC(surface, &dc), DD_OK);
-    for (int y = 0; y < 4; ++y) EXPECT_EQ(GetPixel(dc, 2, y + 2), colors[y]) << bits;
-    IDirectDrawSurface_ReleaseDC(surface, dc);
+    for (const auto& [x, y, color] : spots)
+      EXPECT_EQ(On_Surface(surface, [&](HDC dc) { return GetPixel(dc, x, y + 2); }), color) << bits;
     EXPECT_TRUE(Screen_Surface_Guards_Whole(surface));
-    DDSURFACEDESC desc{};
-    desc.dwSize = sizeof desc;
-    ASSERT_EQ(IDirectDrawSurface_Lock(surface, nullptr, &desc, DDLOCK_WAIT, nullptr), DD_OK);
-    static_cast<uint8_t*>(desc.lpSurface)[3 * bits / 8 + 2] = 0;
+    int32_t width = 0, height = 0, pitch = 0;
+    const_cast<uint8_t*>(Screen_Surface_Pixels(surface, &width, &height, &pitch))[3 * bits / 8] = 0;
     EXPECT_FALSE(Screen_Surface_Guards_Whole(surface)) << "a byte behind the row";
-    IDirectDrawSurface_Unlock(surface, nullptr);
     IDirectDrawSurface_Release(surface);
   }
 }

@@ -5,42 +5,40 @@
 
 namespace {
 
-class SystemTest : public PlatformTest {};
+using SystemTest = PlatformTest;
 
 TEST_F(SystemTest, AMutexLetsItsOwnerInAgainAndNobodyElse) {
   HANDLE mutex = CreateMutexA(nullptr, FALSE, nullptr);
   EXPECT_EQ(WaitForSingleObject(mutex, INFINITE), WAIT_OBJECT_0);
   EXPECT_EQ(WaitForSingleObject(mutex, INFINITE), WAIT_OBJECT_0);
-  const auto other = [&](DWORD expected) {
+  for (const DWORD expected : {DWORD{WAIT_TIMEOUT}, DWORD{WAIT_TIMEOUT}, DWORD{WAIT_OBJECT_0}}) {
     std::thread([&] {
       EXPECT_EQ(WaitForSingleObject(mutex, 0), expected);
       EXPECT_EQ(ReleaseMutex(mutex) != 0, expected == WAIT_OBJECT_0);
     }).join();
-  };
-  other(WAIT_TIMEOUT);
-  EXPECT_TRUE(ReleaseMutex(mutex));
-  other(WAIT_TIMEOUT);
-  EXPECT_TRUE(ReleaseMutex(mutex));
-  EXPECT_FALSE(ReleaseMutex(mutex));
-  other(WAIT_OBJECT_0);
+    EXPECT_EQ(ReleaseMutex(mutex) != 0, expected == WAIT_TIMEOUT);
+  }
   EXPECT_TRUE(CloseHandle(mutex));
 }
 
 TEST_F(SystemTest, FilesAndModules) {
   const std::string path = testing::TempDir() + "velarto-platform-test.bin";
-  HANDLE file = CreateFileA(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
-  ASSERT_NE(file, INVALID_HANDLE_VALUE);
   DWORD count = 0;
-  EXPECT_TRUE(WriteFile(file, "abc", 3, &count, nullptr));
-  EXPECT_EQ(count, 3u);
-  EXPECT_TRUE(WriteFile(file, "defg", 4, &count, nullptr));
-  EXPECT_TRUE(CloseHandle(file));
-  file = CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
-  char text[16] = {};
-  EXPECT_TRUE(ReadFile(file, text, sizeof text, &count, nullptr));
-  EXPECT_EQ(std::string(text), "abcdefg");
-  EXPECT_TRUE(ReadFile(file, text, sizeof text, &count, nullptr));
-  EXPECT_EQ(count, 0u);
+  for (const std::string& text : {std::string("longer before"), std::string("abcdefg")}) {  // The second time it starts anew.
+    HANDLE file = CreateFileA(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+    ASSERT_NE(file, INVALID_HANDLE_VALUE);
+    EXPECT_TRUE(WriteFile(file, text.data(), 3, &count, nullptr));
+    EXPECT_EQ(count, 3u);
+    EXPECT_TRUE(WriteFile(file, text.data() + 3, static_cast<DWORD>(text.size()) - 3, &count, nullptr));
+    EXPECT_TRUE(CloseHandle(file));
+  }
+  HANDLE file = CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+  char read[16] = {};
+  for (const DWORD expected : {7u, 0u}) {
+    EXPECT_TRUE(ReadFile(file, read, sizeof read, &count, nullptr));
+    EXPECT_EQ(count, expected);
+  }
+  EXPECT_STREQ(read, "abcdefg");
   EXPECT_TRUE(CloseHandle(file));
   std::remove(path.c_str());
   EXPECT_EQ(CreateFileA(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr), INVALID_HANDLE_VALUE);
@@ -61,14 +59,12 @@ TEST_F(SystemTest, PostedMessagesComeFirstThenQuitThenPaint) {
   MSG message;
   while (GetMessageA(&message, nullptr, 0, 0)) DispatchMessageA(&message);
   EXPECT_EQ(message.wParam, 7u);
-  ASSERT_EQ(seenMessages.size(), 2u);
-  EXPECT_EQ(seenMessages[0].message, UINT{WM_APP + 1});
-  EXPECT_EQ(seenMessages[0].wParam, 11u);
-  EXPECT_EQ(seenMessages[0].lParam, 12);
-  EXPECT_EQ(seenMessages[1].message, UINT{WM_APP + 2});
   Pump();
   ASSERT_EQ(seenMessages.size(), 3u);
-  EXPECT_EQ(seenMessages[2].message, UINT{WM_PAINT});
+  const UINT order[] = {WM_APP + 1, WM_APP + 2, WM_PAINT};
+  for (size_t i = 0; i < 3; ++i) EXPECT_EQ(seenMessages[i].message, order[i]);
+  EXPECT_EQ(seenMessages[0].wParam, 11u);
+  EXPECT_EQ(seenMessages[0].lParam, 12);
 }
 
 WNDPROC procBefore;
