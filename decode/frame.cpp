@@ -3,6 +3,7 @@
 #include "decode/framing.h"
 #include "decode/huffman_decode.h"
 #include "decode/idct.h"
+#include "decode/watermark.h"
 #include "display/present.h"
 #include "pixel/convert.h"
 
@@ -40,14 +41,23 @@ static void Show_Planes(JdecDecoder* decoder) {
   Display_Present(decoder->display, codec->raster, 0, 0, decoder->width, decoder->height, decoder->mdMode);
 }
 
+/** Reads the head and brings the decoder to the size that it tells. 0, with the decoder as it was, for a frame that can't be
+ *  decoded. */
+static int32_t Adopt_Head(JdecDecoder* decoder, int32_t isJfif, FrameHead* head) {
+  const JdecCodec* const codec = decoder->codec;
+  if (!Read_Head(codec->frame, isJfif, decoder->extendedHeader, head)) return 0;
+  if (!Picture_Size_Allowed(head->width, head->height)) return 0;
+  if (head->width == codec->width && head->height == codec->height) return 1;
+  return Decoder_Change_Size(decoder, head->width, head->height);
+}
+
 int32_t Decode_Frame(JdecDecoder* decoder, int32_t isJfif, int32_t draw) {
-  JdecCodec* const codec = decoder->codec;
   FrameHead head{};
-  if (!Read_Head(codec->frame, isJfif, decoder->extendedHeader, &head) || !Picture_Size_Allowed(head.width, head.height))
+  if (!Adopt_Head(decoder, isJfif, &head)) {
+    Watermark_Reset();
     return 0;
-  if (head.width != codec->width || head.height != codec->height) {
-    if (!Decoder_Change_Size(decoder, head.width, head.height)) return 0;
   }
+  JdecCodec* const codec = decoder->codec;
   Codec_Set_Quality(codec, head.quality);
   codec->frame->position += head.dataOffset;
 

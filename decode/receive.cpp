@@ -116,7 +116,6 @@ static int32_t Give_Up_Start(JdecDecoder* decoder, Assembly* assembly, int64_t l
 
 /** Moves the frame at the cursor into the frame store. */
 static void Take_Frame(JdecDecoder* decoder, Assembly* assembly) {
-  Watermark_Reset();
   JdecFrameBuffer* const frame = decoder->codec->frame;
   std::memcpy(frame->data, assembly->cursor, static_cast<size_t>(decoder->frameLength));
   Assembly_Advance(assembly, decoder->frameLength);
@@ -124,7 +123,12 @@ static void Take_Frame(JdecDecoder* decoder, Assembly* assembly) {
   frame->position = 0;
 }
 
-static void Decode_And_Check(JdecDecoder* decoder, int32_t isJfif, int32_t draw, int32_t* status) {
+/** Decodes the frame in the store and answers a status word that asks. With decode 0 the frame is passed over. */
+static void Decode_And_Check(JdecDecoder* decoder, int32_t isJfif, int32_t decode, int32_t draw, int32_t* status) {
+  if (!decode) {
+    Watermark_Reset();
+    return;
+  }
   Decode_Frame(decoder, isJfif, draw);
   if (*status != 0) *status = Watermark_Check();
 }
@@ -159,7 +163,7 @@ static Step Push_One_Frame(JdecDecoder* decoder, Assembly* assembly, int32_t* st
   decoder->frameLength = length < 0 ? assembly->fill + 1 : static_cast<int32_t>(length);
   if (decoder->frameLength > assembly->fill) return Step::Unfinished;
   Take_Frame(decoder, assembly);
-  if (!decoder->hidden) Decode_And_Check(decoder, isJfif, 1, status);
+  Decode_And_Check(decoder, isJfif, !decoder->hidden, 1, status);
   Close_Frame(decoder);
   return Step::Taken;
 }
@@ -256,7 +260,7 @@ int32_t VELARTO_CDECL JDEC_Check_Decode_Frame(JdecDecoder* decoder, int32_t deco
   if (result == PollTaken) {
     std::memcpy(buffer, assembly.cursor, static_cast<size_t>(decoder->frameLength));
     Take_Frame(decoder, &assembly);
-    if (decode) Decode_And_Check(decoder, isJfif, draw, status);
+    Decode_And_Check(decoder, isJfif, decode, draw, status);
     Close_Frame(decoder);
   }
   Assembly_Close(decoder, assembly);

@@ -111,6 +111,15 @@ int32_t VELARTO_CDECL JDEC_Receive_Data_2(JdecDecoder* decoder, const uint8_t* d
 int32_t VELARTO_CDECL JDEC_Check_Decode_Frame(JdecDecoder* decoder, int32_t decode, uint8_t* buffer, int32_t capacity,
                                               uint32_t* outLength, int32_t reserved, int32_t draw, int32_t* status);
 
+/** Gives the free bytes of the decoder's ring, of 524288, which stands between a thread that delivers stream bytes and the one
+ * that decodes them; the only operations that a second thread may call are this and the next one. Holds the caller up while
+ *  little room is left: 150 milliseconds below 65536 free bytes, 50 below 104857. 0 for a null decoder. */
+int32_t VELARTO_CDECL JDEC_query_decode_buffer_count(JdecDecoder* decoder);
+
+/** Stores bytes in the ring, as many of length as are free, and gives their number; the rest is to be offered again. 0 for a null
+ *  argument, a length of 0 or less, or a full ring. */
+int32_t VELARTO_CDECL JDEC_write_decode_buffer(JdecDecoder* decoder, const uint8_t* data, int32_t length);
+
 /* ---- The picture --------------------------------------------------------------------------------------------- */
 
 /** Gives the raster: the current picture in the depth of the screen (24 bits when headless), bottom row first. */
@@ -126,6 +135,11 @@ uint8_t* VELARTO_CDECL JDEC_get_decompressed_bitmap_ex(JdecDecoder* decoder, int
  *  had. Works with and without a display. The last column of an odd width and the last row of an odd height are not
  *  written: the buffer keeps what it held there. */
 int32_t VELARTO_CDECL JDEC_get_decompressed_bitmap_ex2(JdecDecoder* decoder, uint8_t* buffer, int32_t capacity);
+
+/** Gives the length of the text that was hidden in the frame decoded last, in this process and by whichever decoder, 0 to 1024
+ * bytes, and copies it into buffer, without a terminating zero, if capacity is not below that. 0 behind a frame that was passed
+ * over undecoded. decoder is not read. */
+int32_t VELARTO_CDECL JDEC_read_watermark_string(JdecDecoder* decoder, uint8_t* buffer, int32_t capacity);
 
 /* ---- Stills -------------------------------------------------------------------------------------------------- */
 
@@ -152,6 +166,12 @@ int32_t* VELARTO_CDECL JDEC_Access_SrcRect(JdecDecoder* decoder, const int32_t* 
 /** Gives the decoder's destination rectangle, (0, 0, width, height) as given to JDEC_New, or null if either argument is null.
  *  rect is not read. */
 int32_t* VELARTO_CDECL JDEC_Access_DstRect(JdecDecoder* decoder, const int32_t* rect);
+
+/* ---- The decoder_ family ------------------------------------------------------------------------------------- */
+
+/** Stores a speed, and the factor derived from it, with the decoder, and writes both to standard output: the factor is the speed,
+ * or 1 / n for a speed of -n. Nothing is paced by it. Gives 1; 0 for a null decoder. */
+int32_t VELARTO_CDECL decoder_set_speed(JdecDecoder* decoder, int32_t speed);
 
 #ifdef __cplusplus
 }

@@ -82,14 +82,14 @@ static int32_t Huff_Decode_Block(HuffReader* reader, int32_t* block, int32_t pre
 }
 
 void Decode_Row_Plain(HuffReader* reader, const HuffTables* tables, int32_t* upper, int32_t* lower, int32_t* cb, int32_t* cr,
-                      int32_t columns, int32_t* predictors, ScanHook hook) {
+                      int32_t columns, int32_t* predictors, ScanHook hook, void* hookUser) {
   for (int32_t column = 0; column < columns; ++column) {
     int32_t* const luma[4] = {upper, upper + BlockSize, lower, lower + BlockSize};
     for (int32_t i = 0; i < 4; ++i) {
       int32_t scan[BlockSize] = {0};
       predictors[0] =
           Huff_Decode_Block(reader, luma[i], predictors[0], tables->dcLuma, tables->acLuma, tables->zigzagOrder, scan);
-      if (hook) hook(scan);
+      if (hook) hook(hookUser, scan);
     }
     int32_t unused[BlockSize];
     predictors[1] = Huff_Decode_Block(reader, cb, predictors[1], tables->dcChroma, tables->acChroma, tables->zigzagOrder, unused);

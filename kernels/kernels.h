@@ -35,8 +35,8 @@ struct HuffTables {
   const int32_t* zigzagOrder;  ///< 80 entries: scan position to natural position, 63 from entry 64 on.
 };
 
-/** Takes the 64 coefficients of a luma block in scan order, as the stream brought them. */
-using ScanHook = void (*)(const int32_t* scan);
+/** Takes the 64 coefficients of a luma block in scan order, as the stream brought them. user: the hookUser of the call. */
+using ScanHook = void (*)(void* user, const int32_t* scan);
 
 /** What the converters read: tables that never change. */
 struct ColorTables {
@@ -48,7 +48,7 @@ struct ColorTables {
  *  `cr`; every block is 64 coefficients in natural order, already zero. `predictors` are the DC values of luma, Cb and Cr so
  *  far, and are moved on. Each luma block's scan goes to `hook`, unless that is null. */
 using DecodeRowKernel = void (*)(HuffReader* reader, const HuffTables* tables, int32_t* upper, int32_t* lower, int32_t* cb,
-                                 int32_t* cr, int32_t columns, int32_t* predictors, ScanHook hook);
+                                 int32_t* cr, int32_t columns, int32_t* predictors, ScanHook hook, void* hookUser);
 
 /** Inverse transform of `count` blocks of 64 coefficients that lie side by side. table: 64 dequantisation factors. rows: eight
  *  rows of samples, 8 * count of each are written. */
@@ -96,7 +96,7 @@ Kernels Kernels_Select(uint32_t mask);
 extern Kernels kernels;
 
 void Decode_Row_Plain(HuffReader* reader, const HuffTables* tables, int32_t* upper, int32_t* lower, int32_t* cb, int32_t* cr,
-                      int32_t columns, int32_t* predictors, ScanHook hook);
+                      int32_t columns, int32_t* predictors, ScanHook hook, void* hookUser);
 void Idct_Row_Plain(const int32_t* blocks, int32_t count, const int16_t* table, const uint8_t* rangeLimit, uint8_t* const* rows);
 void Idct_Row_Packed_Plain(const int32_t* blocks, int32_t count, const int16_t* table, const uint8_t* rangeLimit,
                            uint8_t* const* rows);

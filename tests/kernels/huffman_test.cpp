@@ -105,16 +105,17 @@ struct ReferenceDecoder {
   }
 };
 
-std::vector<int32_t>* hookTarget;
-void Keep_Scan(const int32_t* scan) { hookTarget->insert(hookTarget->end(), scan, scan + 64); }
+void Keep_Scan(void* scans, const int32_t* scan) {
+  auto* const target = static_cast<std::vector<int32_t>*>(scans);
+  target->insert(target->end(), scan, scan + 64);
+}
 
 Row Decode_By_Kernel(DecodeRowKernel kernel, const Bytes& raw, int32_t columns) {
   Row row(columns);
   const std::unique_ptr<uint8_t[]> exact(new uint8_t[raw.size()]);  // So that a sanitizer sees a byte too many.
   std::copy(raw.begin(), raw.end(), exact.get());
   HuffReader reader = {exact.get(), exact.get() + raw.size(), 0, 0};
-  hookTarget = &row.scans;
-  kernel(&reader, &huffTables, row.At(0), row.At(1), row.At(2), row.At(3), columns, row.predictors.data(), Keep_Scan);
+  kernel(&reader, &huffTables, row.At(0), row.At(1), row.At(2), row.At(3), columns, row.predictors.data(), Keep_Scan, &row.scans);
   return row;
 }
 

@@ -1,0 +1,111 @@
+#include "decode/ring.h"
+
+#include "support/streams.h"
+
+#include <chrono>
+#include <thread>
+
+namespace {
+
+struct Ring : LibraryTest {
+  const DecoderPtr decoder = Headless_Decoder(48, 48);
+  Noise noise{11};
+
+  int32_t Write(const Bytes& bytes) { return JDEC_write_decode_buffer(decoder.get(), bytes.data(), (int32_t)bytes.size()); }
+  Bytes Read(int32_t length) {
+    Bytes bytes((size_t)length);
+    bytes.resize((size_t)Ring_Read(decoder.get(), bytes.data(), length));
+    return bytes;
+  }
+  /** Milliseconds that the caller is held up, and that the answer is right. */
+  int64_t Query(int32_t expected) {
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(JDEC_query_decode_buffer_count(decoder.get()), expected);
+    return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start).count();
+  }
+};
+
+TEST_F(Ring, HoldsWhatFitsInOrderOverItsEnd) {
+  const Bytes first = noise.Some(400000), second = noise.Some(300000), third = noise.Some(StreamBufferSize - 300000);
+  EXPECT_EQ(Write(first), 400000);
+  EXPECT_EQ(Read(400000), first);
+  EXPECT_EQ(Write(second), 300000);  // Over the end,
+  EXPECT_EQ(Write(third), (int32_t)third.size());
+  EXPECT_EQ(decoder->ringWrite, decoder->ringRead);
+  EXPECT_EQ(Write({1}), 0);  // and full.
+  EXPECT_EQ(Read(StreamBufferSize + 1), Joined({second, third}));
+  EXPECT_EQ(Read(1), Bytes());
+
+  // Exactly to the end, from both sides.
+  const int32_t rest = (int32_t)(decoder->ringEnd - decoder->ringWrite);
+  EXPECT_EQ(Write(noise.Some((size_t)rest)), rest);
+  EXPECT_EQ(decoder->ringWrite, decoder->ringStart);
+  Read(rest);
+  EXPECT_EQ(decoder->ringRead, decoder->ringStart);
+  EXPECT_EQ(JDEC_write_decode_buffer(decoder.get(), nullptr, 5) + JDEC_write_decode_buffer(decoder.get(), first.data(), -5), 0);
+}
+
+TEST_F(Ring, SlowsTheProducerDownAndHidesABacklog) {
+  const Bytes bytes(StreamBufferSize);
+  const auto fill_to = [&](int32_t free) {
+    decoder->ringFill = 0;
+    Write(Bytes((size_t)(StreamBufferSize - free)));
+  };
+  EXPECT_LT(Query(StreamBufferSize), 50);
+  for (const auto& [free, least] : {std::pair{104857, 0}, {104856, 50}, {65536, 50}, {65535, 150}, {1, 150}}) {
+    fill_to(free);
+    EXPECT_GE(Query(free), least) << free;
+  }
+  fill_to(StreamBufferSize - 393217);
+  Read(0);
+  EXPECT_EQ(decoder->hidden, 1);
+  Read(1);  // Asked before anything is taken.
+  EXPECT_EQ(decoder->hidden, 1);
+  Read(1);
+  EXPECT_EQ(decoder->hidden, 0);
+}
+
+TEST_F(FramesTest, RingBetweenTwoThreadsLosesNothing) {
+  const DecoderPtr decoder = Headless_Decoder(48, 48);
+  const Bytes stream = Noise{5}.Some(6000000);
+  std::thread producer([&] {
+    Noise pieces{6};
+    for (size_t at = 0; at < stream.size();) {
+      const auto offer = (int32_t)std::min<size_t>(stream.size() - at, (size_t)pieces.Between(1, 20000));
+      if (JDEC_query_decode_buffer_count(decoder.get()) == 0) continue;
+      at += (size_t)JDEC_write_decode_buffer(decoder.get(), &stream[at], offer);
+    }
+  });
+  Bytes received, piece(65536);
+  Noise pieces{7};
+  int32_t backlogs = 0;
+  while (received.size() < stream.size()) {
+    // Slow at first, so that the ring runs full.
+    if (received.size() < 100000) std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    const int32_t count = Ring_Read(decoder.get(), piece.data(), pieces.Between(1, received.size() < 100000 ? 2000 : 65536));
+    received.insert(received.end(), piece.begin(), piece.begin() + count);
+    backlogs += decoder->hidden;
+    if (count == 0) std::this_thread::yield();
+  }
+  producer.join();
+  EXPECT_EQ(received, stream);
+  EXPECT_GT(backlogs, 0);
+  EXPECT_EQ(decoder->hidden, 0);
+}
+
+/** A stream delivered through the ring shows the same last picture, and only the frames of the backlog are passed over. */
+TEST_F(FramesTest, RingPumpedIntoTheReceivePath) {
+  const DecoderPtr decoder = Headless_Decoder(48, 48);
+  const Bytes frames = Joined({large.compact, small.jfif});
+  while (decoder->ringFill <= StreamBufferSize * 3 / 4)
+    JDEC_write_decode_buffer(decoder.get(), frames.data(), (int32_t)frames.size());
+  Bytes piece((size_t)frames.size());
+  const Bytes dark = Picture(decoder.get());
+  for (int i = 0; i < 2; ++i) {
+    ASSERT_EQ(Ring_Read(decoder.get(), piece.data(), (int32_t)piece.size()), (int32_t)piece.size());
+    Push(decoder.get(), piece);
+    EXPECT_EQ(Picture(decoder.get()), i == 0 ? dark : Picture_Of(small));
+  }
+}
+
+}  // namespace
