@@ -167,11 +167,63 @@ int32_t* VELARTO_CDECL JDEC_Access_SrcRect(JdecDecoder* decoder, const int32_t* 
  *  rect is not read. */
 int32_t* VELARTO_CDECL JDEC_Access_DstRect(JdecDecoder* decoder, const int32_t* rect);
 
-/* ---- The decoder_ family ------------------------------------------------------------------------------------- */
+/* ---- The vb_JDEC_ family --------------------------------------------------------------------------------------- */
+
+/* The operations of the same name without vb_, under the calling convention __stdcall. The two that lack the status word never
+ * ask for the hidden text to be checked. */
+int32_t VELARTO_STDCALL vb_JDEC_Init(void);
+void VELARTO_STDCALL vb_JDEC_Exit(void);
+JdecDecoder* VELARTO_STDCALL vb_JDEC_New(int32_t width, int32_t height);
+void VELARTO_STDCALL vb_JDEC_Free(JdecDecoder* decoder);
+void VELARTO_STDCALL vb_JDEC_Flush(JdecDecoder* decoder);
+int32_t VELARTO_STDCALL vb_JDEC_Draw_Init(JdecDecoder* decoder, VelartoWindow window);
+void VELARTO_STDCALL vb_JDEC_Draw_Exit(JdecDecoder* decoder);
+int32_t VELARTO_STDCALL vb_JDEC_Get_Quality(JdecDecoder* decoder);
+int32_t VELARTO_STDCALL vb_JDEC_Write_JFIF_File(JdecDecoder* decoder, FILE* stream);
+int32_t VELARTO_STDCALL vb_JDEC_Receive_Data(JdecDecoder* decoder, int32_t length, const uint8_t* data);
+int32_t VELARTO_STDCALL vb_JDEC_Receive_Data_2(JdecDecoder* decoder, const uint8_t* data, uint32_t length);
+int32_t VELARTO_STDCALL vb_JDEC_Check_Decode_Frame(JdecDecoder* decoder, int32_t decode, uint8_t* buffer, int32_t capacity,
+                                                   uint32_t* outLength, int32_t reserved, int32_t draw);
+uint8_t* VELARTO_STDCALL vb_JDEC_get_decompressed_bitmap(JdecDecoder* decoder);
+uint8_t* VELARTO_STDCALL vb_JDEC_get_decompressed_bitmap_ex(JdecDecoder* decoder, int32_t* format, uint8_t* palette);
+int32_t VELARTO_STDCALL vb_JDEC_get_decompressed_bitmap_ex2(JdecDecoder* decoder, uint8_t* buffer, int32_t capacity);
+int32_t* VELARTO_STDCALL vb_JDEC_Access_SrcRect(JdecDecoder* decoder, const int32_t* rect);
+int32_t* VELARTO_STDCALL vb_JDEC_Access_DstRect(JdecDecoder* decoder, const int32_t* rect);
+
+/* ---- The decoder_ family ---------------------------------------------------------------------------------------- */
+
+/* The JDEC_ operations of the same meaning, behind a guard: with a null decoder they do nothing and give 0 or null. */
+int32_t VELARTO_CDECL decoder_Initialize(void);
+void VELARTO_CDECL decoder_Shutdown(void);
+void VELARTO_CDECL decoder_free(JdecDecoder* decoder);
+void VELARTO_CDECL decoder_flush(JdecDecoder* decoder);
+int32_t VELARTO_CDECL decoder_draw_init(JdecDecoder* decoder, VelartoWindow window);
+void VELARTO_CDECL decoder_draw_exit(JdecDecoder* decoder);
+int32_t* VELARTO_CDECL decoder_access_src_rect(JdecDecoder* decoder, const int32_t* rect);
+int32_t VELARTO_CDECL decoder_get_decompressed_bitmap_ex2(JdecDecoder* decoder, uint8_t* buffer, int32_t capacity);
+void VELARTO_CDECL decoder_get_dimension(JdecDecoder* decoder, int32_t* width, int32_t* height);
+
+/** JDEC_New with 320 by 240 pixels. */
+JdecDecoder* VELARTO_CDECL decoder_new(void);
+
+/** JDEC_Receive_Data without a check of the hidden text. 0 for a null decoder, which is not the -1 of no frame. */
+int32_t VELARTO_CDECL decoder_receive_data(JdecDecoder* decoder, int32_t length, const uint8_t* data);
 
 /** Stores a speed, and the factor derived from it, with the decoder, and writes both to standard output: the factor is the speed,
  * or 1 / n for a speed of -n. Nothing is paced by it. Gives 1; 0 for a null decoder. */
 int32_t VELARTO_CDECL decoder_set_speed(JdecDecoder* decoder, int32_t speed);
+
+/** Writes the 18 characters of the stream's MIME type and a zero to buffer, unless that is null. */
+void VELARTO_CDECL decoder_get_mime_string(char* buffer);
+
+/** Gives 1: every frame is a whole picture. Callers' arguments, if any, are not looked at, here and in the next two. */
+int32_t VELARTO_CDECL decoder_is_intra_frame(void);
+
+/** Gives -1. */
+int32_t VELARTO_CDECL decoder_match_bitstream_header_pattern(void);
+
+/** Does nothing. */
+void VELARTO_CDECL decoder_enable_regulation(void);
 
 #ifdef __cplusplus
 }

@@ -1,0 +1,4 @@
+/* The type under which a camera's stream is known to browsers and servers. */
+#pragma once
+
+constexpr char MimeType[] = "video/x-orvistream";
