@@ -48,8 +48,7 @@ static void Transform_Planes(JdecCodec* codec) {
   Forward_DCT_Plane(planes->cbRows, codec->coefCb, width / 2, height / 2, codec->chromaForward, codec->chromaInverse);
 }
 
-/** Encodes the coefficients behind the head of the wanted form. 0, with an empty store, when the frame passes it. */
-static int32_t Encode_Store(JdecCodec* codec, bool withMarkers) {
+int32_t Codec_Encode_Store(JdecCodec* codec, bool withMarkers) {
   JdecFrameBuffer* const frame = codec->frame;
   const int32_t headSize = withMarkers ? JfifHeadSize : CompactHeadSize;
   const int32_t endSize = withMarkers ? LeastJfifBytes - JfifHeadSize : 0;
@@ -69,16 +68,21 @@ static int32_t Encode_Store(JdecCodec* codec, bool withMarkers) {
   } else {
     Compact_Write_Head(frame->data, frame->length - headSize, codec->width, codec->height, codec->quality);
   }
+  return frame->length;
+}
+
+int32_t Codec_Transform_RGB888(JdecCodec* codec, int32_t quality, const uint8_t* pixels, bool doubleRows) {
+  Codec_Set_Quality(codec, std::clamp(quality, 0, 100) * 80 / 100 + 10);
+  if (!Load_Planes(codec, pixels, doubleRows)) return 0;
+  Transform_Planes(codec);
   return 1;
 }
 
 int32_t Codec_Compress_RGB888(JdecCodec* codec, int32_t quality, const uint8_t* pixels, uint32_t /*ignored*/, uint8_t* buffer,
                               int32_t capacity, int32_t withMarkers, int32_t doubleRows) {
   if (!codec || !pixels || !buffer) return 0;
-  Codec_Set_Quality(codec, std::clamp(quality, 0, 100) * 80 / 100 + 10);
-  if (!Load_Planes(codec, pixels, doubleRows != 0)) return 0;
-  Transform_Planes(codec);
-  if (!Encode_Store(codec, withMarkers != 0) || capacity < codec->frame->length) return 0;
+  if (!Codec_Transform_RGB888(codec, quality, pixels, doubleRows != 0)) return 0;
+  if (!Codec_Encode_Store(codec, withMarkers != 0) || capacity < codec->frame->length) return 0;
   std::memcpy(buffer, codec->frame->data, static_cast<size_t>(codec->frame->length));
   return codec->frame->length;
 }
