@@ -6,7 +6,11 @@
 /** *code: where the command leaves its exit code. */
 void Info_Command(CLI::App* app, int* code);
 void Export_Command(CLI::App* app, int* code);
+void Make_Command(CLI::App* app, int* code);
+void Record_Command(CLI::App* app, int* code);
 void View_Command(CLI::App* app, int* code);
+/** Adds nothing where the camera isn't built. */
+void Camera_Command(CLI::App* app, int* code);
 
 /** The argument and the option that all of them have. */
 void Add_Common_Options(CLI::App* command, std::string* source, std::string* kernelName);

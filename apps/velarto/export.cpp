@@ -3,10 +3,12 @@
 #include "apps/velarto/picture.h"
 #include "apps/velarto/stream.h"
 
+#include <algorithm>
+#include <cctype>
 #include <filesystem>
 
 struct ExportOptions {
-  std::string source, kernelName, pattern;
+  std::string source, kernelName, pattern, format;
   int64_t first = 0, count = INT64_MAX, every = 1;
 };
 
@@ -44,14 +46,23 @@ static std::string File_Name(const NamePattern& pattern, int64_t number) {
   return pattern.before + zeros + digits + pattern.after;
 }
 
+/** The format asked for; else the one that the pattern's ending names; else BMP. */
+static bool Wants_Jpeg(const ExportOptions& options) {
+  if (!options.format.empty()) return options.format == "jpg";
+  std::string ending = std::filesystem::path(options.pattern).extension().string();
+  std::ranges::transform(ending, ending.begin(), [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  return ending == ".jpg" || ending == ".jpeg";
+}
+
 static std::string Pictures(int64_t count) { return std::to_string(count) + (count == 1 ? " picture" : " pictures"); }
 
 /** The work under way. */
 struct Export {
   const ExportOptions& options;
   NamePattern pattern;
+  bool jpeg = false;
   int64_t sourceSize = 0;  ///< 0 when not known.
-  JdecDecoder* decoder = nullptr;
+  DecoderHolder decoder;
   int64_t selected = 0, written = 0;
   std::string error;
   Progress progress;
@@ -65,16 +76,15 @@ static bool Export_Frame(Export* work, const WalkedFrame& frame) {
            " can't be decoded, left out");
     return true;
   }
-  if (!work->decoder) {
-    work->decoder = JDEC_New(frame.width, frame.height);
-    JDEC_Draw_Init(work->decoder, nullptr);
+  if (!Decoder_Fit(&work->decoder, frame.width, frame.height, &work->error)) return false;
+  JdecDecoder* const decoder = work->decoder.get();
+  const std::string name = File_Name(work->pattern, frame.number);
+  if (work->jpeg) {
+    if (!Picture_Save_Jpeg(decoder, frame, name, &work->error)) return false;
+  } else {
+    Picture_Push(decoder, frame);
+    if (!Picture_Save(decoder, name, &work->error)) return false;
   }
-  if (!work->decoder) {
-    work->error = "no memory for pictures of " + std::to_string(frame.width) + "x" + std::to_string(frame.height);
-    return false;
-  }
-  Picture_Push(work->decoder, frame);
-  if (!Picture_Save(work->decoder, File_Name(work->pattern, frame.number), &work->error)) return false;
   ++work->written;
   return true;
 }
@@ -112,37 +122,46 @@ static int Run_Export(Export* work) {
   if (!work->error.empty()) return Report(work->error);
   if (!read) return Report(error);
   if (walk.frames == 0) return Report(No_Frame_Text(options.source, walk));
-  if (work->selected == 0) return Report(options.source + " ends before frame " + std::to_string(options.first));
+  if (work->selected == 0) return Report(Source_Title(options.source) + " ends before frame " + std::to_string(options.first));
   return work->written > 0 ? ExitDone : ExitFailed;
 }
 
 static int Export_Pictures(const ExportOptions& options) {
-  Export work = {options, {}, 0, nullptr, 0, 0, {}, {}};
-  Check_Usage(options, &work.pattern);
+  NamePattern pattern;
+  Check_Usage(options, &pattern);
   std::error_code ignored;
-  const auto folder = std::filesystem::path(File_Name(work.pattern, 0)).parent_path();
+  const auto folder = std::filesystem::path(File_Name(pattern, 0)).parent_path();
   if (!folder.empty() && !std::filesystem::is_directory(folder, ignored)) {
     return Report("there is no folder " + folder.string());
   }
+  int64_t sourceSize = 0;
   if (!Source_Live(options.source)) {
     const auto size = std::filesystem::file_size(options.source, ignored);
-    work.sourceSize = ignored ? 0 : static_cast<int64_t>(size);
+    sourceSize = ignored ? 0 : static_cast<int64_t>(size);
   }
   Library_Start(options.kernelName);
-  const int code = Run_Export(&work);
-  JDEC_Free(work.decoder);
+  int code = ExitDone;
+  {
+    Export work = {options, pattern, Wants_Jpeg(options), sourceSize, {}, 0, 0, {}, {}};
+    code = Run_Export(&work);
+  }
   JDEC_Exit();
   return code;
 }
 
 void Export_Command(CLI::App* app, int* code) {
-  CLI::App* const command = app->add_subcommand("export", "Write the pictures of a stream as BMP files");
+  CLI::App* const command = app->add_subcommand("export", "Write the pictures of a stream as BMP or JPEG files");
   const auto options = std::make_shared<ExportOptions>();
   Add_Common_Options(command, &options->source, &options->kernelName);
   command
       ->add_option("-o,--output", options->pattern,
                    "Name of the files: %d or %04d stands for the frame's number in the stream, counted from 0")
       ->required();
+  command
+      ->add_option("--format", options->format,
+                   "bmp or jpg (by the ending of --output, else bmp); jpg takes a frame's own data, where that makes a JPEG\n"
+                   "image without a fault, and else compresses the picture anew, as for a size that is no multiple of 16")
+      ->check(CLI::IsMember({"bmp", "jpg"}));
   command->add_option("--first", options->first, "Number of the first frame (0)")->check(CLI::NonNegativeNumber);
   command->add_option("--count", options->count, "Most pictures to write")->check(CLI::PositiveNumber);
   command->add_option("--every", options->every, "Take every N-th frame from the first on (1)")->check(CLI::PositiveNumber);

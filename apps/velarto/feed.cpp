@@ -13,6 +13,8 @@ using Clock = std::chrono::steady_clock;
 
 /** Frames held for the window's thread; the reader waits when there are as many. */
 static constexpr size_t QueueLength = 4;
+/** For a stopped reader to let go of its connection; it looks at the stop flag more often than that. */
+static constexpr std::chrono::milliseconds EndWait{100};
 
 struct Feed {
   FeedOptions options;
@@ -23,6 +25,7 @@ struct Feed {
   std::condition_variable changed;
   std::deque<FedFrame> queue;
   bool paused = false;
+  bool reconnecting = false;
   bool ended = false;
   std::string error;
   HWND window = nullptr;
@@ -61,14 +64,22 @@ static bool Queue_Frame(Feed* feed, const WalkedFrame& frame) {
   return true;
 }
 
+static void Set_Reconnecting(Feed* feed, bool lost) {
+  const std::lock_guard held(feed->lock);
+  feed->reconnecting = lost;
+  Notify(*feed);
+}
+
 static void Run_Feed(const std::shared_ptr<Feed>& feed) {
   const std::string& source = feed->options.source;
+  const auto take = [&](const WalkedFrame& frame) { return Queue_Frame(feed.get(), frame); };
+  const ReadOptions reading = {
+      .reconnect = true, .onLost = [&](bool lost) { Set_Reconnecting(feed.get(), lost); }, .onBytes = {}};
   std::string error;
   bool good = true;
   do {
     FrameWalk walk;
-    good = Read_Frames(
-        source, &feed->stop, &walk, [&](const WalkedFrame& frame) { return Queue_Frame(feed.get(), frame); }, &error);
+    good = Read_Frames(source, &feed->stop, &walk, take, &error, reading);
     if (good && walk.frames == 0) {
       good = false;
       error = No_Frame_Text(source, walk);
@@ -119,6 +130,11 @@ FeedState Feed_State(Feed* feed, std::string* error) {
   return FeedState::Failed;
 }
 
+bool Feed_Reconnecting(Feed* feed) {
+  const std::lock_guard held(feed->lock);
+  return feed->reconnecting && !feed->ended;
+}
+
 void Feed_Pause(Feed* feed, bool paused) {
   const std::lock_guard held(feed->lock);
   feed->paused = paused;
@@ -126,8 +142,9 @@ void Feed_Pause(Feed* feed, bool paused) {
 }
 
 void Feed_Stop(Feed* feed) {
-  const std::lock_guard held(feed->lock);
+  std::unique_lock held(feed->lock);
   feed->stop = true;
   feed->window = nullptr;
   feed->changed.notify_all();
+  feed->changed.wait_for(held, EndWait, [&] { return feed->ended; });
 }

@@ -35,6 +35,12 @@ void Walk_End(FrameWalk* walk) {
   walk->wanted = 0;
 }
 
+void Walk_Resume(FrameWalk* walk) {
+  Pass(walk, Held(*walk));
+  walk->resumed = walk->taken;
+  walk->ended = false;
+}
+
 /** Passes over bytes that were searched up to `reached`, but for what a prefix may begin in. Of a run of FF a search from further
  *  ahead looks at every second byte only: it goes on at one that it would have looked at. */
 static void Pass_Searched(FrameWalk* walk, size_t reached) {

@@ -29,7 +29,8 @@ struct FrameWalk {
   bool open = false;        ///< A frame starts at `begin`.
   FrameForm form = FrameForm::Compact;
   bool ended = false;
-  int64_t frames = 0;  ///< Frames given, and their bytes.
+  int64_t resumed = 0;  ///< Where in the stream the connection began that it comes from now.
+  int64_t frames = 0;   ///< Frames given, and their bytes.
   int64_t frameBytes = 0;
 };
 
@@ -38,6 +39,10 @@ void Walk_Add(FrameWalk* walk, std::span<const uint8_t> bytes);
 
 /** Says that no more bytes come: Walk_Next no longer waits for a head's missing bytes. */
 void Walk_End(FrameWalk* walk);
+
+/** Goes on after Walk_End with bytes that don't join those before them, those of a new connection. What was begun is dropped;
+ * numbers and offsets go on. */
+void Walk_Resume(FrameWalk* walk);
 
 /** Gives the next complete frame; false when more bytes are needed. */
 bool Walk_Next(FrameWalk* walk, WalkedFrame* frame);

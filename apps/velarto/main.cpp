@@ -22,7 +22,10 @@ static int Answer(const CLI::App& app, const CLI::ParseError& error) {
 
 static int Run(int argc, char** argv) {
   Output_Open();
-  CLI::App app("velarto: live video of network cameras. SOURCE is a file, - for standard input, or tcp://HOST:PORT.", "velarto");
+  CLI::App app(
+      "velarto: live video of network cameras. SOURCE is a file, - for standard input, http://..., https://..., or "
+      "tcp://HOST:PORT.",
+      "velarto");
   app.set_version_flag("--version", "velarto " VELARTO_VERSION " (kernels: " + Kernel_Best() + ")");
   app.failure_message(One_Line);
   app.footer("Example:\n  velarto view street.vlr");
@@ -31,7 +34,10 @@ static int Run(int argc, char** argv) {
   int code = ExitDone;
   Info_Command(&app, &code);
   Export_Command(&app, &code);
+  Make_Command(&app, &code);
+  Record_Command(&app, &code);
   View_Command(&app, &code);
+  Camera_Command(&app, &code);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

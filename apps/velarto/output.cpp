@@ -15,7 +15,7 @@ static int outputError = 0;
 void Output_Open() {
   if (output != stdout) return;
   const int own = dup(STDOUT_FILENO);
-  FILE* const stream = own < 0 ? nullptr : fdopen(own, "w");
+  FILE* const stream = own < 0 ? nullptr : fdopen(own, "wb");
   if (!stream) return;
   output = stream;
   dup2(STDERR_FILENO, STDOUT_FILENO);

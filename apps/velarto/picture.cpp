@@ -1,27 +1,55 @@
 #include "apps/velarto/picture.h"
 
-#include "apps/velarto/output.h"
+#include "apps/velarto/frame_maker.h"
+#include "apps/velarto/jpeg.h"
+#include "apps/velarto/whole_file.h"
+#include "decode/decoder.h"
 #include "decode/framing.h"
 
 #include <algorithm>
 #include <cstring>
-#include <filesystem>
-#include <vector>
 
 static constexpr size_t BmpHeadSize = 54, BmpFileSizeAt = 2;
+static constexpr int32_t MacroblockSide = 16;
+/** libjpeg quality of pictures that are compressed anew. */
+static constexpr int32_t AnewQuality = 90;
+
+bool Decoder_Fit(DecoderHolder* decoder, int32_t width, int32_t height, std::string* error) {
+  bool made = false;
+  if (*decoder) {
+    made = (decoder->get()->width == width && decoder->get()->height == height) ||
+           Decoder_Change_Size(decoder->get(), width, height);
+  } else {
+    decoder->reset(JDEC_New(width, height));
+    made = JDEC_Draw_Init(decoder->get(), nullptr) != 0;
+  }
+  if (!made) *error = "no memory for pictures of " + std::to_string(width) + "x" + std::to_string(height);
+  return made;
+}
+
+/** The decoder doesn't look at fewer bytes than a search wants; with zeros behind them it does, and passes over those. */
+static std::span<const uint8_t> Long_Enough(const WalkedFrame& frame, std::vector<uint8_t>* padded) {
+  const size_t least = frame.form == FrameForm::Jfif ? LeastJfifBytes : LeastSearchBytes;
+  if (frame.bytes.size() >= least) return frame.bytes;
+  padded->assign(frame.bytes.begin(), frame.bytes.end());
+  padded->resize(least);
+  return *padded;
+}
 
 bool Picture_Push(JdecDecoder* decoder, const WalkedFrame& frame) {
   if (!Frame_Decodable(frame)) return false;
-  const size_t least = frame.form == FrameForm::Jfif ? LeastJfifBytes : LeastSearchBytes;
-  if (frame.bytes.size() >= least) {
-    JDEC_Receive_Data(decoder, static_cast<int32_t>(frame.bytes.size()), frame.bytes.data(), nullptr);
-    return true;
-  }
-  // The decoder doesn't look at so few bytes; with zeros behind them it does, and passes over those.
-  std::vector<uint8_t> padded(frame.bytes.begin(), frame.bytes.end());
-  padded.resize(least);
-  JDEC_Receive_Data(decoder, static_cast<int32_t>(padded.size()), padded.data(), nullptr);
+  std::vector<uint8_t> padded;
+  const auto bytes = Long_Enough(frame, &padded);
+  JDEC_Receive_Data(decoder, static_cast<int32_t>(bytes.size()), bytes.data(), nullptr);
   return true;
+}
+
+/** Brings the frame into the decoder's store undecoded. */
+static bool Store_Frame(JdecDecoder* decoder, const WalkedFrame& frame) {
+  std::vector<uint8_t> padded, taken(frame.bytes.size());
+  const auto bytes = Long_Enough(frame, &padded);
+  JDEC_Receive_Data_2(decoder, bytes.data(), static_cast<uint32_t>(bytes.size()));
+  return JDEC_Check_Decode_Frame(decoder, 0, taken.data(), static_cast<int32_t>(taken.size()), nullptr, 0, 0, nullptr) == 1;
 }
 
 /** The library's image has rows of exactly 3 * width bytes; a BMP file wants them at multiples of 4. */
@@ -44,31 +72,70 @@ static std::vector<uint8_t> Picture_Image(JdecDecoder* decoder) {
   return Aligned_Rows(image, static_cast<size_t>(width), static_cast<size_t>(height));
 }
 
-static bool Write_File(const std::string& path, const std::vector<uint8_t>& bytes, std::string* error) {
-  FILE* const file = std::fopen(path.c_str(), "wb");
-  if (!file) {
-    *error = Error_Text();
-    return false;
-  }
-  bool good = std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size();
-  if (!good) *error = Error_Text();
-  if (std::fclose(file) != 0 && good) {
-    *error = Error_Text();
-    good = false;
-  }
-  return good;
+bool Picture_Save(JdecDecoder* decoder, const std::string& path, std::string* error) {
+  const std::vector<uint8_t> image = Picture_Image(decoder);
+  return Write_Whole_File(
+      path, [&image](FILE* file, std::string*) { return Put_Bytes(file, image); }, error);
 }
 
-bool Picture_Save(JdecDecoder* decoder, const std::string& path, std::string* error) {
-  const std::string temporary = path + ".part";
-  std::error_code failure;
-  std::string reason;
-  if (Write_File(temporary, Picture_Image(decoder), &reason)) {
-    std::filesystem::rename(temporary, path, failure);
-    if (!failure) return true;
-    reason = failure.message();
+static Picture Decoder_Picture(JdecDecoder* decoder) {
+  Picture picture;
+  JDEC_get_size(decoder, &picture.width, &picture.height);
+  const uint8_t* const raster = JDEC_get_decompressed_bitmap(decoder);
+  picture.pixels.assign(raster, raster + size_t{3} * static_cast<size_t>(picture.width) * static_cast<size_t>(picture.height));
+  return picture;
+}
+
+bool Picture_Save_Jpeg(JdecDecoder* decoder, const WalkedFrame& frame, const std::string& path, std::string* error) {
+  const bool jfif = frame.form == FrameForm::Jfif;
+  const bool sound = Jpeg_Sound(jfif ? frame.bytes : Frame_To_Jfif(frame.bytes, frame.form));
+  if (sound && Store_Frame(decoder, frame)) {
+    const auto write = [decoder](FILE* file, std::string*) {
+      return JDEC_Write_JFIF_File(decoder, file) == 2 && !std::ferror(file);
+    };
+    return Write_Whole_File(path, write, error);
   }
-  std::filesystem::remove(temporary, failure);
-  *error = "can't write " + path + ": " + reason;
-  return false;
+  std::vector<uint8_t> bytes;
+  Picture_Push(decoder, frame);
+  if (!Jpeg_Write(Decoder_Picture(decoder), AnewQuality, &bytes, error)) {
+    *error = "can't write " + path + ": " + *error;
+    return false;
+  }
+  return Write_Whole_File(
+      path, [&bytes](FILE* file, std::string*) { return Put_Bytes(file, bytes); }, error);
+}
+
+bool Picture_Size_Check(int64_t width, int64_t height, std::string* error) {
+  const std::string size = std::to_string(width) + "x" + std::to_string(height);
+  if (width < MacroblockSide || height < MacroblockSide) {
+    *error = "a picture of " + size + " is too small: a frame carries whole blocks of 16x16";
+    return false;
+  }
+  if (width > MaxPictureSide || height > MaxPictureSide ||
+      !Picture_Size_Allowed(static_cast<int32_t>(width), static_cast<int32_t>(height))) {
+    *error = "a picture of " + size + " is too large: a frame carries sides of up to " + std::to_string(MaxPictureSide) +
+             " and " + std::to_string(MaxMacroblocks) + " blocks of 16x16";
+    return false;
+  }
+  return true;
+}
+
+void Picture_Allot(Picture* picture, int64_t width, int64_t height) {
+  picture->width = static_cast<int32_t>(width);
+  picture->height = static_cast<int32_t>(height);
+  picture->pixels.assign(static_cast<size_t>(width * height * 3), 0);
+}
+
+uint8_t* Picture_Row(Picture* picture, int64_t y) { return &picture->pixels[static_cast<size_t>(y * 3 * picture->width)]; }
+
+Picture Picture_Coded_Part(Picture picture) {
+  const int32_t width = picture.width / MacroblockSide * MacroblockSide,
+                height = picture.height / MacroblockSide * MacroblockSide;
+  if (width == picture.width && height == picture.height) return picture;
+  Picture part;
+  Picture_Allot(&part, width, height);
+  for (int32_t y = 0; y < height; ++y) {
+    std::memcpy(Picture_Row(&part, y), Picture_Row(&picture, picture.height - height + y), static_cast<size_t>(width) * 3);
+  }
+  return part;
 }

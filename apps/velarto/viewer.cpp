@@ -2,6 +2,7 @@
 
 #include "apps/velarto/output.h"
 #include "apps/velarto/picture.h"
+#include "apps/velarto/sources/source.h"
 #include "display/present.h"
 
 #include "platform/win32.h"
@@ -24,7 +25,7 @@ struct Viewer {
   JdecDecoder* decoder = nullptr;
   int32_t width = 0, height = 0;  ///< Of the picture, 0 before the first.
   int64_t shown = 0;
-  bool paused = false, keysInTitle = false;
+  bool paused = false, reconnecting = false, keysInTitle = false;
   bool fullScreen = false;
   LONG_PTR windowedStyle = 0;
   RECT windowedRect = {};
@@ -117,9 +118,10 @@ static void Show_Keys(Viewer* viewer) {
 }
 
 static void Update_Title(const Viewer& viewer) {
-  std::string title = viewer.options.feed.source == "-" ? "standard input" : viewer.options.feed.source;
+  std::string title = Source_Title(viewer.options.feed.source);
   title += viewer.width > 0 ? " - " + std::to_string(viewer.width) + "x" + std::to_string(viewer.height) : " - waiting";
   if (viewer.paused) title += " - paused";
+  if (viewer.reconnecting) title += " - reconnecting";
   if (Feed_State(viewer.feed.get(), nullptr) != FeedState::Running) title += " - ended";
   title += " - velarto";
   SetWindowTextA(viewer.window, viewer.keysInTitle ? Key_List().c_str() : title.c_str());
@@ -198,6 +200,11 @@ static void On_End(Viewer* viewer) {
 /* ---- Messages ------------------------------------------------------------------------------------------------------------- */
 
 static void On_Frame(Viewer* viewer, WPARAM) {
+  const bool reconnecting = Feed_Reconnecting(viewer->feed.get());
+  if (reconnecting != viewer->reconnecting) {
+    viewer->reconnecting = reconnecting;
+    Update_Title(*viewer);
+  }
   if (viewer->paused) return;
   FedFrame fed;
   if (Feed_Take(viewer->feed.get(), &fed)) {

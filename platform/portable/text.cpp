@@ -1,3 +1,4 @@
+#include "platform/portable/face.h"
 #include "platform/portable/gdi.h"
 #include "platform/portable/machine.h"
 
@@ -10,7 +11,6 @@
 
 namespace {
 
-/** Where faces with the measures of Courier New usually lie; the first one found is taken. */
 const char* const faceFiles[] = {
     "/usr/share/fonts/truetype/liberation/LiberationMono-Regular.ttf",
     "/usr/share/fonts/truetype/liberation2/LiberationMono-Regular.ttf",
@@ -94,6 +94,8 @@ void Draw_Glyph(const PixelView& view, FT_GlyphSlot slot, int32_t x, int32_t y, 
 }
 
 }  // namespace
+
+std::span<const char* const> Face_Files() { return faceFiles; }
 
 BOOL TextOutA(HDC dc, int x, int y, LPCSTR text, int length) {
   ScaledFace scaled;

@@ -1,99 +1,12 @@
+#include "apps/tool.h"
+
+#include "apps/rude_server.h"
 #include "apps/velarto/frame_walk.h"
 
-#include <arpa/inet.h>
-#include <gtest/gtest.h>
-#include <netinet/in.h>
-#include <sys/socket.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
-#include <algorithm>
 #include <cinttypes>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <sstream>
-#include <thread>
-
-namespace fs = std::filesystem;
 
 namespace {
-
-const std::string sample = VELARTO_SOURCE_DIR "/samples/street.vlr";
-
-std::string Read_File(const fs::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
-
-struct Outcome {
-  int code;
-  std::string out, err;
-};
-
-/** A folder for the files of one test, and the tool run in it. */
-class ToolTest : public testing::Test {
- protected:
-  void SetUp() override {
-    folder = fs::path(testing::TempDir()) / ("velarto-tool-" + std::to_string(getpid()));
-    fs::remove_all(folder);
-    fs::create_directory(folder);
-  }
-  void TearDown() override { fs::remove_all(folder); }
-
-  Outcome Run(const std::string& arguments) const {
-    const std::string line =
-        "cd '" + folder.string() + "' && { SDL_VIDEODRIVER=dummy " VELARTO_TOOL_PATH " " + arguments + "; } >out 2>err";
-    const int status = std::system(line.c_str());
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, Read_File(folder / "out"), Read_File(folder / "err")};
-  }
-  void Write(const std::string& name, const std::string& bytes) const { std::ofstream(folder / name, std::ios::binary) << bytes; }
-  std::vector<std::string> Pictures() const {
-    std::vector<std::string> names;
-    for (const auto& entry : fs::directory_iterator(folder)) {
-      const std::string name = entry.path().filename().string();
-      if (name != "out" && name != "err") names.push_back(name);
-    }
-    std::ranges::sort(names);
-    return names;
-  }
-  /** One line of error, with that text in it, and exit code 1. */
-  void Expect_Failure(const std::string& arguments, const std::string& text) const {
-    const Outcome outcome = Run(arguments);
-    EXPECT_EQ(outcome.code, 1) << arguments;
-    EXPECT_TRUE(outcome.err.starts_with("velarto: ")) << arguments << ": " << outcome.err;
-    EXPECT_EQ(std::ranges::count(outcome.err, '\n'), 1) << outcome.err;
-    EXPECT_NE(outcome.err.find(text), std::string::npos) << arguments << ": " << outcome.err;
-  }
-  fs::path folder;
-};
-
-/** Listens on a free port, sends `bytes` to whoever connects, and hangs up. */
-struct Server {
-  explicit Server(std::string bytes) : listener(socket(AF_INET, SOCK_STREAM, 0)) {
-    sockaddr_in address = {};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t size = sizeof address;
-    EXPECT_EQ(bind(listener, reinterpret_cast<sockaddr*>(&address), size), 0);
-    EXPECT_EQ(listen(listener, 1), 0);
-    getsockname(listener, reinterpret_cast<sockaddr*>(&address), &size);
-    name = "tcp://127.0.0.1:" + std::to_string(ntohs(address.sin_port));
-    sender = std::thread([this, bytes = std::move(bytes)] {
-      const int client = accept(listener, nullptr, nullptr);
-      for (size_t at = 0; at < bytes.size();)
-        at += static_cast<size_t>(send(client, &bytes[at], bytes.size() - at, MSG_NOSIGNAL));
-      close(client);
-    });
-  }
-  ~Server() {
-    sender.join();
-    close(listener);
-  }
-  int listener;
-  std::string name;
-  std::thread sender;
-};
 
 TEST_F(ToolTest, InfoListsTheFramesThatTheWalkFinds) {
   const std::string stream = Read_File(sample);
@@ -188,15 +101,17 @@ TEST_F(ToolTest, FailuresAreOneLine) {
 }
 
 TEST_F(ToolTest, WrongUsageIsTold) {
-  for (const std::string usage : {"", "play x", "info", "info x --cpu abacus", "export x", "export x -o %s --count 1",
-                                  "export x -o %d%d", "export x -o %04 --count 1", "export x -o same.bmp",
-                                  "export x -o %d --every 0", "view - --loop", "view x --fps 0", "view x --snapshots nowhere"}) {
+  for (const std::string usage :
+       {"", "play x", "info", "info x --cpu abacus", "export x", "export x -o %s --count 1", "export x -o %d%d",
+        "export x -o %04 --count 1", "export x -o same.bmp", "export x -o %d --every 0", "view - --loop", "view x --fps 0",
+        "view x --snapshots nowhere", "camera --size 100x100", "camera --size 640x", "camera --fps 0", "camera --cut 2",
+        "camera --port 70000"}) {
     const Outcome outcome = Run(usage);
     EXPECT_EQ(outcome.code, 2) << usage;
     EXPECT_EQ(outcome.out, "") << usage;
     EXPECT_EQ(std::ranges::count(outcome.err, '\n'), 1) << usage << ": " << outcome.err;
   }
-  for (const std::string command : {"", "info ", "export ", "view "}) {
+  for (const std::string command : {"", "info ", "export ", "view ", "camera "}) {
     const Outcome help = Run(command + "--help");
     EXPECT_EQ(help.code, 0);
     EXPECT_NE(help.out.find("Example:\n  velarto "), std::string::npos) << help.out;
@@ -207,11 +122,12 @@ TEST_F(ToolTest, WrongUsageIsTold) {
 TEST_F(ToolTest, TcpSourcesAreReadToTheirEnd) {
   const std::string stream = Read_File(sample);
   {
-    const Server server(stream);
-    EXPECT_NE(Run("info " + server.name).out.find("\n120 frames, 18 bytes skipped"), std::string::npos);
+    const RudeServer server({[&](int client) { Send(client, stream); }});
+    EXPECT_NE(Run("info " + server.Name("tcp")).out.find("\n120 frames, 18 bytes skipped"), std::string::npos);
   }
-  const Server server(stream.substr(0, stream.size() - 1000));  // Cut inside the last frame.
-  const Outcome cut = Run("export " + server.name + " -o %d.bmp --every 60");
+  const RudeServer server(
+      {[&](int client) { Send(client, stream.substr(0, stream.size() - 1000)); }});  // Cut inside the last frame.
+  const Outcome cut = Run("export " + server.Name("tcp") + " -o %d.bmp --every 60");
   EXPECT_EQ(cut.out, "2 pictures written\n");
   EXPECT_EQ(cut.code, 0);
 }
@@ -220,8 +136,8 @@ TEST_F(ToolTest, ViewEndsAfterTheFramesAskedFor) {
   const Outcome recording = Run("view " + sample + " --fps 500 --frames 30");
   EXPECT_EQ(recording.code, 0) << recording.err;
   EXPECT_EQ(recording.out, "");
-  const Server server(Read_File(sample));
-  EXPECT_EQ(Run("view " + server.name + " --frames 1000").code, 0);
+  const RudeServer server({[](int client) { Send(client, Read_File(sample)); }});
+  EXPECT_EQ(Run("view " + server.Name("tcp") + " --frames 100").code, 0);
 }
 
 }  // namespace

@@ -49,9 +49,9 @@ TEST_F(DecoderTest, FlushForgetsBytesAndDarkensThePicture) {
   Push(decoder.get(), Bytes(small.compact.begin(), small.compact.end() - 1));
   JDEC_Flush(decoder.get());
   EXPECT_EQ(Push(decoder.get(), {small.compact.back()}), -1);
-  EXPECT_EQ(Picture(decoder.get()), Picture(Headless_Decoder(48, 48).get()));
+  EXPECT_EQ(Current_Picture(decoder.get()), Current_Picture(Headless_Decoder(48, 48).get()));
   EXPECT_EQ(Push(decoder.get(), small.compact), (int32_t)small.compact.size());
-  EXPECT_EQ(Picture(decoder.get()), Picture_Of(small));
+  EXPECT_EQ(Current_Picture(decoder.get()), Picture_Of(small));
 }
 
 TEST_F(DecoderTest, NewLeavesNothingBehindWhenMemoryRunsOut) {
@@ -88,7 +88,7 @@ TEST_F(DecoderTest, SizeChangeWithoutMemoryChangesNothing) {
         Screen_Fail_Nothing();
         const bool refused = JDEC_Get_Quality(decoder.get()) == 50;
         refusals += refused;
-        EXPECT_EQ(Picture(decoder.get()), refused ? smallPicture : largePicture);
+        EXPECT_EQ(Current_Picture(decoder.get()), refused ? smallPicture : largePicture);
         // Without memory for the display alone the new size stands, and the next change makes a display again.
         if (refused || !shown) {
           EXPECT_EQ(Screen_Objects_Alive(), alive);
@@ -96,9 +96,9 @@ TEST_F(DecoderTest, SizeChangeWithoutMemoryChangesNothing) {
         }
         EXPECT_EQ(decoder->width, decoder->codec->width);
         Push(decoder.get(), large.prefixed);
-        EXPECT_EQ(Picture(decoder.get()), largePicture);
+        EXPECT_EQ(Current_Picture(decoder.get()), largePicture);
         Push(decoder.get(), small.compact);
-        EXPECT_EQ(Picture(decoder.get()), smallPicture);
+        EXPECT_EQ(Current_Picture(decoder.get()), smallPicture);
         EXPECT_EQ(decoder->display != nullptr, shown);
       }
       ASSERT_EQ(Screen_Objects_Alive(), before);

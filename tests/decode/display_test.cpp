@@ -27,7 +27,7 @@ TEST_F(DisplayedDecoder, RasterHasTheDepthOfTheScreen) {
       int32_t code = -1;
       EXPECT_NE(JDEC_get_decompressed_bitmap_ex(decoder.get(), &code, nullptr), nullptr);
       EXPECT_EQ(code, format);
-      ASSERT_EQ(Picture(decoder.get()), Picture_Of(*frame)) << screen;
+      ASSERT_EQ(Current_Picture(decoder.get()), Picture_Of(*frame)) << screen;
     }
     EXPECT_EQ(JDEC_Draw_Init(decoder.get(), nullptr), 0);
     EXPECT_EQ(decoder->window, window.handle);
@@ -36,7 +36,7 @@ TEST_F(DisplayedDecoder, RasterHasTheDepthOfTheScreen) {
 }
 
 std::vector<Bytes> shown;
-void Keep_Picture(HWND, uintptr_t user) { shown.push_back(Picture(reinterpret_cast<JdecDecoder*>(user))); }
+void Keep_Picture(HWND, uintptr_t user) { shown.push_back(Current_Picture(reinterpret_cast<JdecDecoder*>(user))); }
 
 TEST_F(DisplayedDecoder, CallbackAndHiddenOutliveASizeChange) {
   const TestWindow window(32);
@@ -57,7 +57,7 @@ TEST_F(DisplayedDecoder, CallbackAndHiddenOutliveASizeChange) {
   int32_t status = 77;
   EXPECT_EQ(Push(decoder.get(), large.jfif, &status), (int32_t)large.jfif.size());
   EXPECT_EQ(status, 77);
-  EXPECT_EQ(Picture(decoder.get()), Picture_Of(small));
+  EXPECT_EQ(Current_Picture(decoder.get()), Picture_Of(small));
 }
 
 TEST_F(DisplayedDecoder, DrawExitHidesAndShowAloneFindsNoDisplay) {
@@ -66,14 +66,14 @@ TEST_F(DisplayedDecoder, DrawExitHidesAndShowAloneFindsNoDisplay) {
   JDEC_Draw_Init(decoder.get(), window.handle);
   JDEC_Draw_Exit(decoder.get());
   EXPECT_EQ(decoder->display, nullptr);
-  const Bytes dark = Picture(decoder.get());
+  const Bytes dark = Current_Picture(decoder.get());
   EXPECT_EQ(Push(decoder.get(), small.compact), (int32_t)small.compact.size());
-  EXPECT_EQ(Picture(decoder.get()), dark);
+  EXPECT_EQ(Current_Picture(decoder.get()), dark);
   Screen_Take_Debug_Output();
   JDEC_show(decoder.get(), 2);
   Push(decoder.get(), small.compact);
   EXPECT_EQ(Screen_Take_Debug_Output(), std::vector<std::string>{"jdec, decompress, DDRAW=NULL!!\n"});
-  EXPECT_EQ(Picture(decoder.get()), Picture_Of(small));
+  EXPECT_EQ(Current_Picture(decoder.get()), Picture_Of(small));
 }
 
 }  // namespace

@@ -16,7 +16,7 @@ struct Hostile : FramesTest {
   size_t Frames_Until_Shown() {
     for (size_t i = 1; i <= 2 * StreamBufferSize / small.jfif.size(); ++i) {
       Push(decoder.get(), small.jfif);
-      if (Picture(decoder.get()) == picture) return i;
+      if (Current_Picture(decoder.get()) == picture) return i;
     }
     return 0;
   }
@@ -49,13 +49,13 @@ TEST_F(Hostile, AnyByteOfAHeadWrong) {
 
 TEST_F(Hostile, HeadsThatAnnounceTooMuch) {
   Push(decoder.get(), middle.compact);
-  const Bytes shown = Picture(decoder.get());
+  const Bytes shown = Current_Picture(decoder.get());
   const int32_t alive = Screen_Objects_Alive();
   for (const auto& [width, height] : {std::pair{65535, 65535}, {0, 48}, {64, 0}, {65535, 520}}) {
     const Bytes frame = Compact_Frame(width, height, 90, Bytes(20, 0x28));
     EXPECT_EQ(Push(decoder.get(), frame), (int32_t)frame.size());
     EXPECT_EQ(JDEC_Get_Quality(decoder.get()), 75) << width << " by " << height;
-    EXPECT_EQ(Picture(decoder.get()), shown);
+    EXPECT_EQ(Current_Picture(decoder.get()), shown);
   }
   EXPECT_EQ(Screen_Objects_Alive(), alive);
   for (const auto& [byte1, byte3] : {std::pair{0xFF, 0xFF}, {0x7F, 0xFF}, {0x80, 0}, {1, 0}, {0, 8}}) {  // 4 GB to 512 KB.
@@ -82,7 +82,7 @@ TEST_F(Hostile, JfifStartWithoutAnEnd) {
     EXPECT_EQ(Frames_Until_Shown(), 1u) << chunk;
     JDEC_Receive_Data_2(polling.get(), small.compact.data(), (uint32_t)small.compact.size());
     EXPECT_EQ(Poll(polling.get()), 1) << chunk;
-    EXPECT_EQ(Picture(polling.get()), picture) << chunk;
+    EXPECT_EQ(Current_Picture(polling.get()), picture) << chunk;
   }
 }
 

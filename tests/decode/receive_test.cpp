@@ -33,7 +33,7 @@ TEST_F(Receiver, PollingFindsEveryFrameWhateverTheChunks) {
       count = std::min(stream.size() - at, (size_t)noise.Between(largest > 5000 ? largest : 1, largest));
       JDEC_Receive_Data_2(decoder.get(), &stream[at], (uint32_t)count);
       while (Poll(decoder.get(), &frame) == 1) {
-        polledPictures.push_back(Picture(decoder.get()));
+        polledPictures.push_back(Current_Picture(decoder.get()));
         polledFrames.push_back(frame);
       }
     }
@@ -52,7 +52,7 @@ TEST_F(Receiver, PushingFindsEveryFrameWhoseHeadComesInOnePiece) {
       taken += JDEC_Receive_Data(decoder.get(), (int32_t)(cut - at), &chunk[at], nullptr) != -1;
     }
     ASSERT_EQ(taken, 1u) << i;
-    ASSERT_EQ(Picture(decoder.get()), pictures[i % 18]) << i;
+    ASSERT_EQ(Current_Picture(decoder.get()), pictures[i % 18]) << i;
   }
 }
 
@@ -62,7 +62,7 @@ TEST_F(Receiver, StartAtTheEndOfAFullBufferIsKept) {
   EXPECT_EQ(Poll(decoder.get()), 2);
   JDEC_Receive_Data_2(decoder.get(), &bytes[StreamBufferSize], (uint32_t)(bytes.size() - StreamBufferSize));
   EXPECT_EQ(Poll(decoder.get()), 1);
-  EXPECT_EQ(Picture(decoder.get()), Picture_Of(small));
+  EXPECT_EQ(Current_Picture(decoder.get()), Picture_Of(small));
 }
 
 TEST_F(Receiver, PollingPassesOverAHeadWithoutScan) {
@@ -157,7 +157,7 @@ TEST_F(Recording, EndsWithAWriteThatFailsOrFallsShort) {
     EXPECT_EQ(decoder->recordFile, nullptr);
     EXPECT_EQ(decoder->recordState, RecordOff);
     EXPECT_EQ(Screen_Objects_Alive(), before);
-    EXPECT_EQ(Picture(decoder.get()), Picture_Of(small));
+    EXPECT_EQ(Current_Picture(decoder.get()), Picture_Of(small));
   }
 }
 

@@ -100,11 +100,11 @@ TEST_F(FramesTest, RingPumpedIntoTheReceivePath) {
   while (decoder->ringFill <= StreamBufferSize * 3 / 4)
     JDEC_write_decode_buffer(decoder.get(), frames.data(), (int32_t)frames.size());
   Bytes piece((size_t)frames.size());
-  const Bytes dark = Picture(decoder.get());
+  const Bytes dark = Current_Picture(decoder.get());
   for (int i = 0; i < 2; ++i) {
     ASSERT_EQ(Ring_Read(decoder.get(), piece.data(), (int32_t)piece.size()), (int32_t)piece.size());
     Push(decoder.get(), piece);
-    EXPECT_EQ(Picture(decoder.get()), i == 0 ? dark : Picture_Of(small));
+    EXPECT_EQ(Current_Picture(decoder.get()), i == 0 ? dark : Picture_Of(small));
   }
 }
 

@@ -17,7 +17,7 @@ TEST_F(LibraryTest, ScenesLookAsAnotherDecoderShowsThem) {
     const TestFrame frame = Load_Frame(name, quality);
     EXPECT_EQ(Push(decoder.get(), frame.jfif), (int32_t)frame.jfif.size());
     EXPECT_EQ(JDEC_Get_Quality(decoder.get()), quality);
-    const Bytes ours = Picture(decoder.get()), theirs = Decoded_By_Djpeg(Data_Path(name));
+    const Bytes ours = Current_Picture(decoder.get()), theirs = Decoded_By_Djpeg(Data_Path(name));
     ASSERT_EQ(ours.size(), theirs.size()) << "needs djpeg";
     const std::array<double, 3> psnr = Psnr(ours, theirs);
     for (size_t i = 0; i < 3; ++i) EXPECT_GT(psnr[i], least[i]) << name << ", channel " << i;
@@ -39,7 +39,7 @@ TEST_F(FramesTest, DecodersOnManyThreadsKeepApart) {
           const size_t which = (t + i / 4) % 3;  // Keeps a size for a while, then changes it.
           int32_t status = 1;
           Push(decoder.get(), i % 2 ? frames[which]->jfif : frames[which]->prefixed, &status);
-          right[t] += Picture(decoder.get()) == pictures[which];
+          right[t] += Current_Picture(decoder.get()) == pictures[which];
         }
         JDEC_Flush(decoder.get());
       }

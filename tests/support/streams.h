@@ -77,7 +77,7 @@ inline int32_t Poll(JdecDecoder* decoder, Bytes* frame = nullptr) {
 }
 
 /** The current picture as a BMP file. */
-inline Bytes Picture(JdecDecoder* decoder) {
+inline Bytes Current_Picture(JdecDecoder* decoder) {
   uint8_t none = 0;
   Bytes bmp((size_t)JDEC_get_decompressed_bitmap_ex2(decoder, &none, 1));
   JDEC_get_decompressed_bitmap_ex2(decoder, bmp.data(), (int32_t)bmp.size());
@@ -88,7 +88,7 @@ inline Bytes Picture(JdecDecoder* decoder) {
 inline Bytes Picture_Of(const TestFrame& frame) {
   const DecoderPtr decoder = Headless_Decoder(frame.width, frame.height);
   EXPECT_EQ(Push(decoder.get(), frame.compact), (int32_t)frame.compact.size());
-  return Picture(decoder.get());
+  return Current_Picture(decoder.get());
 }
 
 /** Starts the library for each test. */

@@ -1,32 +1,48 @@
-/* Where a stream comes from: a file, standard input, or a TCP connection. */
+/* Where a stream comes from: a file, standard input, a TCP connection, or an HTTP server. */
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <cstdint>
 #include <cstdio>
 #include <span>
 #include <string>
 
-enum class SourceKind { File, Pipe, Tcp };
+enum class SourceKind { File, Pipe, Tcp, Http };
+
+/** For a connection to stand. */
+inline constexpr std::chrono::seconds ConnectTimeOut{5};
+/** A connection without a byte for that long counts as broken: cameras send many a second. */
+inline constexpr std::chrono::seconds StallTimeOut{10};
+
+struct HttpStream;
 
 /** An open source. Opened, read and closed by one thread; another may set the stop flag. */
 struct Source {
   SourceKind kind = SourceKind::File;
-  int64_t size = 0;           ///< Bytes of a file; 0 for the live sources.
-  std::FILE* file = nullptr;  ///< File: owned.
-  intptr_t handle = -1;       ///< Pipe, Tcp: the system's handle.
+  int64_t size = 0;            ///< Bytes of a file; 0 for the live sources.
+  std::FILE* file = nullptr;   ///< File: owned.
+  intptr_t handle = -1;        ///< Pipe, Tcp: the system's handle.
+  HttpStream* http = nullptr;  ///< Http: owned.
   const std::atomic<bool>* stop = nullptr;
 };
 
 /** A source whose bytes come when they come, and only once. */
 bool Source_Live(const std::string& name);
 
-/** Opens the source of that name: "-", "tcp://HOST:PORT", or a file. Waiting ends soon when *stop becomes true. False, with one
- *  clear line in *error, when it can't be had. */
+/** The name as messages and titles show it: without the user and the password of an address. */
+std::string Source_Title(const std::string& name);
+
+/** Opens the source of that name: "-", "tcp://HOST:PORT", "http://..." or "https://...", or a file. Waiting ends soon when *stop
+ *  becomes true. False, with one clear line in *error, when it can't be had. */
 bool Source_Open(const std::string& name, const std::atomic<bool>* stop, Source* source, std::string* error);
 
 /** Waits for bytes and stores some. Gives how many, 0 at the end or when stopped, and -1 with *error on a failure. */
 int64_t Source_Read(Source* source, std::span<uint8_t> buffer, std::string* error);
+
+/** At the end: did a connection end that has more to give when it stands again? Not so for a response that was delivered in its
+ *  announced length: that is a recording. */
+bool Source_Resumable(const Source& source);
 
 void Source_Close(Source* source);
 
@@ -43,3 +59,10 @@ void Pipe_Close(Source* source);
 bool Tcp_Open(const std::string& name, Source* source, std::string* error);
 int64_t Tcp_Read(Source* source, std::span<uint8_t> buffer, std::string* error);
 void Tcp_Close(Source* source);
+
+/** A multipart response is taken apart: what is read are the frames in it, and frames made of its other pictures. */
+bool Http_Open(const std::string& name, Source* source, std::string* error);
+int64_t Http_Read(Source* source, std::span<uint8_t> buffer, std::string* error);
+/** All bytes of a response that announced its length have been delivered. */
+bool Http_Whole(const Source& source);
+void Http_Close(Source* source);

@@ -1,12 +1,12 @@
 #include "apps/velarto/sources/socket.h"
 #include "apps/velarto/sources/source.h"
 
-#include <chrono>
+#include <future>
+#include <thread>
 
 using Clock = std::chrono::steady_clock;
 
 static constexpr size_t SchemeLength = 6;  // tcp://
-static constexpr std::chrono::seconds ConnectTimeOut{5};
 /** Milliseconds after which a wait looks at the stop flag. */
 static constexpr int StopLook = 50;
 
@@ -25,6 +25,27 @@ static bool Split_Address(const std::string& name, std::string* host, std::strin
   return number >= 1 && number <= 65535;
 }
 
+struct Resolved {
+  std::vector<SocketAddress> addresses;
+  std::string reason;  ///< When there are none.
+};
+
+/** Looks the host up on a thread of its own: the system may take its time, and is deaf to the stop flag meanwhile. */
+static Resolved Resolve(const std::string& host, const std::string& port, const Source& source, Clock::time_point deadline) {
+  std::packaged_task<Resolved()> task([host, port] {
+    Resolved resolved;
+    resolved.addresses = Socket_Resolve(host, port, &resolved.reason);
+    return resolved;
+  });
+  auto answer = task.get_future();
+  std::thread(std::move(task)).detach();
+  while (answer.wait_for(std::chrono::milliseconds(StopLook)) != std::future_status::ready) {
+    if (source.stop->load()) return {{}, "stopped"};
+    if (Clock::now() >= deadline) return {{}, "the host's address can't be found in time"};
+  }
+  return answer.get();
+}
+
 /** Waits until the connection stands, fails, or the time is up. */
 static bool Await_Connection(const Source& source, intptr_t socket, Clock::time_point deadline, std::string* error) {
   while (!Socket_Wait(socket, true, StopLook)) {
@@ -37,12 +58,13 @@ static bool Await_Connection(const Source& source, intptr_t socket, Clock::time_
 bool Tcp_Open(const std::string& name, Source* source, std::string* error) {
   std::string host, port, reason;
   if (!Split_Address(name, &host, &port)) {
-    *error = name + ": the address must read tcp://HOST:PORT";
+    *error = Source_Title(name) + ": the address must read tcp://HOST:PORT";
     return false;
   }
   const auto deadline = Clock::now() + ConnectTimeOut;
-  const auto addresses = Socket_Resolve(host, port, &reason);
-  for (const SocketAddress& address : addresses) {
+  const Resolved resolved = Resolve(host, port, *source, deadline);
+  reason = resolved.reason;
+  for (const SocketAddress& address : resolved.addresses) {
     const intptr_t socket = Socket_Connect(address, &reason);
     if (socket == NoSocket) continue;
     if (Await_Connection(*source, socket, deadline, &reason)) {
@@ -51,13 +73,17 @@ bool Tcp_Open(const std::string& name, Source* source, std::string* error) {
     }
     Socket_Close(socket);
   }
-  *error = "can't connect to " + name + ": " + reason;
+  *error = "can't connect to " + Source_Title(name) + ": " + reason;
   return false;
 }
 
 int64_t Tcp_Read(Source* source, std::span<uint8_t> buffer, std::string* error) {
+  const auto deadline = Clock::now() + StallTimeOut;
   while (!source->stop->load()) {
     if (Socket_Wait(source->handle, false, StopLook)) return Socket_Read(source->handle, buffer, error);
+    if (Clock::now() < deadline) continue;
+    *error = "no byte for " + std::to_string(StallTimeOut.count()) + " seconds";
+    return -1;
   }
   return 0;
 }

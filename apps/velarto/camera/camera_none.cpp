@@ -1,0 +1,3 @@
+#include "apps/velarto/commands.h"
+
+void Camera_Command(CLI::App*, int*) {}

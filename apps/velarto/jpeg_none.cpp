@@ -1,0 +1,18 @@
+#include "apps/velarto/jpeg.h"
+#include "decode/framing.h"
+
+bool Jpeg_Read(std::span<const uint8_t> /*bytes*/, Picture* /*picture*/, std::string* error) {
+  *error = "JPEG images can't be read here, only BMP and PPM";
+  return false;
+}
+
+bool Jpeg_Sound(std::span<const uint8_t> bytes) {
+  int32_t width = 0, height = 0, quality = 0;
+  return bytes.size() >= LeastJfifBytes && Parse_JFIF_Header(bytes.data(), &width, &height, &quality) && width % 16 == 0 &&
+         height % 16 == 0;
+}
+
+bool Jpeg_Write(const Picture& /*picture*/, int32_t /*quality*/, std::vector<uint8_t>* /*bytes*/, std::string* error) {
+  *error = "its size is no multiple of 16 and pictures can't be compressed anew here";
+  return false;
+}

@@ -1,0 +1,11 @@
+/* Picture files: BMP of 8, 24 and 32 bits, PPM (P6, and P5 for grey), and JPEG; told apart by their content. */
+#pragma once
+
+#include "apps/velarto/picture.h"
+
+/** Reads a picture from a file, or from standard input with the name "-". False, with one line in *error, when there is none that
+ *  a frame can carry. A size is looked at before memory is had for it. */
+bool Picture_Read(const std::string& name, Picture* picture, std::string* error);
+
+/** The same from bytes in memory; *error doesn't name the file. */
+bool Picture_Parse(std::span<const uint8_t> bytes, Picture* picture, std::string* error);

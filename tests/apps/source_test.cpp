@@ -1,0 +1,243 @@
+#include "apps/rude_server.h"
+#include "apps/tool.h"
+#include "apps/velarto/jpeg.h"
+#include "apps/velarto/sources/multipart.h"
+#include "apps/velarto/sources/part_frame.h"
+#include "apps/velarto/stream.h"
+#include "support/djpeg.h"
+
+#include <csignal>
+#include <httplib.h>
+#include <spawn.h>
+
+namespace {
+
+std::string Shell(const std::string& line) {
+  FILE* const pipe = popen(line.c_str(), "r");
+  std::string text;
+  for (int c = fgetc(pipe); c != EOF; c = fgetc(pipe)) text += (char)c;
+  EXPECT_EQ(pclose(pipe), 0) << line;
+  return text;
+}
+
+/** A library's server, run as long as this lives. */
+struct Site {
+  httplib::Server& server;
+  const std::string host;
+  std::thread thread;
+  explicit Site(httplib::Server& it) : server(it), host("127.0.0.1:" + std::to_string(it.bind_to_any_port("127.0.0.1"))) {
+    thread = std::thread([this] { server.listen_after_bind(); });
+    while (!server.is_running()) std::this_thread::yield();
+  }
+  ~Site() {
+    server.stop();
+    thread.join();
+  }
+};
+
+void Answer(int client, const std::string& bytes) {
+  Await(client, "\r\n\r\n");
+  Send(client, "HTTP/1.0 200 OK\r\n\r\n" + bytes);
+}
+
+struct SourceTest : ToolTest {
+  SourceTest() {
+    JDEC_Init();
+    unsetenv("http_proxy");
+    Walk_Add(&walk, {(const uint8_t*)stream.data(), stream.size()});
+    for (WalkedFrame frame; Walk_Next(&walk, &frame);) frames.push_back(frame);
+    serve = [this](auto&, auto& answer) { answer.set_content(stream, "video/x-orvistream"); };
+  }
+  ~SourceTest() override { JDEC_Exit(); }
+  /** The sample's bytes from one frame's start to another's end. */
+  std::string Stretch(size_t from, size_t to) const {
+    return stream.substr((size_t)frames[from].offset,
+                         (size_t)(frames[to].offset - frames[from].offset) + frames[to].bytes.size());
+  }
+  /** The source gives what the file gives. */
+  void Expect_Sample(const std::string& name) const { EXPECT_EQ(Run("info " + name).out, Run("info " + sample).out) << name; }
+  const std::string stream = ::Read_File(fs::path(sample));
+  FrameWalk walk;
+  std::vector<WalkedFrame> frames;
+  httplib::Server server;
+  httplib::Server::Handler serve;
+};
+
+TEST_F(SourceTest, HttpGivesTheFramesOfTheFile) {
+  server.Get("/file", serve);
+  server.Get("/live", [this](auto&, auto& answer) {
+    answer.set_chunked_content_provider("video/x-orvistream", [this](size_t at, httplib::DataSink& sink) {
+      at < stream.size() ? (void)sink.write(&stream[at], std::min<size_t>(stream.size() - at, 7001)) : sink.done();
+      return true;
+    });
+  });
+  server.Get("/moved", [](auto&, auto& answer) { answer.set_redirect("/live"); });
+  server.Get("/loop", [](auto&, auto& answer) { answer.set_redirect("/loop"); });
+  const Site site(server);
+  const std::string name = "http://" + site.host;
+  for (const char* const path : {"/file", "/live", "/moved"}) Expect_Sample(name + path);
+  EXPECT_EQ(Run("record " + name + "/file -o all").code, 0);
+  EXPECT_TRUE(::Read_File(folder / "all") == stream);  // Delivered whole: that is the end.
+  Expect_Failure("view http://eve:secret@" + site.host + "/no", "can't read " + name + "/no: the server answered 404");
+  Expect_Failure("info " + name + "/loop", "redirects");
+}
+
+TEST_F(SourceTest, UserAndPasswordAreGivenAndNotShown) {
+  const auto md5 = [](const std::string& text) { return Shell("printf %s '" + text + "' | md5sum").substr(0, 32); };
+  const auto answer_if = [&](bool right, const char* demand, auto& request, auto& answer) {
+    if (right) return serve(request, answer);
+    answer.status = 401;
+    answer.set_header("WWW-Authenticate", demand);
+  };
+  server.Get("/basic", [&](auto& request, auto& answer) {
+    const std::string given = request.get_header_value("Authorization");
+    answer_if(given == "Basic YWRhOnNlQGNyZXQ=", "Basic realm=\"cam\"", request, answer);
+  });
+  server.Get("/digest", [&](auto& request, auto& answer) {
+    const std::string given = request.get_header_value("Authorization");
+    char cnonce[100] = "", nc[9] = "", response[33] = "";
+    std::sscanf(given.c_str() + std::min(given.find("cnonce="), given.size()),
+                "cnonce=\"%99[^\"]\", nc=%8[0-9], qop=auth, response=\"%32[0-9a-f]", cnonce, nc, response);
+    const bool right = response == md5(md5("ada:cam:se@cret") + ":n1:" + nc + ":" + cnonce + ":auth:" + md5("GET:/digest"));
+    answer_if(right, R"(Digest realm="cam", nonce="n1", qop="auth", algorithm=MD5)", request, answer);
+  });
+  const Site site(server);
+  for (const std::string path : {"/basic", "/digest"}) {
+    Expect_Sample("http://ada:se%40cret@" + site.host + path);
+    setenv("VELARTO_USER", "ada", 1);
+    setenv("VELARTO_PASSWORD", "se@cret", 1);
+    Expect_Sample("http://" + site.host + path);
+    unsetenv("VELARTO_USER");
+    unsetenv("VELARTO_PASSWORD");
+    for (const std::string user : {"", "ada:wrong@"}) {
+      Expect_Failure("info http://" + user + site.host + path, "read http://" + site.host + path + ": the server answered 401");
+    }
+  }
+  EXPECT_EQ(Source_Title("HTTPS://a:b@c@host:80/x@y?z"), "HTTPS://host:80/x@y?z");
+  EXPECT_EQ(Source_Title("http://a:p/q@host/"), "http://host/");
+  EXPECT_EQ(Source_Title("http://[::1]:80/x@y"), "http://[::1]:80/x@y");
+}
+
+TEST_F(SourceTest, AnUnknownCertificateIsRefused) {
+  const std::string key = folder / "key", certificate = folder / "cert";
+  Shell("openssl req -x509 -newkey rsa:2048 -nodes -subj /CN=127.0.0.1 -keyout " + key + " -out " + certificate + " 2>&1");
+  httplib::SSLServer secure(certificate.c_str(), key.c_str());
+  secure.Get("/", serve);
+  Expect_Failure("info https://" + Site(secure).host, "self-signed certificate");
+}
+
+std::vector<std::string> Taken_Apart(const std::string& type, const std::string& text, size_t piece) {
+  Multipart parts;
+  EXPECT_TRUE(Multipart_Type(type, &parts.boundary));
+  std::vector<std::string> found;
+  std::span<const uint8_t> body;
+  for (size_t at = 0; at < text.size(); at += piece) {
+    Multipart_Add(&parts, {(const uint8_t*)&text[at], std::min(piece, text.size() - at)});
+    while (Multipart_Next(&parts, &body)) found.emplace_back(body.begin(), body.end());
+    EXPECT_LE(parts.held.size(), LargestPart + 2 * piece);
+  }
+  return found;
+}
+
+TEST(Multipart, SpellingsAndPiecesChangeNothing) {
+  const std::vector<std::string> bodies = {"alpha", "\r\n--fo\nx--foo!", std::string("\0\xFF\n\n", 4), "-"};
+  for (const char* const type :
+       {"multipart/x-mixed-replace;boundary=foo", "Multipart/M; a=b; BOUNDARY = \"--foo\"; c", "multipart/x"}) {
+    for (int spelling = 0; spelling < 4; ++spelling) {
+      const std::string end = spelling & 1 ? "\n" : "\r\n";
+      std::string text = "hello" + end;
+      for (const std::string& body : bodies) {
+        text += "--foo" + end + "Content-Type: image/jpeg" + end;
+        if (spelling & 2) text += "CONTENT-LENGTH:  " + std::to_string(body.size()) + end;
+        text += end + body + end;
+      }
+      for (const size_t piece : {1u, 2u, 3u, 11u, 1000u})
+        EXPECT_EQ(Taken_Apart(type, text + "--foo--", piece), bodies) << type << spelling;
+    }
+  }
+}
+
+TEST(Multipart, WhatHasNoEndIsNotKept) {
+  const std::string endless(3 * LargestPart, 'y'), good = "\n--foo\n\nwell\n--foo\n";
+  for (const std::string start : {"", "--foo\r\n", "--foo\r\n\r\n", "--foo\r\nContent-Length: 99999999\r\n\r\n"}) {
+    EXPECT_EQ(Taken_Apart("multipart/x; boundary=foo", start + endless + good, 65536), std::vector<std::string>({"well"}))
+        << start;
+  }
+}
+
+TEST_F(SourceTest, PicturesOfOtherCamerasBecomeFrames) {
+  std::string tables, error;
+  for (int i = 0; i < 128; ++i) tables += i % 64 == 0 ? "16\n" : "20 ";  // The first entry says quality 50.
+  Write("tables", tables);
+  const std::string part = folder / "part.jpg", own = "-qtables " + (folder / "tables").string() + " -qslots 0,1,1";
+  for (const std::string maker : {"-quality 75", "-quality 40", "-quality 98", "-progressive", "-sample 1x1", "-optimize",
+                                  "-restart 1", "-grayscale", own.c_str(), "-quality 75 | jpegtran -crop 150x100+0+0"}) {
+    Shell("djpeg " + Data_Path("scene-q75.jpg") + " | cjpeg " + maker + " > " + part);
+    const Bytes jpeg = ::Read_File(part);
+    Bytes frame, none;
+    PartConverter converter;
+    ASSERT_TRUE(Part_To_Frame(&converter, jpeg, &frame)) << maker;
+    EXPECT_EQ(frame == jpeg, maker == "-quality 75" || maker == "-quality 40") << maker;
+    Picture picture;
+    ASSERT_TRUE(Jpeg_Read(jpeg, &picture, &error)) << error;
+    picture = Picture_Coded_Part(std::move(picture));
+    const DecoderPtr decoder = Headless_Decoder(16, 16);
+    ASSERT_EQ(Push(decoder.get(), frame), (int32_t)frame.size());
+    const Bytes shown = Current_Picture(decoder.get());
+    ASSERT_EQ(shown.size(), picture.pixels.size() + 54);
+    picture.pixels.insert(picture.pixels.begin(), 54, 0);
+    for (const double psnr : Psnr(shown, picture.pixels)) EXPECT_GT(psnr, 30) << maker;
+    EXPECT_FALSE(Part_To_Frame(&converter, {jpeg.data(), jpeg.size() - 500}, &none)) << maker;
+    EXPECT_FALSE(Part_To_Frame(&converter, Bytes(3000, 'x'), &none));
+    EXPECT_TRUE(none.empty());
+  }
+}
+
+TEST_F(SourceTest, ABrokenConnectionIsMadeAnew) {
+  const std::string first = Stretch(0, 2), rest = Stretch(5, 9).substr(100);
+  for (const std::string scheme : {"http", "tcp"}) {
+    const auto give = [&](int client, const std::string& bytes) {
+      scheme == "tcp" ? (void)Send(client, bytes) : Answer(client, bytes);
+    };
+    const RudeServer rude({[&](int client) { give(client, Stretch(0, 3).substr(0, first.size() + 500)); },
+                           [&](int client) { give(client, rest), Await(client); }});
+    const Outcome outcome = Run("record " + rude.Name(scheme) + " -o live --frames 7");
+    EXPECT_EQ(outcome.code, 0);
+    const std::string line = "velarto: " + rude.Name(scheme) + ": the connection ";
+    EXPECT_EQ(outcome.err, line + "was lost (the other side ended it); trying again\n" + line + "is back\n");
+    EXPECT_TRUE(::Read_File(folder / "live") == first + rest);
+  }
+}
+
+TEST_F(SourceTest, RecordEndsOnASignalBehindTheLastWholeFrame) {
+  const std::string first = Stretch(0, 2), path = folder / "live";
+  const RudeServer rude({[&](int client) { Answer(client, Stretch(0, 3).substr(0, first.size() + 500)), Await(client); }});
+  const std::string name = rude.Name("http");
+  const char* const line[] = {VELARTO_TOOL_PATH, "record", name.c_str(), "-o", path.c_str(), nullptr};
+  pid_t process = 0;
+  ASSERT_EQ(posix_spawn(&process, VELARTO_TOOL_PATH, nullptr, nullptr, const_cast<char* const*>(line), environ), 0);
+  while (::Read_File(fs::path(path)).size() < first.size()) std::this_thread::yield();
+  const auto begin = std::chrono::steady_clock::now();
+  kill(process, SIGINT);
+  int status = -1;
+  waitpid(process, &status, 0);
+  EXPECT_EQ(status, 0);
+  EXPECT_LT(std::chrono::steady_clock::now() - begin, StallTimeOut / 2);
+  EXPECT_TRUE(::Read_File(fs::path(path)) == first);
+}
+
+TEST_F(SourceTest, FailuresAreOneLine) {
+  Write("empty", "");
+  Expect_Failure("record empty -o none", "no frame found in empty");
+  Expect_Failure("record empty -o ./empty", "./empty is the source itself");
+  Expect_Failure("record " + sample + " -o /dev/full", "can't write /dev/full: No space left on device");
+  EXPECT_TRUE(Run("record " + sample + " -o - --frames 3").out == Stretch(0, 2));
+  EXPECT_EQ(Pictures(), std::vector<std::string>({"empty"}));
+  const RudeServer rude({[](int client) {
+    for (bool sent = Send(client, "HTTP/1.0 200 OK\r\n"); sent;)
+      sent = Send(client, "Endless: " + std::string(1000, 'x') + "\r\n");
+  }});
+  Expect_Failure("info " + rude.Name("http"), "the head of the response has no end");
+}
+
+}  // namespace
