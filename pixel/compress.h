@@ -9,8 +9,8 @@
 int32_t Codec_Compress_RGB888(JdecCodec* codec, int32_t quality, const uint8_t* pixels, uint32_t ignored, uint8_t* buffer,
                               int32_t capacity, int32_t withMarkers, int32_t doubleRows);
 
-/** The front half of that: the picture's coefficients, at the codec's planes. quality, pixels and doubleRows as there. 0 when memory
- *  can't be had. */
+/** The front half of that: the picture's coefficients, at the codec's planes. quality, pixels and doubleRows as there. 0 when
+ * memory can't be had. */
 int32_t Codec_Transform_RGB888(JdecCodec* codec, int32_t quality, const uint8_t* pixels, bool doubleRows);
 
 /** The back half: the coefficients at the codec's planes as a frame in its store, JFIF with markers, else compact. Gives the
