@@ -33,6 +33,34 @@ void VELARTO_CDECL decoder_free(JdecDecoder* decoder) {
   if (decoder) JDEC_Free(decoder);
 }
 
+void VELARTO_CDECL decoder_enable_MD(JdecDecoder* decoder, int32_t value) {
+  if (decoder) JDEC_enable_MD(decoder, value);
+}
+
+void VELARTO_CDECL decoder_set_MD_color(int32_t which) { JDEC_set_MD_color(which); }
+
+void VELARTO_CDECL decoder_set_MD_area(JdecDecoder* decoder, int32_t column, int32_t row, int32_t marked) {
+  if (decoder) JDEC_set_MD_area(decoder, column, row, marked);
+}
+
+void VELARTO_CDECL decoder_set_MD_area_2(JdecDecoder* decoder, int32_t left, int32_t top, int32_t width, int32_t height,
+                                         int32_t unused) {
+  if (decoder) JDEC_set_MD_area_2(decoder, left, top, width, height, unused);
+}
+
+void VELARTO_CDECL decoder_show_rectangle(JdecDecoder* decoder, int32_t x, int32_t y, int32_t width, int32_t height,
+                                          int32_t hide) {
+  if (decoder) JDEC_show_rectangle(decoder, x, y, width, height, hide);
+}
+
+void VELARTO_CDECL decoder_set_ptz_bmp(JdecDecoder* decoder, VelartoBitmap bitmap) {
+  if (decoder) JDEC_set_ptz_bmp(decoder, bitmap);
+}
+
+void VELARTO_CDECL decoder_register_draw_callback(JdecDecoder* decoder, VelartoDrawCallback callback, uintptr_t user) {
+  if (decoder) JDEC_register_draw_callback(decoder, callback, user);
+}
+
 int32_t VELARTO_CDECL decoder_get_decompressed_bitmap_ex2(JdecDecoder* decoder, uint8_t* buffer, int32_t capacity) {
   return decoder ? JDEC_get_decompressed_bitmap_ex2(decoder, buffer, capacity) : 0;
 }

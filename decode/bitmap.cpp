@@ -1,7 +1,7 @@
 /* The current picture for callers: the raster as it stands, or a BMP file made from the planes (velarto.h). */
 #include "decode/buffers.h"
 #include "decode/decoder.h"
-#include "display/context.h"
+#include "display/palette.h"
 #include "pixel/convert.h"
 
 #include <cstring>
@@ -56,8 +56,9 @@ uint8_t* VELARTO_CDECL JDEC_get_decompressed_bitmap(JdecDecoder* decoder) {
   return decoder ? Raster_Store(decoder->codec->raster) : nullptr;
 }
 
-uint8_t* VELARTO_CDECL JDEC_get_decompressed_bitmap_ex(JdecDecoder* decoder, int32_t* format, uint8_t* /*palette*/) {
+uint8_t* VELARTO_CDECL JDEC_get_decompressed_bitmap_ex(JdecDecoder* decoder, int32_t* format, uint8_t* palette) {
   if (!decoder) return nullptr;
+  Display_Export_Palette(decoder->display, reinterpret_cast<PALETTEENTRY*>(palette));
   if (format) *format = Raster_Format(decoder);
   return Raster_Store(decoder->codec->raster);
 }

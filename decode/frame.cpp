@@ -6,6 +6,7 @@
 #include "decode/watermark.h"
 #include "display/present.h"
 #include "pixel/convert.h"
+#include "pixel/dither.h"
 
 /** What a frame's head says. */
 struct FrameHead {
@@ -37,7 +38,10 @@ static void Transform_Planes(const JdecCodec* codec, int32_t width, int32_t heig
 /** From the planes to the window. */
 static void Show_Planes(JdecDecoder* decoder) {
   const JdecCodec* const codec = decoder->codec;
-  Convert_Planes(decoder->display->pixelFormat, codec->planes, codec->raster);
+  RECT client = {};
+  GetClientRect(decoder->display->window, &client);
+  const DitherMode mode = client.right - client.left < decoder->width ? DitherShrink : DitherNormal;
+  Convert_Planes(decoder->display->pixelFormat, codec->planes, codec->raster, mode);
   Display_Present(decoder->display, codec->raster, 0, 0, decoder->width, decoder->height, decoder->mdMode);
 }
 

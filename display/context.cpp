@@ -2,16 +2,18 @@
 
 #include "decode/buffers.h"
 #include "display/monitors.h"
-#include "overlay/color_key.h"
+#include "display/palette.h"
+#include "overlay/lines.h"
+#include "overlay/motion_area.h"
 #include "pixel/convert.h"
 
 #include "platform/win32.h"
 
+#include <algorithm>
+
 namespace {
 
-/** Colours of the fixed palette; bitmapInfo has a slot for each. */
-constexpr int32_t PaletteColors = 240;
-constexpr size_t BitmapInfoSize = sizeof(BITMAPINFOHEADER) + PaletteColors * sizeof(RGBQUAD);
+constexpr size_t BitmapInfoSize = sizeof(BITMAPINFOHEADER) + PaletteSlots * sizeof(RGBQUAD);
 constexpr DWORD RedMask555 = 0x7C00, RedMask565 = 0xF800;
 
 constexpr char depthCaption[] = "PLUGIN";
@@ -39,8 +41,8 @@ BITMAPINFO* Bitmap_Info_New(HWND window, int32_t width, int32_t height) {
   header.biWidth = width;
   header.biHeight = height;
   header.biCompression = BI_RGB;
-  header.biClrUsed = PaletteColors;
-  header.biClrImportant = PaletteColors;
+  header.biClrUsed = PaletteSlots;
+  header.biClrImportant = PaletteSlots;
   if (const HDC dc = GetDC(window)) {
     header.biPlanes = static_cast<WORD>(GetDeviceCaps(dc, PLANES));
     header.biBitCount = static_cast<WORD>(GetDeviceCaps(dc, BITSPIXEL));
@@ -92,6 +94,7 @@ bool Open_DirectDraw(JdecDisplay* display) {
   const int32_t format = Surface_Format(display->displayBits, description.ddpfPixelFormat.dwRBitMask);
   if (format < 0) return false;
   display->pixelFormat = format;
+  Lines_Select(display->displayBits);
 
   return SUCCEEDED(IDirectDraw_CreateClipper(display->ddraw, 0, &display->clipper, nullptr)) &&
          SUCCEEDED(IDirectDrawClipper_SetHWnd(display->clipper, 0, display->window)) &&
@@ -114,10 +117,11 @@ HRESULT Create_Offscreen(JdecDisplay* display, int32_t width, int32_t height) {
 }
 
 /** What the DirectDraw form alone has beside its surfaces. */
-bool Create_Overlay_State(JdecDisplay* display) {
+bool Create_Overlay_State(JdecDisplay* display, int32_t width, int32_t height) {
+  Display_Build_Palette(display);
   display->motionCells = static_cast<uint8_t*>(Arena_Alloc_Zeroed(MotionColumns * MotionRows));
   if (!display->motionCells) return false;
-  Set_Color_Key(display->offscreenSurface, RGB(0, 0, 0), display->keyRow);
+  Load_Template_Bitmap(display->offscreenSurface, width, height, display->displayBits, display->keyRow);
   display->lock = CreateMutexA(nullptr, FALSE, nullptr);
   return display->lock != nullptr;
 }
@@ -133,7 +137,7 @@ bool Choose_Form(JdecDisplay* display, int32_t width, int32_t height) {
     Display_Use_GDI(display);
     return true;
   }
-  return Create_Overlay_State(display);
+  return Create_Overlay_State(display, width, height);
 }
 
 BOOL CALLBACK Count_Attached_Device(GUID*, LPSTR, LPSTR, LPVOID count, HMONITOR) {
@@ -151,10 +155,9 @@ using EnumerateDevices = HRESULT(WINAPI*)(BOOL(CALLBACK*)(GUID*, LPSTR, LPSTR, L
 }  // namespace
 
 SurfaceLayout Surface_Layout(int32_t width, int32_t height) {
-  if (width == 640) {
-    return height == 480 ? SurfaceLayout{480, 480 + PtzStripRows, 1596} : SurfaceLayout{240, 240 + PtzStripRows, 858};
-  }
-  return {height, height + PtzStripRows, 3 * height + 138};
+  if (width != 640) return {height, height + PtzStripRows, 3 * height + 138, height, 2 * height};
+  if (height == 480) return {480, 480 + PtzStripRows, 1596, 480, 960};
+  return {240, 240 + PtzStripRows, 858, std::clamp(480 - height, 0, height), 480};
 }
 
 JdecDisplay* Display_Create(HWND window, int32_t width, int32_t height) {
@@ -185,8 +188,10 @@ void Display_Destroy(JdecDisplay* display) {
     if (display->primarySurface) IDirectDrawSurface_Release(display->primarySurface);
     if (display->offscreenSurface) IDirectDrawSurface_Release(display->offscreenSurface);
     if (display->clipper) IDirectDrawClipper_Release(display->clipper);
+    if (display->ddPalette) IDirectDrawPalette_Release(display->ddPalette);
     IDirectDraw_Release(display->ddraw);
   }
+  Display_Free_Palette(display);
   if (display->lock) CloseHandle(display->lock);
   Arena_Free(display->bitmapInfo);
   Arena_Free(display->motionCells);
@@ -211,6 +216,7 @@ JdecDisplay* Display_Use_GDI(JdecDisplay* display) {
     default:
       break;
   }
+  Display_Build_Palette(display);
   return display;
 }
 

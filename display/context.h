@@ -8,8 +8,7 @@
 
 #include "decode/decoder.h"
 
-/** Called with the window and the caller's value after a frame has reached the screen. */
-using DrawCallback = void (*)(HWND window, uintptr_t user);
+using DrawCallback = VelartoDrawCallback;
 
 constexpr int32_t MotionColumns = 20, MotionRows = 15;
 /** Rows of the off-screen surface kept for the PTZ bitmap. */
@@ -47,11 +46,14 @@ struct JdecDisplay {
   char motionString[256];
 };
 
-/** Height of the off-screen surface and of its position strip for a picture of that size, and the rows it leaves to strips. */
+/** The off-screen surface for a picture of some size: below the picture the motion-area layer, the template's strips, the PTZ strip and
+ *  the position strip. At pictures 640 wide only heights of 240 and 480 leave the layer all the rows that the picture has. */
 struct SurfaceLayout {
-  int32_t posHeight;
-  int32_t keyRow;
-  int32_t surfaceHeight;
+  int32_t posHeight;      ///< Rows of the position strip.
+  int32_t keyRow;         ///< Rows of the PTZ and position strips.
+  int32_t surfaceHeight;  ///< All rows.
+  int32_t layerRows;      ///< Rows of the layer: as many as the picture has, or fewer.
+  int32_t stripRow;       ///< The first row of the template's strips.
 };
 SurfaceLayout Surface_Layout(int32_t width, int32_t height);
 

@@ -1,10 +1,10 @@
 #include "display/present.h"
 
-#include "decode/buffers.h"
 #include "display/monitors.h"
+#include "display/present_gdi.h"
+#include "display/statistics.h"
 #include "overlay/color_key.h"
 #include "overlay/motion_search.h"
-#include "pixel/convert.h"
 
 #include "platform/win32.h"
 
@@ -20,11 +20,6 @@ constexpr LONG PtzMargin = 20;
 /** Restores in one frame: surfaces that are lost again each time must not hold the caller up. */
 constexpr int32_t MostRestores = 16;
 
-/** The part of the picture to show. */
-struct PicturePart {
-  int32_t x, y, width, height;
-};
-
 SIZE Surface_Size(IDirectDrawSurface* surface) {
   DDSURFACEDESC description = {};
   description.dwSize = sizeof description;
@@ -32,59 +27,6 @@ SIZE Surface_Size(IDirectDrawSurface* surface) {
   if (FAILED(IDirectDrawSurface_GetSurfaceDesc(surface, &description))) return {};
   return {static_cast<LONG>(description.dwWidth), static_cast<LONG>(description.dwHeight)};
 }
-
-/* ---- GDI path ---- */
-
-/** GDI's rows start at multiples of 4 bytes, a raster's don't. Gives null without memory; freed by Arena_Free. */
-uint8_t* Aligned_Copy(const JdecRaster* raster) {
-  const auto pitch = static_cast<size_t>(raster->pitch);
-  const size_t alignedPitch = (pitch + 3) & ~size_t{3};
-  auto* copy = static_cast<uint8_t*>(Arena_Alloc(alignedPitch * static_cast<size_t>(raster->height), nullptr));
-  if (!copy) return nullptr;
-  uint8_t* row = copy;
-  for (int32_t i = raster->height; i-- > 0; row += alignedPitch) std::memcpy(row, raster->rows[i], pitch);
-  return copy;
-}
-
-/** A header for 5-6-5 pixels; without masks GDI takes 16 bits for 5-5-5. */
-struct MaskedHeader {
-  BITMAPINFOHEADER header;
-  DWORD masks[3];
-};
-
-MaskedHeader Header_565(const BITMAPINFO* info) {
-  MaskedHeader masked = {info->bmiHeader, {0xF800, 0x07E0, 0x001F}};
-  masked.header.biCompression = BI_BITFIELDS;
-  masked.header.biClrUsed = 0;
-  masked.header.biClrImportant = 0;
-  return masked;
-}
-
-void Stretch_To_Window(const JdecDisplay* display, const JdecRaster* raster, const uint8_t* bits, const PicturePart& part,
-                       SIZE target) {
-  const HDC dc = GetDC(display->window);
-  if (!dc) return;
-  const MaskedHeader masked = Header_565(display->bitmapInfo);
-  const auto* info = display->pixelFormat == PixelRgb565 ? reinterpret_cast<const BITMAPINFO*>(&masked) : display->bitmapInfo;
-  const int32_t rowsBelow = raster->height - part.y - part.height;  // Source rows count from the bottom.
-  SetStretchBltMode(dc, HALFTONE);
-  StretchDIBits(dc, 0, 0, target.cx, target.cy, part.x, rowsBelow, part.width, part.height, bits, info, DIB_RGB_COLORS, SRCCOPY);
-  ReleaseDC(display->window, dc);
-}
-
-void Present_GDI(const JdecDisplay* display, const JdecRaster* raster, const PicturePart& part, SIZE target) {
-  if (!raster) return;
-  if (raster->pitch % 4 == 0) {
-    Stretch_To_Window(display, raster, raster->rows[raster->height - 1], part, target);
-    return;
-  }
-  uint8_t* aligned = Aligned_Copy(raster);
-  if (!aligned) return;
-  Stretch_To_Window(display, raster, aligned, part, target);
-  Arena_Free(aligned);
-}
-
-/* ---- DirectDraw path ---- */
 
 /** One axis of a copy at 1:1. */
 struct Span {
@@ -114,7 +56,8 @@ HRESULT Blt_Overlay(IDirectDrawSurface* surface, Span columns, Span rows, int32_
 /** Lays the motion-area layer over the frame. False drops the frame. */
 bool Show_Motion_Layer(JdecDisplay* display, int32_t width, int32_t height) {
   for (int32_t restores = 0; restores <= MostRestores;) {
-    const HRESULT result = Blt_Overlay(display->offscreenSurface, {0, 0, width}, {height, 0, height}, height);
+    const LONG rows = Surface_Layout(width, height).layerRows;
+    const HRESULT result = Blt_Overlay(display->offscreenSurface, {0, 0, width}, {height, 0, rows}, height);
     if (SUCCEEDED(result)) return true;
     if (result == DDERR_WASSTILLDRAWING) continue;
     if (result != DDERR_SURFACELOST || Display_Restore(display) == 0) return false;
@@ -184,12 +127,19 @@ void Call_Draw_Callback(JdecDisplay* display) {
   if (callback) callback(display->window, user);
 }
 
+void Draw_Statistics(JdecDisplay* display) {
+  if (display->showStatistics == 0) return;
+  Display_Draw_Fps_Text(display);
+  Display_Draw_Bitrate_Text(display);
+}
+
 void Present_DirectDraw(JdecDisplay* display, const JdecRaster* raster, const PicturePart& part, int32_t mdMode) {
   // A frame that could not be copied leaves the one before it, which is shown again.
   Display_Copy_Raster(display->offscreenSurface, raster);
   if (display->motionSearchEnabled != 0) Motion_Search_Draw(display, part.width);
   if (!Show_Layer(display, part.width, part.height, mdMode)) return;
   if (!Blt_To_Window(display, part)) return;
+  Draw_Statistics(display);
   Call_Draw_Callback(display);
 }
 
@@ -207,6 +157,7 @@ void Display_Present(JdecDisplay* display, JdecRaster* raster, int32_t x, int32_
   const PicturePart part = {x, y, width, height};
   if (display->useDirectDraw == 0 || onSecondary) {
     Present_GDI(display, raster, part, target);
+    Draw_Statistics(display);
   } else {
     Present_DirectDraw(display, raster, part, mdMode);
   }

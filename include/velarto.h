@@ -46,6 +46,12 @@ typedef struct JdecDecoder JdecDecoder;
 /** A window: on Windows an HWND, elsewhere a window of the portable window layer. */
 typedef struct HWND__* VelartoWindow;
 
+/** A bitmap: on Windows an HBITMAP, elsewhere one of the portable window layer. */
+typedef struct HBITMAP__* VelartoBitmap;
+
+/** Called with the decoder's window and the caller's value. */
+typedef void(VELARTO_CDECL* VelartoDrawCallback)(VelartoWindow window, uintptr_t user);
+
 /* ---- Library ------------------------------------------------------------------------------------------------- */
 
 /** Starts the library. Counted: each call wants a JDEC_Exit. Gives 1, always. */
@@ -167,6 +173,63 @@ int32_t* VELARTO_CDECL JDEC_Access_SrcRect(JdecDecoder* decoder, const int32_t* 
  *  rect is not read. */
 int32_t* VELARTO_CDECL JDEC_Access_DstRect(JdecDecoder* decoder, const int32_t* rect);
 
+/** Installs the palette of an 8-bit screen again: the answer to the system's palette messages. Nothing happens on other screens
+ * or without a display. */
+void VELARTO_CDECL JDEC_reload_palette(JdecDecoder* decoder);
+
+/* ---- Overlays ------------------------------------------------------------------------------------------------ */
+
+/* What lies over the picture in the window and never in the exported picture. Overlays exist in the DirectDraw form of the
+ * display; without it, or without a display, these operations do nothing and give 0 where they give anything. What a call draws
+ * shows with the next frame or repaint. A change of the picture's size starts all of them afresh but the draw callback.
+ * Coordinates may be any numbers: what lies outside is not drawn. */
+
+/** Shows the motion-area layer with any value but 0, which takes it away without erasing it. Bit 1 (mask 2) turns on, in the
+ * whole process, the mode in which the moving rectangle is shown and lines leave the layer's red alone; another value than 0
+ * turns it off. */
+void VELARTO_CDECL JDEC_enable_MD(JdecDecoder* decoder, int32_t value);
+
+/** Colour of the frame that JDEC_set_MD_area_2 draws from now on, in the whole process: 0 red, else blue. Red again when a
+ * display is made, and with each frame that shows a PTZ or position bitmap. */
+void VELARTO_CDECL JDEC_set_MD_color(int32_t which);
+
+/** Marks a cell of the grid with a hatch, or with marked 0 clears it. column 0 to 19 and row 0 to 14; values outside count as the
+ *  nearest. Cells are 16 by 16 pixels of the picture, 32 by 32 at 640x480, 32 by 16 at other pictures 640 wide. */
+void VELARTO_CDECL JDEC_set_MD_area(JdecDecoder* decoder, int32_t column, int32_t row, int32_t marked);
+
+/** Dims the whole picture but for a framed rectangle, in picture pixels (at 640x240 counted in 480 rows), moved back into the
+ * picture where it reaches out at the right or below. Grid and marked cells are gone then. The last argument is not used. */
+void VELARTO_CDECL JDEC_set_MD_area_2(JdecDecoder* decoder, int32_t left, int32_t top, int32_t width, int32_t height,
+                                      int32_t unused);
+
+/** Moves the rectangle, in a measure of 320 by 240 for pictures 640 wide too; hide other than 0 takes it away. Only in the mode
+ * that JDEC_enable_MD turns on. */
+void VELARTO_CDECL JDEC_show_rectangle(JdecDecoder* decoder, int32_t x, int32_t y, int32_t width, int32_t height, int32_t hide);
+
+/** Shows a bitmap, black being transparent, at the picture's lower right, 20 rows above its foot, while the motion-area layer is
+ * off. Of a bitmap higher than 120 rows or wider than the picture the upper left part is taken. A bitmap that was stored is
+ * deleted, so the handle is no longer the caller's. Null takes the bitmap away. */
+void VELARTO_CDECL JDEC_set_ptz_bmp(JdecDecoder* decoder, VelartoBitmap bitmap);
+
+/** Shows a bitmap of the picture's size, black being transparent, while the motion-area layer is off and no PTZ bitmap is set; a
+ * larger one is cut, around a smaller one nothing shows. Gives 1 when it was stored, and deleted; else 0, and it stays the
+ * caller's. Null takes the bitmap away and gives 0. */
+int32_t VELARTO_CDECL JDEC_set_pos_bmp(JdecDecoder* decoder, VelartoBitmap bitmap);
+
+/** Has callback called, on the thread that shows, after each frame that DirectDraw has brought to the screen; null ends that. The
+ *  callback may register another. It outlives changes of the picture's size. */
+void VELARTO_CDECL JDEC_register_draw_callback(JdecDecoder* decoder, VelartoDrawCallback callback, uintptr_t user);
+
+/** Shows (not 0) or hides the motion-search caption and rectangle, drawn in red into each shown frame. These three give 1; 0
+ * without a decoder or display. */
+int32_t VELARTO_CDECL JDEC_SetMotionSeachEnable(JdecDecoder* decoder, int32_t enable);
+
+/** The rectangle, in picture pixels. */
+int32_t VELARTO_CDECL JDEC_SetMotionSeachArea(JdecDecoder* decoder, int32_t left, int32_t top, int32_t right, int32_t bottom);
+
+/** The caption, centred at the picture's top: of a longer text 255 characters. 0 also for a null text. */
+int32_t VELARTO_CDECL JDEC_SetMotionSeachString(JdecDecoder* decoder, const char* text);
+
 /* ---- The vb_JDEC_ family --------------------------------------------------------------------------------------- */
 
 /* The operations of the same name without vb_, under the calling convention __stdcall. The two that lack the status word never
@@ -202,6 +265,16 @@ void VELARTO_CDECL decoder_draw_exit(JdecDecoder* decoder);
 int32_t* VELARTO_CDECL decoder_access_src_rect(JdecDecoder* decoder, const int32_t* rect);
 int32_t VELARTO_CDECL decoder_get_decompressed_bitmap_ex2(JdecDecoder* decoder, uint8_t* buffer, int32_t capacity);
 void VELARTO_CDECL decoder_get_dimension(JdecDecoder* decoder, int32_t* width, int32_t* height);
+
+void VELARTO_CDECL decoder_enable_MD(JdecDecoder* decoder, int32_t value);
+void VELARTO_CDECL decoder_set_MD_color(int32_t which);
+void VELARTO_CDECL decoder_set_MD_area(JdecDecoder* decoder, int32_t column, int32_t row, int32_t marked);
+void VELARTO_CDECL decoder_set_MD_area_2(JdecDecoder* decoder, int32_t left, int32_t top, int32_t width, int32_t height,
+                                         int32_t unused);
+void VELARTO_CDECL decoder_show_rectangle(JdecDecoder* decoder, int32_t x, int32_t y, int32_t width, int32_t height,
+                                          int32_t hide);
+void VELARTO_CDECL decoder_set_ptz_bmp(JdecDecoder* decoder, VelartoBitmap bitmap);
+void VELARTO_CDECL decoder_register_draw_callback(JdecDecoder* decoder, VelartoDrawCallback callback, uintptr_t user);
 
 /** JDEC_New with 320 by 240 pixels. */
 JdecDecoder* VELARTO_CDECL decoder_new(void);

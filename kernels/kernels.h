@@ -44,6 +44,13 @@ struct ColorTables {
   const int32_t* yccRgb;      ///< Four tables of 256: cbG, cbB, crR, crG.
 };
 
+/** What the dithering reads: quantisers of a sample plus a dither value, each giving its bits of the palette index in place. */
+struct DitherTables {
+  const uint8_t* y;   ///< By luma plus dither, 0 to 270.
+  const uint8_t* cb;  ///< By half of Cb plus dither, 0 to 142.
+  const uint8_t* cr;  ///< By half of Cr plus dither.
+};
+
 /** Decodes a row of `columns` macroblocks: of each, four luma blocks (two of `upper`, two of `lower`), one of `cb`, one of
  *  `cr`; every block is 64 coefficients in natural order, already zero. `predictors` are the DC values of luma, Cb and Cr so
  *  far, and are moved on. Each luma block's scan goes to `hook`, unless that is null. */
@@ -58,6 +65,11 @@ using IdctRowKernel = void (*)(const int32_t* blocks, int32_t count, const int16
 /** Two rows of pixels, 2 * pairs wide, from two rows of luma and the one row of Cb and Cr that they share. */
 using ConvertRowsKernel = void (*)(const ColorTables* tables, const uint8_t* yUpper, const uint8_t* yLower, const uint8_t* cb,
                                    const uint8_t* cr, uint8_t* outUpper, uint8_t* outLower, int32_t pairs);
+
+/** A row of palette indices, 2 * pairs of them, from as many luma samples and one Cb and one Cr sample a pair. matrixRow: the
+ * four dither values, 0 to 15, of the row's columns, over and over. */
+using DitherRowKernel = void (*)(const DitherTables* tables, const uint8_t* y, const uint8_t* cb, const uint8_t* cr,
+                                 const uint8_t* matrixRow, uint8_t* out, int32_t pairs);
 
 /** What the forward colour transform reads: eight tables of 256 in 16.16, rY, gY, bY, rCb, gCb, bCb, gCr, bCr. `count` pixels of
  *  B, G, R become one sample in each plane. */
@@ -81,6 +93,7 @@ struct Kernels {
   ConvertRowsKernel toRgb32;    ///< B, G, R, 0.
   ConvertRowsKernel toRgb565;   ///< Little-endian words.
   ConvertRowsKernel toRgb555;
+  DitherRowKernel ditherRow;
   ToYccRowKernel toYccRow;
   DownsampleRowKernel downsampleRow;
   ForwardRowKernel forwardRow;
@@ -108,6 +121,8 @@ void To_Rgb565_Plain(const ColorTables* tables, const uint8_t* yUpper, const uin
                      const uint8_t* cr, uint8_t* outUpper, uint8_t* outLower, int32_t pairs);
 void To_Rgb555_Plain(const ColorTables* tables, const uint8_t* yUpper, const uint8_t* yLower, const uint8_t* cb,
                      const uint8_t* cr, uint8_t* outUpper, uint8_t* outLower, int32_t pairs);
+void Dither_Row_Plain(const DitherTables* tables, const uint8_t* y, const uint8_t* cb, const uint8_t* cr,
+                      const uint8_t* matrixRow, uint8_t* out, int32_t pairs);
 void To_Ycc_Row_Plain(const int32_t* rgbYcc, const uint8_t* pixels, uint8_t* y, uint8_t* cb, uint8_t* cr, int32_t count);
 void Downsample_Row_Plain(const uint8_t* upper, const uint8_t* lower, uint8_t* out, int32_t pairs, int32_t evenBias,
                           int32_t oddBias);

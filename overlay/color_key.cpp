@@ -1,10 +1,8 @@
 #include "overlay/color_key.h"
 
-#include "platform/win32.h"
+#include "overlay/motion_state.h"
 
-std::atomic<uint32_t> mdColorFirst = 0;
-std::atomic<uint32_t> mdColorSecond = 0;
-std::atomic<uint32_t> mdColor = 0;
+#include "platform/win32.h"
 
 namespace {
 

@@ -3,14 +3,6 @@
 
 #include "display/context.h"
 
-#include <atomic>
-
-/* Colours of the motion area as pixels of the surface's format, 0 at first. One set for the process: each sampling of any
- * display's surface changes them for all. */
-extern std::atomic<uint32_t> mdColorFirst;   ///< Red.
-extern std::atomic<uint32_t> mdColorSecond;  ///< Blue.
-extern std::atomic<uint32_t> mdColor;        ///< Frames an area: one of the two.
-
 /** Makes a colour the surface's source key, by way of Sample_Colors. Gives the result of setting the key. */
 HRESULT Set_Color_Key(IDirectDrawSurface* surface, COLORREF color, int32_t keyRow);
 

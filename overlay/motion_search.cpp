@@ -32,6 +32,26 @@ void Draw_Outline(HDC dc, const RECT& rect) {
 
 }  // namespace
 
+int32_t VELARTO_CDECL JDEC_SetMotionSeachEnable(JdecDecoder* decoder, int32_t enable) {
+  if (!decoder || !decoder->display) return 0;
+  decoder->display->motionSearchEnabled = enable;
+  return 1;
+}
+
+int32_t VELARTO_CDECL JDEC_SetMotionSeachArea(JdecDecoder* decoder, int32_t left, int32_t top, int32_t right, int32_t bottom) {
+  if (!decoder || !decoder->display) return 0;
+  SetRect(&decoder->display->motionRect, left, top, right, bottom);
+  return 1;
+}
+
+int32_t VELARTO_CDECL JDEC_SetMotionSeachString(JdecDecoder* decoder, const char* text) {
+  if (!decoder || !decoder->display || !text) return 0;
+  auto& caption = decoder->display->motionString;
+  std::memset(caption, 0, sizeof caption);
+  for (size_t i = 0; i + 1 < sizeof caption && text[i] != 0; ++i) caption[i] = text[i];
+  return 1;
+}
+
 void Motion_Search_Draw(JdecDisplay* display, int32_t width) {
   const HFONT font = CreateFontA(CaptionHeight, CaptionWidth, 0, 0, FW_NORMAL, FALSE, FALSE, FALSE, DEFAULT_CHARSET,
                                  OUT_DEFAULT_PRECIS, CLIP_DEFAULT_PRECIS, PROOF_QUALITY, FIXED_PITCH | FF_MODERN, "Courier New");

@@ -1,5 +1,7 @@
 #include "pixel/color_tables.h"
 
+#include "pixel/dither.h"
+
 #include <array>
 
 namespace {
@@ -52,5 +54,8 @@ void Free_Range_Limit(const uint8_t* table) {
 
 void Init_RGB_YCC_Table() { rgbYccTable = rgbYccStore.data(); }
 void Free_RGB_YCC_Table() { rgbYccTable = nullptr; }
-void Init_YCC_RGB_Table() { yccRgbTable = yccRgbStore.data(); }
+void Init_YCC_RGB_Table() {
+  yccRgbTable = yccRgbStore.data();
+  Init_Dither_Tables();
+}
 void Free_YCC_RGB_Table() { yccRgbTable = nullptr; }

@@ -12,5 +12,6 @@ void YCC_To_RGB32(const JdecPlanes* planes, JdecRaster* raster);
 void YCC_To_RGB565(const JdecPlanes* planes, JdecRaster* raster);
 void YCC_To_RGB555(const JdecPlanes* planes, JdecRaster* raster);
 
-/** Converts by format; a raster of another depth than the format's stays as it was. */
-void Convert_Planes(int32_t pixelFormat, const JdecPlanes* planes, JdecRaster* raster);
+/** Converts by format; a raster of another depth than the format's stays as it was. ditherMode: a DitherMode, for palette
+ * indices. */
+void Convert_Planes(int32_t pixelFormat, const JdecPlanes* planes, JdecRaster* raster, int32_t ditherMode);

@@ -108,7 +108,8 @@ HRESULT IDirectDrawSurface_GetSurfaceDesc(IDirectDrawSurface* surface, DDSURFACE
 HRESULT IDirectDrawSurface_SetClipper(IDirectDrawSurface* surface, IDirectDrawClipper* clipper);
 /** The source key (DDCKEY_SRCBLT): pixels whose value lies in the range are left out by DDBLT_KEYSRC. Null takes it off. */
 HRESULT IDirectDrawSurface_SetColorKey(IDirectDrawSurface* surface, DWORD flags, DDCOLORKEY* key);
-/** On the primary surface of an 8-bit screen: the colours that the screen shows from now on. Keeps a reference. */
+/** On the primary surface of an 8-bit screen: the palette manager lays the entries behind the system's first ten, so that the
+ * screen's entry i shows entry i - 10 of the palette. Keeps a reference. */
 HRESULT IDirectDrawSurface_SetPalette(IDirectDrawSurface* surface, IDirectDrawPalette* palette);
 /** Gives the pixels of an off-screen surface at desc->lpSurface, of rect or with null of all of it, rows at desc->lPitch; rows
  * are longer than the picture is wide. DDERR_SURFACEBUSY while it is locked or has a DC out. The primary one can't be locked. */

@@ -15,6 +15,7 @@ HBRUSH__ whiteBrush{{GdiKind::Brush, true}, true, White}, blackBrush{{GdiKind::B
 HPEN__ whitePen{{GdiKind::Pen, true}, true, White}, blackPen{{GdiKind::Pen, true}, true, Black},
     nullPen{{GdiKind::Pen, true}, false, Black};
 HFONT__ systemFont{{GdiKind::Font, true}, 16, 8};
+HPALETTE__ systemPalette{{GdiKind::Palette, true}, {}};
 
 /** Puts `next` into the place of `slot`; gives what was there. */
 template <class Handle>
@@ -28,34 +29,6 @@ HGDIOBJ Exchange(Handle& slot, HGDIOBJ next) {
 void Fill_Rect(const DrawTarget& target, LONG left, LONG top, LONG right, LONG bottom, COLORREF color) {
   const POINT& origin = target.origin;
   Fill_Pixels(target.view, {left - origin.x, top - origin.y, right - origin.x, bottom - origin.y}, Swap_Color(color));
-}
-
-/** A bitmap as StretchDIBits is given it. */
-struct DibSource {
-  PixelView view;
-  uint32_t colors[256];
-};
-
-/** Reads a bitmap's header. Gives false for what is not provided for. */
-bool Describe_Dib(const void* bits, const BITMAPINFO* info, DibSource& source) {
-  const BITMAPINFOHEADER& header = info->bmiHeader;
-  const int32_t depth = header.biBitCount;
-  const bool knownDepth = depth == 8 || depth == 16 || depth == 24 || depth == 32;
-  const bool masked = header.biCompression == BI_BITFIELDS;
-  if (!knownDepth || header.biWidth < 1 || header.biHeight < 1 || header.biWidth > PixelLimit || header.biHeight > PixelLimit)
-    return false;
-  if (header.biCompression != BI_RGB && !(masked && depth == 16)) return false;
-  uint32_t masks[3] = {0x7C00, 0x3E0, 0x1F};
-  if (masked) std::memcpy(masks, info->bmiColors, sizeof masks);
-  const DWORD count = header.biClrUsed == 0 || header.biClrUsed > 256 ? 256 : header.biClrUsed;
-  for (DWORD i = 0; depth == 8 && i < count; ++i) {
-    const RGBQUAD& quad = info->bmiColors[i];
-    source.colors[i] = static_cast<uint32_t>(quad.rgbRed << 16 | quad.rgbGreen << 8 | quad.rgbBlue);
-  }
-  const ptrdiff_t pitch = (static_cast<ptrdiff_t>(header.biWidth) * depth / 8 + 3) & ~static_cast<ptrdiff_t>(3);
-  auto* top = static_cast<uint8_t*>(const_cast<void*>(bits)) + pitch * (header.biHeight - 1);  // only read from
-  source.view = {top, header.biWidth, header.biHeight, -pitch, {depth, masks[0], masks[1], masks[2], source.colors}};
-  return true;
 }
 
 }  // namespace
@@ -72,6 +45,7 @@ HDC Dc_Make(HWND window, IDirectDrawSurface* surface) {
   dc->font = &systemFont;
   dc->pen = &blackPen;
   dc->brush = &whiteBrush;
+  dc->palette = &systemPalette;
   Object_Made();
   return dc;
 }
@@ -84,6 +58,7 @@ void Dc_End(HDC dc) {
 }
 
 DrawTarget Dc_Target(HDC dc) {
+  if (dc->bitmap) return {};
   if (dc->surface && !dc->surface->primary) return {dc->surface->view, {0, 0}};
   HWND window = dc->surface ? Surface_Window(dc->surface) : dc->window;
   if (!Window_Find(window) || !Window_Shows(window)) return {};
@@ -110,25 +85,6 @@ int SetStretchBltMode(HDC dc, int mode) {
   const int before = dc->stretchMode;
   dc->stretchMode = mode;
   return before;
-}
-
-int StretchDIBits(HDC dc, int x, int y, int width, int height, int srcX, int srcY, int srcWidth, int srcHeight, const void* bits,
-                  const BITMAPINFO* info, UINT usage, DWORD operation) {
-  if (!dc || !bits || !info || usage != DIB_RGB_COLORS || operation != SRCCOPY) return 0;
-  for (const int number : {x, y, srcX, srcY})
-    if (number < -PixelLimit / 2 || number > PixelLimit / 2) return 0;
-  for (const int size : {width, height, srcWidth, srcHeight})
-    if (size < 1 || size > PixelLimit / 2) return 0;
-  DibSource source{};
-  if (!Describe_Dib(bits, info, source)) return 0;
-  const int32_t top = source.view.height - srcY - srcHeight;
-  const RECT part{srcX, top, srcX + srcWidth, top + srcHeight};
-  if (!Rect_Within(part, source.view.width, source.view.height)) return 0;
-  const DrawTarget target = Dc_Target(dc);
-  const LONG left = x - target.origin.x, upper = y - target.origin.y;
-  Copy_Pixels({target.view, {left, upper, left + width, upper + height}, source.view, part, dc->stretchMode == HALFTONE});
-  dc->changed = true;
-  return srcHeight;
 }
 
 HPEN CreatePen(int style, int width, COLORREF color) {
@@ -173,6 +129,10 @@ HGDIOBJ SelectObject(HDC dc, HGDIOBJ object) {
       return Exchange(dc->pen, object);
     case GdiKind::Brush:
       return Exchange(dc->brush, object);
+    case GdiKind::Bitmap:
+      return dc->window || dc->surface ? nullptr : Exchange(dc->bitmap, object);
+    case GdiKind::Palette:
+      break;  // SelectPalette
   }
   return nullptr;
 }
@@ -181,10 +141,18 @@ BOOL DeleteObject(HGDIOBJ object) {
   if (!object) return FALSE;
   const GdiObject* head = static_cast<GdiObject*>(object);
   if (head->stock) return TRUE;
-  if (head->kind == GdiKind::Font) {
-    delete static_cast<HFONT>(object);
-  } else {
-    delete static_cast<HPEN>(object);  // brushes are stock objects, all of them
+  switch (head->kind) {
+    case GdiKind::Font:
+      delete static_cast<HFONT>(object);
+      break;
+    case GdiKind::Bitmap:
+      delete static_cast<HBITMAP>(object);
+      break;
+    case GdiKind::Palette:
+      delete static_cast<HPALETTE>(object);
+      break;
+    default:
+      delete static_cast<HPEN>(object);  // brushes are stock objects, all of them
   }
   Object_Ended();
   return TRUE;
@@ -227,7 +195,7 @@ struct PixelPlace {
 };
 
 PixelPlace Find_Pixel(HDC dc, int x, int y) {
-  if (dc->window || dc->surface) {
+  if (dc->window || dc->surface || dc->bitmap) {
     const DrawTarget target = Dc_Target(dc);
     return {Pixel_At(target.view, x - target.origin.x, y - target.origin.y), target.view.format};
   }

@@ -9,6 +9,7 @@ constexpr int BITSPIXEL = 12, PLANES = 14;
 constexpr int COLORONCOLOR = 3, HALFTONE = 4;
 constexpr DWORD BI_RGB = 0, BI_BITFIELDS = 3;
 constexpr UINT DIB_RGB_COLORS = 0;
+constexpr DWORD CBM_INIT = 4;
 constexpr DWORD SRCCOPY = 0x00CC0020;
 constexpr int TRANSPARENT = 1, OPAQUE = 2;
 constexpr int FW_NORMAL = 400, FW_BOLD = 700;
@@ -51,12 +52,31 @@ struct PALETTEENTRY {
   BYTE peRed, peGreen, peBlue, peFlags;
 };
 
+struct LOGPALETTE {
+  WORD palVersion;
+  WORD palNumEntries;
+  PALETTEENTRY palPalEntry[1];  ///< palNumEntries of them.
+};
+
+struct BITMAP {
+  LONG bmType;
+  LONG bmWidth, bmHeight;
+  LONG bmWidthBytes;
+  WORD bmPlanes;
+  WORD bmBitsPixel;
+  LPVOID bmBits;
+};
+
 /** A DC of the window, or with null of the screen, which can be asked and read but shows nothing that is drawn on it. Null for a
  *  window that is none. With a null window it may be called from any thread. */
 HDC GetDC(HWND window);
 int ReleaseDC(HWND window, HDC dc);
 /** BITSPIXEL and PLANES of the screen: 24 and 1 where there is none. 0 for anything else. */
 int GetDeviceCaps(HDC dc, int index);
+
+/** A DC to copy a bitmap from: nothing can be drawn through it. Null without memory. dc is not looked at. */
+HDC CreateCompatibleDC(HDC dc);
+BOOL DeleteDC(HDC dc);
 
 /** HALFTONE smooths what StretchDIBits stretches, COLORONCOLOR repeats or leaves out pixels. Gives the mode before. */
 int SetStretchBltMode(HDC dc, int mode);
@@ -69,6 +89,29 @@ int SetStretchBltMode(HDC dc, int mode);
 int StretchDIBits(HDC dc, int x, int y, int width, int height, int srcX, int srcY, int srcWidth, int srcHeight, const void* bits,
                   const BITMAPINFO* info, UINT usage, DWORD operation);
 
+/** Copies a part of the bitmap in a memory DC, stretched to a rectangle, each pixel the nearest one, or with HALFTONE smoothed;
+ * operation is SRCCOPY. FALSE for anything else, for sizes below 1, and if the part reaches outside the bitmap. */
+BOOL StretchBlt(HDC dc, int x, int y, int width, int height, HDC source, int srcX, int srcY, int srcWidth, int srcHeight,
+                DWORD operation);
+
+/** A bitmap of the module's resources; name: its number, by MAKEINTRESOURCEA. Null if there is none. */
+HBITMAP LoadBitmapA(HMODULE module, LPCSTR name);
+/** A bitmap from what StretchDIBits takes; flags is CBM_INIT. Null for anything else, or without memory. */
+HBITMAP CreateDIBitmap(HDC dc, const BITMAPINFOHEADER* header, DWORD flags, const void* bits, const BITMAPINFO* info, UINT usage);
+/** Describes a bitmap in a BITMAP. Gives the bytes stored, or 0 for another kind of object or size. */
+int GetObjectA(HGDIOBJ object, int size, void* out);
+
+/* Palettes. An 8-bit screen shows 256 colours: the system's own twenty at both ends, and between them, from the eleventh on,
+ * those of the palette installed last. Other screens have none. */
+HPALETTE CreatePalette(const LOGPALETTE* palette);
+/** Puts a palette into the DC; gives the one before, or null for null. */
+HPALETTE SelectPalette(HDC dc, HPALETTE palette, BOOL background);
+/** Brings the colours of the DC's palette to an 8-bit screen, each of them once. Gives how many of the screen's colours changed.
+ */
+UINT RealizePalette(HDC dc);
+/** Reads colours of an 8-bit screen; gives how many, 0 on other screens. */
+UINT GetSystemPaletteEntries(HDC dc, UINT first, UINT count, PALETTEENTRY* entries);
+
 /** A font with cells of that height and character width, in pixels (width 0: the one that belongs to the height), in the one
  *  face there is, monospaced with the measures of Courier New. Heights below 1 are not provided for: null. All else is not looked
  *  at. Null without memory. */
@@ -79,9 +122,10 @@ HFONT CreateFontA(int height, int width, int escapement, int orientation, int we
 HPEN CreatePen(int style, int width, COLORREF color);
 /** The brushes and pens named above; null for anything else. They need not be deleted. */
 HGDIOBJ GetStockObject(int index);
-/** Puts a font, pen or brush into the DC; gives the one that it takes the place of, or null. */
+/** Puts a font, pen or brush into the DC, or a bitmap into a memory DC; gives the one that it takes the place of, or null. */
 HGDIOBJ SelectObject(HDC dc, HGDIOBJ object);
-/** Ends a font or pen; one that is selected must have been taken out before. Stock objects stay. FALSE for null. */
+/** Ends a font, pen, bitmap or palette; one that is selected must have been taken out before. Stock objects stay. FALSE for null.
+ */
 BOOL DeleteObject(HGDIOBJ object);
 
 /** Both give the value before. */

@@ -15,6 +15,7 @@ constexpr DWORD FILE_SHARE_READ = 1;
 constexpr DWORD FILE_SHARE_WRITE = 2;
 constexpr DWORD CREATE_ALWAYS = 2;
 constexpr DWORD OPEN_EXISTING = 3;
+#define MAKEINTRESOURCEA(number) (reinterpret_cast<LPCSTR>(static_cast<uintptr_t>(number)))
 constexpr DWORD FILE_ATTRIBUTE_NORMAL = 0x80;
 #define INVALID_HANDLE_VALUE (reinterpret_cast<HANDLE>(static_cast<intptr_t>(-1)))
 
@@ -59,6 +60,9 @@ BOOL ReadFile(HANDLE file, LPVOID data, DWORD bytes, DWORD* got, OVERLAPPED* ove
 HMODULE LoadLibraryA(LPCSTR name);
 HMODULE GetModuleHandleA(LPCSTR name);
 BOOL FreeLibrary(HMODULE module);
+/** Gives the module that the address lies in, which is always the one that this code lies in; flags are the two below. */
+constexpr DWORD GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT = 2, GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS = 4;
+BOOL GetModuleHandleExA(DWORD flags, LPCSTR address, HMODULE* module);
 FARPROC GetProcAddress(HMODULE module, LPCSTR name);
 
 /** Text for a debugger; Screen_Take_Debug_Output reads it. */

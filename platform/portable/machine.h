@@ -84,7 +84,7 @@ void Messages_Clear();
 
 /* ---- Device contexts and what is selected into them ----------------------------------------------------------------------- */
 
-enum class GdiKind { Font, Pen, Brush };
+enum class GdiKind { Font, Pen, Brush, Bitmap, Palette };
 
 /** Each GDI object starts with this. */
 struct GdiObject {
@@ -109,9 +109,21 @@ struct HBRUSH__ {
   COLORREF color;
 };
 
+struct HBITMAP__ {
+  GdiObject head;
+  int32_t width, height;
+  std::vector<uint32_t> colors;  ///< 0xRRGGBB, top row first.
+};
+
+struct HPALETTE__ {
+  GdiObject head;
+  std::vector<uint32_t> colors;  ///< 0xRRGGBB.
+};
+
 struct HDC__ {
   HWND window;                  ///< Window drawn in, or null.
   IDirectDrawSurface* surface;  ///< Surface drawn on, or null. With neither it is the screen's.
+  HBITMAP bitmap;               ///< Of a memory DC.
   bool changed;                 ///< Something was drawn.
   int stretchMode;
   COLORREF textColor;
@@ -119,7 +131,20 @@ struct HDC__ {
   HFONT font;
   HPEN pen;
   HBRUSH brush;
+  HPALETTE palette;
 };
+
+/** Brings colours to an 8-bit screen, from the eleventh on; gives how many of the screen's changed. */
+UINT Install_Colors(const uint32_t* colors, size_t count);
+
+/** A bitmap as StretchDIBits is given it. */
+struct DibSource {
+  PixelView view;
+  uint32_t colors[256];
+};
+
+/** Reads a bitmap's header. Gives false for what is not provided for. */
+bool Describe_Dib(const void* bits, const BITMAPINFO* info, DibSource& source);
 
 /** What the DC draws on at this moment. */
 struct DrawTarget {

@@ -14,7 +14,7 @@ struct HINSTANCE__ {
 
 namespace {
 
-HINSTANCE__ ddrawModule{"ddraw"}, userModule{"user32"};
+HINSTANCE__ ddrawModule{"ddraw"}, userModule{"user32"}, ownModule{"velarto"};
 
 struct NamedFunction {
   HMODULE module;
@@ -57,6 +57,11 @@ HMODULE LoadLibraryA(LPCSTR name) {
   HMODULE module = GetModuleHandleA(name);
   if (module == &ddrawModule && Step_Fails(ScreenStep::LoadDirectDraw)) return nullptr;
   return module;
+}
+
+BOOL GetModuleHandleExA(DWORD, LPCSTR, HMODULE* module) {
+  *module = &ownModule;
+  return TRUE;
 }
 
 BOOL FreeLibrary(HMODULE module) { return module != nullptr; }

@@ -3,7 +3,9 @@
 #include "platform/portable/kernel.h"
 #include "platform/portable/machine.h"
 
+#include <algorithm>
 #include <atomic>
+#include <iterator>
 #include <mutex>
 
 Machine machine;
@@ -40,10 +42,16 @@ std::vector<std::string> Take_Texts(std::vector<std::string>& list) {
   return taken;
 }
 
-/** Three bits of red and green, two of blue. */
+/** The system's twenty at both ends; between them three bits of red and green, two of blue. */
 void Set_Start_Colors() {
+  static constexpr uint32_t lower[] = {0x000000, 0x800000, 0x008000, 0x808000, 0x000080,
+                                       0x800080, 0x008080, 0xC0C0C0, 0xC0DCC0, 0xA6CAF0};
+  static constexpr uint32_t upper[] = {0xFFFBF0, 0xA0A0A4, 0x808080, 0xFF0000, 0x00FF00,
+                                       0xFFFF00, 0x0000FF, 0xFF00FF, 0x00FFFF, 0xFFFFFF};
   for (uint32_t i = 0; i < 256; ++i)
     machine.colors[i] = (i >> 5) * 255 / 7 << 16 | (i >> 2 & 7) * 255 / 7 << 8 | (i & 3) * 255 / 3;
+  std::copy(std::begin(lower), std::end(lower), machine.colors);
+  std::copy(std::begin(upper), std::end(upper), machine.colors + 246);
 }
 
 void Forget_All() {

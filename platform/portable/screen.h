@@ -47,6 +47,8 @@ enum class ScreenStep {
   CreateOffscreen,
   CreateOffscreenNull,  ///< Success, and a null pointer.
   CreatePalette,
+  LoadBitmap,
+  CreateCompatibleDC,
   RestorePrimary,
   RestoreOffscreen,
   LockOffscreen,

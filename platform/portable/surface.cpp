@@ -197,8 +197,7 @@ HRESULT IDirectDrawSurface_SetColorKey(IDirectDrawSurface* surface, DWORD flags,
 HRESULT IDirectDrawSurface_SetPalette(IDirectDrawSurface* surface, IDirectDrawPalette* palette) {
   Replace_Palette(surface, palette);
   if (!surface->primary || !palette || machine.setup.bits != 8) return DD_OK;
-  std::copy_n(palette->colors, 256, machine.colors);
-  for (HWND window : allWindows) Desktop_Pixels_Changed(window);
+  Install_Colors(palette->colors, 256);
   return DD_OK;
 }
 

@@ -34,17 +34,17 @@ inline Form Form_Of(const JdecDisplay* display) {
   return display->useDirectDraw ? DirectDrawForm : GdiForm;
 }
 
-struct Releaser {
+struct DisplayReleaser {
   void operator()(JdecDisplay* display) const { Display_Destroy(display); }
   void operator()(JdecRaster* raster) const { Arena_Free(raster); }
 };
-using Raster = std::unique_ptr<JdecRaster, Releaser>;
+using Raster = std::unique_ptr<JdecRaster, DisplayReleaser>;
 
 /** A screen, a window and the display opened in it. Fails the test when something is still alive at its end, or when anything
  *  was written beside the surface. */
 struct Machine : TestWindow {
   const int32_t aliveAtStart = Screen_Objects_Alive();
-  std::unique_ptr<JdecDisplay, Releaser> display;
+  std::unique_ptr<JdecDisplay, DisplayReleaser> display;
   int32_t frames = 0;  ///< That reached the screen, told by the callback.
 
   using TestWindow::TestWindow;

@@ -3,6 +3,7 @@
 
 #include "decode/buffers.h"
 #include "pixel/color_tables.h"
+#include "pixel/dither.h"
 #include "pixel/forward.h"
 #include "support/levels.h"
 #include "support/streams.h"
@@ -33,10 +34,10 @@ const struct {
 } formats[] = {{PixelRgb24, 24, "bgr24"}, {PixelRgb32, 32, "bgr32"}, {PixelRgb565, 16, "rgb565"}, {PixelRgb555, 16, "rgb555"}};
 
 /** The rows, top first, of a raster of 0xCC bytes with the planes converted into it. */
-Bytes Converted(int32_t format, int32_t bits, const JdecPlanes* planes) {
+Bytes Converted(int32_t format, int32_t bits, const JdecPlanes* planes, int32_t ditherMode = DitherNormal) {
   const RasterPtr raster(Raster_New(planes->yWidth, planes->yHeight, bits));
   memset(raster->rows[raster->height - 1], 0xCC, (size_t)raster->height * (size_t)raster->pitch);
-  Convert_Planes(format, planes, raster.get());
+  Convert_Planes(format, planes, raster.get(), ditherMode);
   Bytes rows;
   for (int32_t y = 0; y < raster->height; ++y) rows.insert(rows.end(), raster->rows[y], raster->rows[y] + raster->pitch);
   return rows;
@@ -75,6 +76,43 @@ TEST_F(Converters, EveryPairOfChromaValuesAndEverySmallSize) {
   }
 }
 
+/** Also of odd sizes each pixel is written: the last column and row take the chroma beside them. */
+TEST_F(Converters, DitherKeepsToLevelsAtEverySmallSize) {
+  Noise noise{5};
+  for (const uint32_t level : testLevels) {
+    kernels = Kernels_Select(level);
+    for (int32_t size = 2; size <= 70; ++size) {
+      const int32_t width = size, height = 81 % (size + 3) + 2;
+      const PlanesPtr planes(Planes_New(width, height, 4, 1));
+      for (int32_t y = 0; y < height; ++y) std::ranges::copy(noise.Some((size_t)width), planes->yRows[y]);
+      std::ranges::copy(noise.Some((size_t)(planes->cbWidth * planes->cbHeight)), planes->cbRows[0]);
+      std::ranges::copy(noise.Some((size_t)(planes->crWidth * planes->crHeight)), planes->crRows[0]);
+      const Bytes normal = Converted(PixelPalette8, 8, planes.get()),
+                  shrink = Converted(PixelPalette8, 8, planes.get(), DitherShrink);
+      int32_t different = 0;
+      for (int32_t i = 0; i < width * height; ++i) {
+        const int32_t x = i % width, y = i / width;
+        const int32_t cx = std::min(x / 2, planes->cbWidth - 1), cy = std::min(y / 2, planes->cbHeight - 1);
+        // The level at or below the sample, or the next one: between two of them the dither decides.
+        const auto near = [](int32_t step, double exact, int32_t least, int32_t most) {
+          return step >= std::clamp((int32_t)std::floor(exact), least, most) &&
+                 step <= std::clamp((int32_t)std::ceil(exact), least, most);
+        };
+        for (const int32_t index : {normal[(size_t)i], shrink[(size_t)i]}) {
+          ASSERT_TRUE(near(index >> 4, (planes->yRows[y][x] - 8) / 16.0, 1, 14) &&
+                      near(index >> 2 & 3, (planes->cbRows[cy][cx] / 2 - 40) / 16.0, 0, 3) &&
+                      near(index & 3, (planes->crRows[cy][cx] / 2 - 40) / 16.0, 0, 3))
+              << width << " x " << height << " at " << x << ", " << y;
+        }
+        different += normal[(size_t)i] != shrink[(size_t)i];
+      }
+      ASSERT_TRUE(different > 0 || height < 3 || width < 3);
+    }
+  }
+  const PlanesPtr thin(Planes_New(1, 9, 4, 1));
+  EXPECT_EQ(Converted(PixelPalette8, 8, thin.get()), Bytes(9, 0xCC));
+}
+
 TEST_F(Converters, PictureConvertedElsewhere) {
   const Bytes samples = Read_File(Data_Path("planes-48x16.yuv"));
   const PlanesPtr planes(Planes_New(48, 16, 4, 1));
@@ -82,6 +120,10 @@ TEST_F(Converters, PictureConvertedElsewhere) {
   memcpy(planes->cbRows[0], &samples[48 * 16], 2 * 24 * 8);
   for (const auto& [format, bits, extension] : formats) {
     EXPECT_EQ(Converted(format, bits, planes.get()), Read_File(Data_Path(std::string("planes-48x16.") + extension))) << extension;
+  }
+  for (const auto& [mode, name] : {std::pair{DitherNormal, "normal"}, {DitherShrink, "shrink"}}) {
+    const Bytes expected = Read_File(Data_Path(std::string("planes-48x16.dither-") + name));
+    EXPECT_EQ(Converted(PixelPalette8, 8, planes.get(), mode), expected) << name;
   }
 }
 

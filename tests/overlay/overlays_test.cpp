@@ -1,6 +1,7 @@
 #include "display/machine.h"
-#include "display/statistics.h"
 #include "overlay/color_key.h"
+#include "overlay/motion_state.h"
+#include "support/streams.h"
 
 #include <string>
 
@@ -119,14 +120,92 @@ TEST(ColorKey, ColoursAreSampledInEachDepth) {
   }
 }
 
-TEST(Statistics, TheBitRateTextIsCutAt31Characters) {
-  JdecDisplay display = {};
-  for (const std::string& text : {std::string(40, 'x'), std::string("123.45 Kb\n")}) {
-    Set_OSD_Text(&display, text.c_str());
-    std::string expected = text.substr(0, 31);
-    expected.resize(sizeof display.osdText);
-    EXPECT_EQ(std::string(display.osdText, sizeof display.osdText), expected);
+/** A bitmap of one colour with a black and a white corner. */
+HBITMAP Make_Bitmap(int32_t width, int32_t height, uint32_t color) {
+  std::vector<uint32_t> pixels(static_cast<size_t>(width * height), color);
+  pixels.front() = White;  // Lower left,
+  pixels.back() = Black;   // upper right.
+  BITMAPINFO info = {};
+  info.bmiHeader = {sizeof info.bmiHeader, width, height, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
+  return CreateDIBitmap(nullptr, &info.bmiHeader, CBM_INIT, pixels.data(), &info, DIB_RGB_COLORS);
+}
+
+struct Bitmaps : LibraryTest {
+  Machine machine{Screen_With(32), 320, 240};
+  JdecDecoder* const decoder = JDEC_New(320, 240);
+  const Raster green = Plain_Raster(320, 240, Green);
+
+  ~Bitmaps() override { JDEC_Free(decoder); }
+  uint32_t Shown(int32_t x, int32_t y) {
+    Display_Present(decoder->display, green.get(), 0, 0, 320, 240, 0);
+    return machine.Color(x, y);
   }
+};
+
+TEST_F(Bitmaps, AreStoredInTheirStripsAndDeleted) {
+  ASSERT_EQ(JDEC_Draw_Init(decoder, machine.handle), 1);
+  const int32_t alive = Screen_Objects_Alive();
+  JDEC_set_ptz_bmp(decoder, Make_Bitmap(100, 50, Red));
+  EXPECT_EQ((std::vector{Shown(319, 170), Shown(318, 170), Shown(220, 219), Shown(219, 219), Shown(319, 220)}),
+            (std::vector{Green, Red, White, Green, Green}));
+  EXPECT_EQ(JDEC_set_pos_bmp(decoder, Make_Bitmap(320, 240, Blue)), 1);
+  EXPECT_EQ(Shown(0, 0), Green) << "the PTZ bitmap alone shows";
+  JDEC_set_ptz_bmp(decoder, nullptr);
+  EXPECT_EQ((std::vector{Shown(0, 0), Shown(319, 0), Shown(0, 239)}), (std::vector{Blue, Green, White}));
+  EXPECT_EQ(JDEC_set_pos_bmp(decoder, Make_Bitmap(20, 10, Red)), 1);
+  EXPECT_EQ((std::vector{Shown(0, 0), Shown(20, 0), Shown(0, 10)}), (std::vector{Red, Green, Green})) << "nothing of the old one";
+  EXPECT_EQ(JDEC_set_pos_bmp(decoder, Make_Bitmap(400, 300, Red)), 1);
+  EXPECT_EQ(Shown(319, 239), Red);
+  EXPECT_EQ(JDEC_set_pos_bmp(decoder, nullptr), 0);
+  EXPECT_EQ(Shown(319, 239), Green);
+  JDEC_set_ptz_bmp(decoder, Make_Bitmap(400, 300, Blue));  // Cut to the strip.
+  EXPECT_EQ((std::vector{Shown(0, 100), Shown(319, 219), Shown(0, 99)}), (std::vector{Blue, Blue, Green}));
+  EXPECT_EQ(Screen_Objects_Alive(), alive) << "all of them deleted";
+
+  const HBITMAP kept = Make_Bitmap(5, 5, Red);
+  Screen_Fail(ScreenStep::SurfaceGetDC);
+  EXPECT_EQ(JDEC_set_pos_bmp(decoder, kept), 0);
+  JDEC_set_ptz_bmp(decoder, kept);
+  EXPECT_EQ(decoder->display->ptzEnabled + decoder->display->posEnabled, 0);
+  EXPECT_TRUE(DeleteObject(kept)) << "still the caller's";
+}
+
+TEST_F(Bitmaps, CallsWithoutASurfaceOrDisplayDoNothing) {
+  const HBITMAP kept = Make_Bitmap(5, 5, Red);
+  for (JdecDecoder* const on : {decoder, (JdecDecoder*)nullptr}) {
+    EXPECT_EQ(JDEC_set_pos_bmp(on, kept) + JDEC_SetMotionSeachEnable(on, 1) + JDEC_SetMotionSeachArea(on, 1, 2, 3, 4) +
+                  JDEC_SetMotionSeachString(on, "x"),
+              0);
+    JDEC_set_ptz_bmp(on, kept);
+    JDEC_register_draw_callback(
+        on, [](HWND, uintptr_t) {}, 1);
+  }
+  Screen_Set_Up(Screen_With(32, true));
+  ASSERT_EQ(JDEC_Draw_Init(decoder, machine.handle), 1);
+  ASSERT_EQ(decoder->display->useDirectDraw, 0);
+  EXPECT_EQ(JDEC_set_pos_bmp(decoder, kept), 0);
+  JDEC_set_ptz_bmp(decoder, kept);
+  JDEC_register_draw_callback(
+      decoder, [](HWND, uintptr_t) {}, 1);
+  EXPECT_EQ(decoder->display->drawCallbackUser, 1u);
+  EXPECT_EQ(Shown(0, 0), Green);
+  EXPECT_TRUE(DeleteObject(kept));
+}
+
+TEST_F(Bitmaps, MotionSearchAndCallbackAreSetByTheirCalls) {
+  ASSERT_EQ(JDEC_Draw_Init(decoder, machine.handle), 1);
+  static int32_t calls;
+  calls = 0;
+  JDEC_register_draw_callback(
+      decoder, [](HWND, uintptr_t user) { calls += static_cast<int32_t>(user); }, 7);
+  EXPECT_EQ(JDEC_SetMotionSeachEnable(decoder, 5) + JDEC_SetMotionSeachArea(decoder, 10, 60, 20, 70), 2);
+  EXPECT_EQ(JDEC_SetMotionSeachString(decoder, std::string(300, 'w').c_str()), 1);
+  EXPECT_EQ(std::string(decoder->display->motionString), std::string(255, 'w'));
+  EXPECT_EQ((std::vector{Shown(10, 60), Shown(11, 61)}), (std::vector{Red, Green}));
+  EXPECT_EQ(calls, 14);
+  JDEC_register_draw_callback(decoder, nullptr, 0);
+  Shown(0, 0);
+  EXPECT_EQ(calls, 14);
 }
 
 }  // namespace

@@ -1,0 +1,131 @@
+#include "display/palette.h"
+
+#include "decode/buffers.h"
+#include "pixel/convert.h"
+
+#include "platform/win32.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+
+namespace {
+
+constexpr int32_t PaletteSize = 256;
+/** In the DirectDraw table a colour stands this far below its index: the system's palette manager keeps the first ten entries of
+ * the screen for itself, and the table is laid behind them. */
+constexpr int32_t TableOffset = 10;
+/** PC_RESERVED and PC_NOCOLLAPSE: every entry keeps a place of its own. Also the filling of the unused ones. */
+constexpr uint8_t KeptEntry = 5;
+constexpr WORD PaletteVersion = 0x300;
+
+constexpr uint8_t Limited(int32_t value) { return static_cast<uint8_t>(std::clamp(value >> 16, 0, 255)); }
+
+using Table = std::array<PALETTEENTRY, PaletteSize>;
+
+/** All colours, each at its index less `offset`. */
+void Fill_Colors(Table* table, int32_t offset, uint8_t flags) {
+  for (int32_t i = FirstColor; i <= LastColor; ++i) {
+    PALETTEENTRY& entry = (*table)[static_cast<size_t>(i - offset)];
+    entry = Palette_Color(i);
+    entry.peFlags = flags;
+  }
+}
+
+void Build_DirectDraw(JdecDisplay* display) {
+  Table table;
+  std::memset(&table, KeptEntry, sizeof table);
+  Fill_Colors(&table, TableOffset, KeptEntry);
+  IDirectDraw_CreatePalette(display->ddraw, DDPCAPS_8BIT, table.data(), &display->ddPalette, nullptr);
+  if (display->ddPalette) IDirectDrawSurface_SetPalette(display->primarySurface, display->ddPalette);
+}
+
+/** A LOGPALETTE of full size. */
+struct LogicalPalette {
+  WORD palVersion = PaletteVersion;
+  WORD palNumEntries = PaletteSlots;
+  Table entries = {};
+};
+static_assert(sizeof(LogicalPalette) == 4 + 4 * PaletteSize);
+
+/** The colour slots of bitmapInfo as indices of 16 bits, one for each colour. */
+void Fill_Color_Indices(BITMAPINFO* info) {
+  uint16_t indices[LastColor + 1] = {};
+  for (int32_t i = FirstColor; i <= LastColor; ++i) indices[i] = static_cast<uint16_t>(i);
+  std::memcpy(info->bmiColors, indices, sizeof indices);
+}
+
+void Build_GDI(JdecDisplay* display) {
+  LogicalPalette logical;
+  Fill_Colors(&logical.entries, 0, 0);
+  Fill_Color_Indices(display->bitmapInfo);
+  const HDC dc = GetDC(display->window);
+  if (!dc) return;
+  display->gdiPalette = CreatePalette(reinterpret_cast<const LOGPALETTE*>(&logical));
+  if (display->gdiPalette) {
+    display->previousPalette = SelectPalette(dc, display->gdiPalette, FALSE);
+    RealizePalette(dc);
+  }
+  ReleaseDC(display->window, dc);
+}
+
+}  // namespace
+
+PALETTEENTRY Palette_Color(int32_t index) {
+  const int32_t cr = (index & 3) * 32 - 48, cb = (index >> 2 & 3) * 32 - 48;
+  const int32_t y = (index >> 4) * 1220944 - 610472;
+  // Blue's rounding differs from the others'.
+  return {Limited(104597 * cr + y + 0x8000), Limited(-53279 * cr - 25675 * cb + y + 0x8000), Limited(132201 * cb + y + 0x8012),
+          0};
+}
+
+void Display_Build_Palette(JdecDisplay* display) {
+  if (display->pixelFormat != PixelPalette8) return;
+  if (display->useDirectDraw) {
+    Build_DirectDraw(display);
+  } else {
+    Build_GDI(display);
+  }
+}
+
+void Display_Free_Palette(JdecDisplay* display) {
+  const HDC dc = display->previousPalette ? GetDC(display->window) : nullptr;
+  if (dc) {
+    SelectPalette(dc, display->previousPalette, FALSE);
+    ReleaseDC(display->window, dc);
+  }
+  // Only now is it sure not to be selected.
+  if (display->gdiPalette) DeleteObject(display->gdiPalette);
+  display->previousPalette = nullptr;
+  display->gdiPalette = nullptr;
+}
+
+void Display_Reload_Palette(JdecDisplay* display) {
+  if (!display || !display->window) return;
+  const HDC dc = GetDC(display->window);
+  if (display->useDirectDraw) {
+    if (display->ddPalette) IDirectDrawSurface_SetPalette(display->primarySurface, display->ddPalette);
+  } else if (dc) {
+    SelectPalette(dc, display->gdiPalette, FALSE);
+    if (RealizePalette(dc) != 0) InvalidateRect(display->window, nullptr, TRUE);
+  }
+  if (dc) ReleaseDC(display->window, dc);
+}
+
+int32_t Display_Export_Palette(const JdecDisplay* display, PALETTEENTRY* table) {
+  if (!display || !table || display->pixelFormat != PixelPalette8) return 0;
+  Table colors = {};
+  if (!display->useDirectDraw) {
+    Fill_Colors(&colors, 0, 0);
+  } else if (const HDC dc = GetDC(display->window)) {
+    GetSystemPaletteEntries(dc, 0, PaletteSize, colors.data());
+    ReleaseDC(display->window, dc);
+  }
+  std::memcpy(table, colors.data(), sizeof colors);
+  return 1;
+}
+
+void VELARTO_CDECL JDEC_reload_palette(JdecDecoder* decoder) {
+  if (!decoder || !decoder->display || decoder->display->pixelFormat != PixelPalette8) return;
+  Display_Reload_Palette(decoder->display);
+}

@@ -1,0 +1,91 @@
+#include "overlay/lines.h"
+
+#include "overlay/motion_state.h"
+
+#include <algorithm>
+
+std::atomic<LinePrimitive> horizontalLine = horizontalLine32;
+std::atomic<LinePrimitive> verticalLine = verticalLine32;
+
+namespace {
+
+template <int32_t Bytes>
+constexpr uint32_t pixelMask = Bytes == 4 ? 0xFFFFFFFF : (1u << (8 * Bytes)) - 1;
+
+template <int32_t Bytes>
+uint32_t Load(const uint8_t* at) {
+  uint32_t pixel = 0;
+  for (int32_t i = Bytes; i-- > 0;) pixel = pixel << 8 | at[i];
+  return pixel;
+}
+
+template <int32_t Bytes>
+void Store(uint8_t* at, uint32_t pixel) {
+  for (int32_t i = 0; i < Bytes; ++i, pixel >>= 8) at[i] = static_cast<uint8_t>(pixel);
+}
+
+/** `count` pixels from `at` on, `step` bytes apart. */
+template <int32_t Bytes>
+void Draw_Run(uint8_t* at, ptrdiff_t step, int32_t count, uint32_t color) {
+  const bool keep = mdRectMode != 0;
+  const uint32_t kept = mdColorFirst & pixelMask<Bytes>;
+  for (int32_t i = 0; i < count; ++i, at += step) {
+    if (!keep || Load<Bytes>(at) != kept) Store<Bytes>(at, color);
+  }
+}
+
+template <int32_t Bytes>
+int32_t Draw_Horizontal(const DDSURFACEDESC* surface, uint8_t* layer, int32_t from, int32_t to, int32_t row, uint32_t color) {
+  const auto [low, high] = std::minmax(from, to);
+  // The two narrow ones fill from the line's length; the others set a pixel before they look.
+  const int32_t least = Bytes <= 2 && mdRectMode == 0 ? 0 : 1;
+  Draw_Run<Bytes>(layer + ptrdiff_t{row} * surface->lPitch + ptrdiff_t{low} * Bytes, Bytes, std::max(high - low, least), color);
+  return 0;
+}
+
+template <int32_t Bytes>
+int32_t Draw_Vertical(const DDSURFACEDESC* surface, uint8_t* layer, int32_t from, int32_t to, int32_t column, uint32_t color) {
+  const auto [low, high] = std::minmax(from, to);
+  Draw_Run<Bytes>(layer + ptrdiff_t{low} * surface->lPitch + ptrdiff_t{column} * Bytes, surface->lPitch, std::max(high - low, 1),
+                  color);
+  return 0;
+}
+
+}  // namespace
+
+int32_t horizontalLine8(const DDSURFACEDESC* surface, uint8_t* layer, int32_t from, int32_t to, int32_t at, uint32_t color) {
+  return Draw_Horizontal<1>(surface, layer, from, to, at, color);
+}
+int32_t horizontalLine16(const DDSURFACEDESC* surface, uint8_t* layer, int32_t from, int32_t to, int32_t at, uint32_t color) {
+  return Draw_Horizontal<2>(surface, layer, from, to, at, color);
+}
+int32_t horizontalLine24(const DDSURFACEDESC* surface, uint8_t* layer, int32_t from, int32_t to, int32_t at, uint32_t color) {
+  return Draw_Horizontal<3>(surface, layer, from, to, at, color);
+}
+int32_t horizontalLine32(const DDSURFACEDESC* surface, uint8_t* layer, int32_t from, int32_t to, int32_t at, uint32_t color) {
+  return Draw_Horizontal<4>(surface, layer, from, to, at, color);
+}
+int32_t verticalLine8(const DDSURFACEDESC* surface, uint8_t* layer, int32_t from, int32_t to, int32_t at, uint32_t color) {
+  return Draw_Vertical<1>(surface, layer, from, to, at, color);
+}
+int32_t verticalLine16(const DDSURFACEDESC* surface, uint8_t* layer, int32_t from, int32_t to, int32_t at, uint32_t color) {
+  return Draw_Vertical<2>(surface, layer, from, to, at, color);
+}
+int32_t verticalLine24(const DDSURFACEDESC* surface, uint8_t* layer, int32_t from, int32_t to, int32_t at, uint32_t color) {
+  return Draw_Vertical<3>(surface, layer, from, to, at, color);
+}
+int32_t verticalLine32(const DDSURFACEDESC* surface, uint8_t* layer, int32_t from, int32_t to, int32_t at, uint32_t color) {
+  return Draw_Vertical<4>(surface, layer, from, to, at, color);
+}
+
+void Lines_Select(int32_t displayBits) {
+  static constexpr struct {
+    LinePrimitive horizontal, vertical;
+  } pairs[] = {{horizontalLine8, verticalLine8},
+               {horizontalLine16, verticalLine16},
+               {horizontalLine24, verticalLine24},
+               {horizontalLine32, verticalLine32}};
+  const auto& pair = pairs[displayBits / 8 - 1];
+  horizontalLine = pair.horizontal;
+  verticalLine = pair.vertical;
+}

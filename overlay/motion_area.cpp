@@ -1,0 +1,96 @@
+/* The calls that change the motion-detection overlay (velarto.h). */
+#include "overlay/motion_area.h"
+
+#include "decode/decoder.h"
+#include "overlay/layer.h"
+#include "overlay/motion_state.h"
+
+#include "platform/win32.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace {
+
+/** Bit of JDEC_enable_MD's value that asks for the rectangle mode. */
+constexpr int32_t RectModeBit = 2;
+
+/** Where the cells of a picture lie. A cell's margins are its grid lines. */
+struct CellGeometry {
+  int32_t width, height, left, top;
+};
+
+CellGeometry Cell_Geometry(int32_t width, int32_t height) {
+  if (width != 640) return {16, 16, 1, 1};
+  return height == 480 ? CellGeometry{32, 32, 2, 2} : CellGeometry{32, 16, 2, 1};
+}
+
+/** Copies a block from the tile strip into a cell, as far as the cell lies in the layer and the block on the surface. */
+void Copy_Block(const Layer& layer, int32_t fromColumn, int32_t column, int32_t row, int32_t width, int32_t height) {
+  width = std::min({width, layer.width - fromColumn, layer.width - column});
+  height = std::min(height, layer.rows - row);
+  if (width <= 0) return;
+  for (int32_t i = 0; i < height; ++i) {
+    std::memmove(Layer_At(layer, column, row + i), Layer_At(layer, fromColumn, layer.strips + i),
+                 static_cast<size_t>(width) * static_cast<size_t>(layer.bytes));
+  }
+}
+
+void Fill_With_Checker(const Layer& layer) {
+  const size_t bytes = static_cast<size_t>(layer.width) * static_cast<size_t>(layer.bytes);
+  const bool doubled = layer.width == 640 && layer.height == 480;
+  const int32_t first = layer.strips + (doubled ? 30 : 15), count = doubled ? 4 : 2;
+  for (int32_t row = 0; row < layer.rows; ++row) {
+    std::memmove(Layer_At(layer, 0, row), Layer_At(layer, 0, first + row % count), bytes);
+  }
+}
+
+/** The rectangle of the layer becomes transparent. */
+void Open_Area(const Layer& layer, const LayerRect& area) {
+  const int32_t first = std::max(area.y, 0), end = std::min(area.y + area.height, layer.rows);
+  for (int32_t row = first; row < end; ++row) Layer_Horizontal(layer, area.x, area.x + area.width, row, 0);
+}
+
+}  // namespace
+
+void VELARTO_CDECL JDEC_enable_MD(JdecDecoder* decoder, int32_t value) {
+  if (!decoder) return;
+  decoder->mdMode = value;
+  if (value != 0) mdRectMode = (value & RectModeBit) != 0;
+}
+
+void VELARTO_CDECL JDEC_set_MD_color(int32_t which) { mdColor = which == 0 ? mdColorFirst.load() : mdColorSecond.load(); }
+
+void VELARTO_CDECL JDEC_set_MD_area(JdecDecoder* decoder, int32_t column, int32_t row, int32_t marked) {
+  Layer layer;
+  if (!decoder || !Layer_Lock(decoder->display, &layer)) return;
+  column = std::clamp(column, 0, MotionColumns - 1);
+  row = std::clamp(row, 0, MotionRows - 1);
+  if (layer.surface.lpSurface) decoder->display->motionCells[row * MotionColumns + column] = marked != 0;
+  if (layer.pixels) {
+    const CellGeometry cell = Cell_Geometry(layer.width, layer.height);
+    const int32_t fromColumn = marked ? 0 : cell.width + 1;
+    Copy_Block(layer, fromColumn, column * cell.width + cell.left, row * cell.height + cell.top, cell.width - cell.left,
+               cell.height - cell.top);
+  }
+  Layer_Unlock(layer);
+}
+
+void VELARTO_CDECL JDEC_set_MD_area_2(JdecDecoder* decoder, int32_t left, int32_t top, int32_t width, int32_t height,
+                                      int32_t /*unused*/) {
+  Layer layer;
+  if (!decoder || !Layer_Lock(decoder->display, &layer)) return;
+  LayerRect area = {Within_Reach(left), Within_Reach(top), Within_Reach(width), Within_Reach(height)};
+  if (layer.width == 640 && layer.height == 240) {
+    area.y >>= 1;
+    area.height >>= 1;
+  }
+  area = Moved_Inside(area, layer.width, layer.height);
+  if (layer.pixels) {
+    Fill_With_Checker(layer);
+    Open_Area(layer, area);
+    Layer_Outline(layer, area, mdColor);
+  }
+  Set_Last_Rect(area);
+  Layer_Unlock(layer);
+}

@@ -1,0 +1,23 @@
+/* The moving rectangle (velarto.h). */
+#include "decode/decoder.h"
+#include "overlay/layer.h"
+#include "overlay/motion_state.h"
+
+/** Calls count in a picture of 320 by 240; larger ones get the rectangle in their own measure. */
+static LayerRect Scaled(const LayerRect& rect, int32_t width, int32_t height) {
+  const int32_t across = width == 640 ? 2 : 1, down = width == 640 && height == 480 ? 2 : 1;
+  return {rect.x * across, rect.y * down, rect.width * across, rect.height * down};
+}
+
+void VELARTO_CDECL JDEC_show_rectangle(JdecDecoder* decoder, int32_t x, int32_t y, int32_t width, int32_t height, int32_t hide) {
+  Layer layer;
+  if (!decoder || mdRectMode == 0 || !Layer_Lock(decoder->display, &layer)) return;
+  const LayerRect asked = {Within_Reach(x), Within_Reach(y), Within_Reach(width), Within_Reach(height)};
+  const LayerRect rect = Moved_Inside(Scaled(asked, layer.width, layer.height), layer.width, layer.height);
+  if (layer.pixels) {
+    Layer_Outline(layer, Last_Rect(), 0);
+    if (hide == 0) Layer_Outline(layer, rect, mdColorSecond);
+  }
+  Set_Last_Rect(rect);
+  Layer_Unlock(layer);
+}

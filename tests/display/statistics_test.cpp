@@ -1,0 +1,86 @@
+#include "display/statistics.h"
+
+#include "display/machine.h"
+
+namespace {
+
+/** Black pixels around a text drawn as the display draws it. */
+struct Statistics : testing::Test {
+  static std::vector<uint8_t> Pixels(HWND window, int32_t left, int32_t top, int32_t right, int32_t bottom) {
+    int32_t width = 0, height = 0, pitch = 0;
+    const uint8_t* const pixels = Screen_Window_Pixels(window, &width, &height, &pitch);
+    std::vector<uint8_t> part;
+    for (int32_t y = top; y < bottom; ++y) part.insert(part.end(), pixels + y * pitch + 4 * left, pixels + y * pitch + 4 * right);
+    return part;
+  }
+  /** The window shows that text in white on black at the place, over the whole height of a line. */
+  static void Expect_Text(const Machine& machine, int32_t x, int32_t y, const std::string& text) {
+    std::vector<uint8_t> before = Pixels(machine.handle, x, y, 320, y + 16);
+    const HDC dc = GetDC(machine.handle);
+    const HFONT font = CreateFontA(16, 8, 0, 0, FW_NORMAL, FALSE, FALSE, FALSE, DEFAULT_CHARSET, OUT_DEFAULT_PRECIS,
+                                   CLIP_DEFAULT_PRECIS, PROOF_QUALITY, FIXED_PITCH | FF_MODERN, "Courier New");
+    const HGDIOBJ old = SelectObject(dc, font);
+    SelectObject(dc, GetStockObject(BLACK_BRUSH));
+    Rectangle(dc, x, y, 320, y + 16);
+    SetBkMode(dc, TRANSPARENT);
+    SetTextColor(dc, RGB(255, 255, 255));
+    TextOutA(dc, x, y, text.c_str(), static_cast<int>(text.size()));
+    SelectObject(dc, old);
+    DeleteObject(font);
+    ReleaseDC(machine.handle, dc);
+    EXPECT_TRUE(before == Pixels(machine.handle, x, y, 320, y + 16)) << text;
+  }
+};
+
+TEST_F(Statistics, FrameRateByForm) {
+  for (const bool gdi : {false, true}) {
+    SCOPED_TRACE(gdi ? "GDI" : "DirectDraw");
+    Machine machine(Screen_With(32, gdi), 320, 240);
+    Screen_Set_Tick(1000);
+    JdecDisplay* const display = machine.Open(320, 240);
+    const Raster black = Plain_Raster(320, 240, Black);
+    machine.Show(black);
+    EXPECT_EQ(display->fpsCount, -1) << "off at first";
+    Display_Show_Statistics(display, 1);
+    const auto show = [&](uint32_t tick, const char* text) {
+      Screen_Set_Tick(tick);
+      machine.Show(black);
+      Expect_Text(machine, 270, 0, text);
+    };
+    show(1000, "0.00");  // No time, no frame.
+    show(1100, "10.00");
+    show(1110, "18.18");
+    show(1120, "25.00");
+    show(1121, "30.00");  // Above: a new period.
+    EXPECT_EQ(display->fpsCount, 0);
+    show(1121, "30.00");  // A frame in no time.
+    EXPECT_EQ(display->fpsCount, 0);
+    for (uint32_t i = 1; i <= 100; ++i) show(1121 + 100 * i, "10.00");
+    show(1121 + 10100, gdi ? "30.00" : "10.00");  // The hundred and first ends the period.
+    EXPECT_EQ(display->fpsCount, 0);
+    Screen_Disable(machine.handle, true);
+    machine.Show(black);
+    EXPECT_EQ(display->fpsCount, 0) << "not counted in a disabled window";
+    Screen_Disable(machine.handle, false);
+    Screen_Set_Tick(20000);
+    Screen_Fail(ScreenStep::SurfaceGetDC);
+    machine.Show(black);
+    EXPECT_EQ(display->fpsCount, 1);
+    Screen_Real_Time();
+  }
+}
+
+TEST_F(Statistics, BitRateInTheDirectDrawFormAlone) {
+  for (const bool gdi : {false, true}) {
+    Machine machine(Screen_With(32, gdi), 320, 240);
+    JdecDisplay* const display = machine.Open(320, 240);
+    Display_Show_Statistics(display, 1);
+    Set_OSD_Text(display, "1234.56 Kb\n");
+    machine.Show(Plain_Raster(320, 240, Black));
+    Expect_Text(machine, 240, 220, gdi ? "" : "1234.56 Kb\n");
+    Set_OSD_Text(display, std::string(40, 'x').c_str());
+    EXPECT_EQ(std::string(display->osdText), std::string(31, 'x'));
+  }
+}
+
+}  // namespace

@@ -1,0 +1,225 @@
+/* The motion-area layer against a model of it, drawn pixel by pixel from the rules in colours, at each laid-out size and depth.
+ */
+#include "overlay/motion_area.h"
+
+#include "decode/decoder.h"
+#include "display/machine.h"
+#include "overlay/color_key.h"
+#include "overlay/motion_state.h"
+
+#include <map>
+
+namespace {
+
+constexpr uint32_t DarkBlue = 0x000040;
+
+struct LayerTest : testing::Test {
+  void TearDown() override { mdRectMode = 0; }
+};
+
+/** A decoder with a display of that size, and the layer that it should have by now. */
+struct Motion : Machine {
+  JdecDecoder* const decoder;
+  const int32_t width, height, across, down;
+  std::vector<uint32_t> model;  ///< Colours.
+  std::map<uint32_t, uint32_t> pixels;
+
+  Motion(int32_t bits, int32_t pictureWidth, int32_t pictureHeight)
+      : Machine(Screen_With(bits), 640, 480),
+        decoder(Make_Decoder(pictureWidth, pictureHeight)),
+        width(pictureWidth),
+        height(pictureHeight),
+        across(pictureWidth == 640 ? 2 : 1),
+        down(pictureWidth == 640 && pictureHeight == 480 ? 2 : 1) {
+    for (const uint32_t color : {Black, Red, Blue, DarkBlue, White}) pixels[color] = Pixel(color);
+    for (int32_t i = 0; i < width * height; ++i) model.push_back(Grid_Color(i % width / across, i / width / down));
+  }
+  ~Motion() { JDEC_Free(decoder); }
+
+  JdecDecoder* Make_Decoder(int32_t w, int32_t h) const {
+    JDEC_Init();
+    JdecDecoder* const made = JDEC_New(w, h);
+    EXPECT_EQ(JDEC_Draw_Init(made, handle), 1);
+    return made;
+  }
+  IDirectDrawSurface* Surface() const { return decoder->display->offscreenSurface; }
+  uint32_t Pixel(uint32_t color) const {
+    return Sample_Colors(Surface(), RGB(color >> 16, color >> 8 & 255, color & 255), decoder->display->keyRow);
+  }
+  static uint32_t Grid_Color(int32_t x, int32_t y) { return (x % 16 == 0 && x > 0) || (y % 16 == 0 && y > 0) ? Red : Black; }
+  void Set(int32_t x, int32_t y, uint32_t color) {
+    if (x < 0 || y < 0 || x >= width || y >= height) return;
+    uint32_t& at = model[static_cast<size_t>(y * width + x)];
+    if (mdRectMode == 0 || at != Red) at = color;
+  }
+  void Outline(int32_t x, int32_t y, int32_t w, int32_t h, uint32_t color) {
+    for (int32_t thick = 0; thick < across; ++thick) {
+      for (int32_t i = 0; i < w; ++i) Set(x + i, y + thick, color), Set(x + i, y + h - 1 + thick, color);
+      for (int32_t i = 0; i < h; ++i) Set(x + thick, y + i, color), Set(x + w - 1 + thick, y + i, color);
+    }
+  }
+  void Cell(int32_t column, int32_t row, bool marked) {
+    for (int32_t y = down; y < 16 * down; ++y) {
+      for (int32_t x = across == 2 ? 2 : 1; x < 16 * across; ++x) {
+        const int32_t tileX = (x - (across == 2 ? 2 : 1)) / across, tileY = (y - down) / down;
+        const bool hatch = marked && (tileX + tileY) % 4 == 2;
+        model[static_cast<size_t>((row * 16 * down + y) * width + column * 16 * across + x)] = hatch ? Red : Black;
+      }
+    }
+  }
+  void Area(int32_t x, int32_t y, int32_t w, int32_t h, uint32_t color) {
+    for (int32_t i = 0; i < width * height; ++i) {
+      const int32_t tileX = i % width / across, tileY = i / width / down;
+      model[static_cast<size_t>(i)] = tileX % 2 == tileY % 2 ? DarkBlue : Black;
+    }
+    for (int32_t i = 0; i < h; ++i)
+      for (int32_t k = 0; k < w; ++k) Set(x + k, y + i, Black);
+    Outline(x, y, w, h, color);
+  }
+  /** All of the layer, from the surface. */
+  void Expect_Model(const char* what) const {
+    int32_t surfaceWidth = 0, rows = 0, pitch = 0;
+    const uint8_t* const first = Screen_Surface_Pixels(Surface(), &surfaceWidth, &rows, &pitch);
+    const int32_t bytes = decoder->display->displayBits / 8;
+    int32_t wrong = 0;
+    for (int32_t i = 0; i < width * height; ++i) {
+      const uint8_t* const at = first + (height + i / width) * pitch + i % width * bytes;
+      uint32_t pixel = 0;
+      std::memcpy(&pixel, at, static_cast<size_t>(bytes));
+      const uint32_t expected = pixels.at(model[static_cast<size_t>(i)]);
+      if (pixel != expected && wrong++ == 0)
+        ADD_FAILURE() << what << ": " << pixel << " for " << expected << " at " << i % width << ", " << i / width;
+    }
+    EXPECT_EQ(wrong, 0) << what;
+  }
+};
+
+TEST_F(LayerTest, EverySizeAndDepthAgreesWithTheModel) {
+  for (const int32_t bits : {8, 15, 16, 24, 32}) {
+    for (const auto& [width, height] : {std::pair{320, 240}, {640, 240}, {640, 480}}) {
+      SCOPED_TRACE(testing::Message() << bits << " bits, " << width << " x " << height);
+      Motion motion(bits, width, height);
+      JdecDecoder* const decoder = motion.decoder;
+      const int32_t across = motion.across, down = motion.down;
+      motion.Expect_Model("the grid");
+      EXPECT_EQ((std::vector<uint32_t>{mdColorFirst, mdColorSecond, mdColor}),
+                (std::vector{motion.pixels[Red], motion.pixels[Blue], motion.pixels[Red]}));
+
+      const auto fresh = motion.model;
+      for (const bool marked : {true, false}) {
+        JDEC_set_MD_area(decoder, 25, -3, marked);
+        JDEC_set_MD_area(decoder, 0, 14, marked);
+        motion.Cell(19, 0, marked);
+        motion.Cell(0, 14, marked);
+        motion.Expect_Model("cells");
+        EXPECT_EQ(decoder->display->motionCells[19] + decoder->display->motionCells[14 * 20], 2 * marked);
+      }
+      EXPECT_EQ(motion.model, fresh) << "the grid again";
+
+      JDEC_enable_MD(decoder, 3);
+      JDEC_show_rectangle(decoder, 10, 20, 30, 40, 0);
+      motion.Outline(10 * across, 20 * down, 30 * across, 40 * down, Blue);
+      motion.Expect_Model("a rectangle over the grid");
+      JDEC_show_rectangle(decoder, 300, 230, 100, 40, 0);
+      motion.Outline(10 * across, 20 * down, 30 * across, 40 * down, Black);
+      motion.Outline(220 * across, 200 * down, 100 * across, 40 * down, Blue);
+      motion.Expect_Model("a rectangle moved inside");
+      JDEC_show_rectangle(decoder, 0, 0, 320, 240, 1);
+      motion.Outline(220 * across, 200 * down, 100 * across, 40 * down, Black);
+      motion.Expect_Model("a rectangle taken away");
+      EXPECT_EQ(Last_Rect().width, 320 * across);
+
+      JDEC_enable_MD(decoder, 1);
+      JDEC_show_rectangle(decoder, 10, 20, 30, 40, 0);             // Not in this mode.
+      const int32_t tall = width == 640 && height == 240 ? 2 : 1;  // There it counts in 480 rows.
+      JDEC_set_MD_area_2(decoder, width - 20, 50 * tall, 100, 101 * tall, 0);
+      motion.Area(width - 100, 50, 100, 101, Red);
+      motion.Expect_Model("an area");
+      JDEC_set_MD_color(1);
+      JDEC_enable_MD(decoder, 2);
+      JDEC_set_MD_area_2(decoder, 8, 8 * tall, 40, 40 * tall, 0);
+      motion.Area(8, 8, 40, 40, Blue);
+      JDEC_show_rectangle(decoder, 4, 4, 16, 16, 0);
+      motion.Outline(8, 8, 40, 40, Black);
+      motion.Outline(4 * across, 4 * down, 16 * across, 16 * down, Blue);
+      motion.Expect_Model("a rectangle over an area");
+      JDEC_enable_MD(decoder, 0);
+      EXPECT_EQ(mdRectMode, 1) << "as it was";
+    }
+  }
+}
+
+TEST_F(LayerTest, AnyCallOnAnyPictureKeepsToTheSurface) {
+  const std::pair<int32_t, int32_t> sizes[] = {{16, 16},   {352, 288},  {640, 960},   {640, 360}, {640, 16},
+                                               {704, 480}, {1280, 720}, {1920, 1080}, {1, 300}};
+  std::mt19937 random(3);
+  const auto any = [&] {
+    constexpr int32_t corners[] = {INT32_MIN, INT32_MAX, INT32_MIN + 1, -1, 0, 1, 15, 16, 239, 240, 479, 480, 639, 640};
+    return random() % 2 ? corners[random() % std::size(corners)] : static_cast<int32_t>(random() % 2000) - 500;
+  };
+  for (const auto& [width, height] : sizes) {
+    for (const int32_t bits : {8, 16, 24, 32}) {
+      SCOPED_TRACE(testing::Message() << width << " x " << height << ", " << bits << " bits");
+      Motion motion(bits, width, height);  // Ends with a look at all that lies around the surface's pixels.
+      JdecDecoder* const decoder = motion.decoder;
+      EXPECT_TRUE(width == 1 || mdColorSecond == motion.pixels[Blue]);
+      for (int32_t i = 0; i < 60; ++i) {
+        JDEC_enable_MD(decoder, i % 2 ? 2 : 1);
+        JDEC_set_MD_area(decoder, any(), any(), i % 3);
+        JDEC_set_MD_area_2(decoder, any(), any(), any(), any(), any());
+        JDEC_show_rectangle(decoder, any(), any(), any(), any(), i % 5 == 0);
+      }
+      EXPECT_TRUE(Screen_Surface_Guards_Whole(motion.Surface()));
+    }
+  }
+  Motion motion(32, 352, 288);  // The part that fits is drawn: cells lie in their grid.
+  JDEC_set_MD_area(motion.decoder, 19, 14, 1);
+  int32_t width = 0, rows = 0, pitch = 0;
+  const auto* const layer = Screen_Surface_Pixels(motion.Surface(), &width, &rows, &pitch) + 288 * pitch;
+  const auto color = [&](int32_t x, int32_t y) {
+    uint32_t pixel = 0;
+    std::memcpy(&pixel, layer + y * pitch + 4 * x, 3);
+    return pixel;
+  };
+  EXPECT_EQ((std::vector{color(304, 225), color(307, 225), color(306, 225), color(320, 225)}),
+            (std::vector{Red, Red, Black, Black}));
+}
+
+TEST_F(LayerTest, FailuresLeaveThingsAsTheyWere) {
+  Motion motion(32, 320, 240);
+  JdecDecoder* const decoder = motion.decoder;
+  JDEC_enable_MD(decoder, 2);
+  const auto call_all = [&](JdecDecoder* on) {
+    JDEC_set_MD_area(on, 3, 3, 1);
+    JDEC_set_MD_area_2(on, 1, 2, 3, 4, 0);
+    JDEC_show_rectangle(on, 5, 6, 7, 8, 0);
+  };
+  Set_Last_Rect({0, 0, 9, 9});
+  Screen_Fail(ScreenStep::LockOffscreen);
+  call_all(decoder);
+  EXPECT_EQ(Last_Rect().width, 9);
+  Screen_Fail_Nothing();
+  Screen_Fail(ScreenStep::LockWithoutPixels);
+  call_all(decoder);
+  EXPECT_EQ(Last_Rect().width, 7);
+  EXPECT_EQ(decoder->display->motionCells[3 * 20 + 3], 0);
+  Screen_Fail_Nothing();
+  motion.Expect_Model("untouched");
+  JDEC_enable_MD(nullptr, 1);
+  call_all(nullptr);
+
+  Screen_Take_Debug_Output();
+  IDirectDrawSurface* const surface = motion.Surface();
+  const auto load = [&] { return Load_Template_Bitmap(surface, 320, 240, 32, decoder->display->keyRow); };
+  EXPECT_EQ(Load_Template_Bitmap(nullptr, 320, 240, 32, 0), E_FAIL);
+  Screen_Fail(ScreenStep::LoadBitmap, 0, 1);
+  EXPECT_EQ(load(), E_FAIL);
+  Screen_Fail(ScreenStep::SurfaceGetDC, 0, 1, DDERR_UNSUPPORTED);
+  EXPECT_EQ(load(), DDERR_UNSUPPORTED);
+  Screen_Fail(ScreenStep::CreateCompatibleDC, 0, 1);
+  EXPECT_EQ(load(), DD_OK);
+  EXPECT_EQ(Screen_Take_Debug_Output(),
+            (std::vector<std::string>{"bitmap handle is null\n", "ddcopybitmap failed\n", "createcompatible dc failed\n"}));
+}
+
+}  // namespace
