@@ -1,74 +1,11 @@
 // The real DLL in a real window: real frames in, pixels read back from the screen. VELARTO_FORM (ddraw or gdi) tells which form
 // the screen at hand must lead to; the files lie beside the program.
-#include "windows/library.h"
+#include "windows/dll.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <map>
 
 namespace {
-
-bool Form_Is_DirectDraw() {
-  const char* const form = std::getenv("VELARTO_FORM");
-  EXPECT_NE(form, nullptr) << "VELARTO_FORM is not set";
-  return form && std::string(form) == "ddraw";
-}
-
-struct DllTest : testing::Test {
-  Library dll;
-  JdecDecoder* decoder = nullptr;
-  const bool directDraw = Form_Is_DirectDraw();
-
-  void Open(int width, int height, HWND window) {
-    decoder = dll.JDEC_New(width, height);
-    ASSERT_NE(decoder, nullptr);
-    ASSERT_EQ(dll.JDEC_Draw_Init(decoder, window), 1);
-  }
-  void Push(const Bytes& frame) {
-    int32_t status = 0;
-    ASSERT_EQ(dll.JDEC_Receive_Data(decoder, static_cast<int32_t>(frame.size()), frame.data(), &status),
-              static_cast<int32_t>(frame.size()));
-  }
-  void TearDown() override { dll.JDEC_Free(decoder); }
-
-  /** The decoder's picture as the screen should show it at 1:1. */
-  Bytes Expected(int* width, int* height) {
-    dll.JDEC_get_size(decoder, width, height);
-    Bytes bmp(static_cast<size_t>(*width) * *height * 3 + 54);
-    EXPECT_EQ(dll.JDEC_get_decompressed_bitmap_ex2(decoder, bmp.data(), static_cast<int32_t>(bmp.size())),
-              static_cast<int32_t>(bmp.size()));
-    Bytes pixels;
-    for (int y = *height - 1; y >= 0; --y) {
-      for (int x = 0; x < *width; ++x) {
-        const uint8_t* const pixel = &bmp[54 + (static_cast<size_t>(y) * *width + x) * 3];
-        pixels.insert(pixels.end(), {pixel[0], pixel[1], pixel[2], 0});
-      }
-    }
-    return As_Shown(pixels, directDraw);
-  }
-
-  /** Waits until the window shows the decoder's picture, repainting now and then; gives how many pixels still differ. */
-  int Differing_Pixels(HWND window) {
-    int width = 0, height = 0, differing = 0;
-    const Bytes expected = Expected(&width, &height);
-    for (int attempt = 0; attempt < 20; ++attempt) {
-      Pump_Messages(100);
-      const Bytes shown = Read_Screen(window);
-      if (shown.size() != expected.size()) return -1;
-      differing = 0;
-      for (size_t i = 0; i < shown.size(); i += 4) differing += !std::equal(&shown[i], &shown[i] + 3, &expected[i]);
-      if (differing == 0) return 0;
-      Repaint(window);
-    }
-    return differing;
-  }
-  void Repaint(HWND window) {
-    RECT client;
-    GetClientRect(window, &client);
-    const int32_t rect[4] = {client.left, client.top, client.right, client.bottom};
-    EXPECT_NE(dll.JDEC_Access_SrcRect(decoder, rect), nullptr);
-  }
-};
 
 TEST_F(DllTest, ShowsFramesPixelForPixelOverASizeChange) {
   Window window(96, 64);

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <string>
@@ -32,7 +33,18 @@ struct Library {
   FIND(JDEC_Receive_Data);
   FIND(JDEC_get_size);
   FIND(JDEC_get_decompressed_bitmap_ex2);
+  FIND(JDEC_get_decompressed_bitmap_ex);
   FIND(JDEC_Access_SrcRect);
+  FIND(JDEC_Compress_RGB888);
+  FIND(JDEC_enable_MD);
+  FIND(JDEC_set_MD_area);
+  FIND(JDEC_set_MD_area_2);
+  FIND(JDEC_show_rectangle);
+  FIND(JDEC_set_ptz_bmp);
+  FIND(JDEC_set_pos_bmp);
+  FIND(JDEC_SetMotionSeachEnable);
+  FIND(JDEC_SetMotionSeachArea);
+  FIND(JDEC_SetMotionSeachString);
 
   Library() { JDEC_Init(); }
   ~Library() {
@@ -119,6 +131,14 @@ inline Bytes As_Shown(Bytes pixels, bool directDraw) {
     pixels[i + 2] = Keep_Bits(pixels[i + 2], 5);
   }
   return pixels;
+}
+
+/** Colour of a palette index, as B, G, R, 0. */
+inline Bytes Palette_Color(int index) {
+  const auto limited = [](int value) { return static_cast<uint8_t>(std::clamp(value >> 16, 0, 255)); };
+  const int cr = index % 4 * 32 - 48, cb = index / 4 % 4 * 32 - 48, y = index / 16 * 1220944 - 610472;
+  return {limited(132201 * cb + y + 0x8012), limited(-53279 * cr - 25675 * cb + y + 0x8000), limited(104597 * cr + y + 0x8000),
+          0};
 }
 
 inline Bytes Read_File(const std::string& name) {
