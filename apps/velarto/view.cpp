@@ -7,15 +7,19 @@
 
 struct ViewOptions {
   std::string kernelName;
+  int screenBits = 0;  ///< 0: as the desktop is.
+  OverlayOptions overlays;
   ViewerOptions viewer;
 };
 
-static int View(const ViewOptions& options) {
+static int View(const ViewOptions& given) {
+  ViewOptions options = given;
   if (options.viewer.feed.loop && Source_Live(options.viewer.feed.source)) {
     throw CLI::ValidationError("--loop", "only a file can be read again");
   }
   std::string error;
-  if (!Desktop_Start(&error)) return Report(error);
+  if (!Overlays_Read(options.overlays, &options.viewer.overlays, &error)) return Report(error);
+  if (!Desktop_Start(options.screenBits, &error)) return Report(error);
   Library_Start(options.kernelName);
   const int code = Viewer_Run(options.viewer);
   JDEC_Exit();
@@ -36,8 +40,15 @@ void View_Command(CLI::App* app, int* code) {
       ->check(CLI::PositiveNumber);
   command->add_option("--snapshots", viewer->snapshots, "Folder for snapshots (the working folder)")
       ->check(CLI::ExistingDirectory);
+  Add_Overlay_Options(command, &options->overlays);
+  if (Desktop_Has_Depths()) {
+    command->add_option("--screen", options->screenBits, "Show the picture as a screen of that depth would")
+        ->check(CLI::IsMember({8, 15, 16, 24, 32}));
+  }
   command->footer(
-      "Keys: q or Esc quit, space pause, f full screen, s snapshot, h list of keys\n\n"
-      "Example:\n  velarto view street.vlr --fps 12 --loop");
+      "Keys: q or Esc quit, space pause, f full screen, s snapshot, g grid, i statistics, m motion search, p PTZ picture, arrows "
+      "move\n"
+      "the rectangle, h list of keys. A click marks or clears the cell of the grid under it.\n\n"
+      "Example:\n  velarto view street.vlr --fps 12 --loop --grid --cells 3,2 4,2 --statistics");
   command->callback([options, code] { *code = View(*options); });
 }

@@ -25,6 +25,11 @@ struct Viewer {
   JdecDecoder* decoder = nullptr;
   int32_t width = 0, height = 0;  ///< Of the picture, 0 before the first.
   int64_t shown = 0;
+  Overlays overlays;
+  int32_t quality = 0;
+  double rate = 0;         ///< Frames a second, 0 while not known;
+  DWORD rateStart = 0;     ///< counted from this tick,
+  int64_t rateFrames = 0;  ///< and this value of `shown` on.
   bool paused = false, reconnecting = false, keysInTitle = false;
   bool fullScreen = false;
   LONG_PTR windowedStyle = 0;
@@ -33,6 +38,7 @@ struct Viewer {
 };
 
 static void Update_Title(const Viewer& viewer);
+static void Repaint(Viewer* viewer);
 
 /* ---- Keys ----------------------------------------------------------------------------------------------------------------- */
 
@@ -85,6 +91,18 @@ static void Take_Snapshot(Viewer* viewer) {
   std::fflush(Output());
 }
 
+/** A change of what lies over the picture, shown at once; before the first picture there is nothing to lie over. */
+static void Change_Overlays(Viewer* viewer, void (*change)(Overlays* overlays, JdecDecoder* decoder)) {
+  if (viewer->shown == 0) return;
+  change(&viewer->overlays, viewer->decoder);
+  Repaint(viewer);
+}
+
+static void Toggle_Grid(Viewer* viewer) { Change_Overlays(viewer, Overlays_Toggle_Layer); }
+static void Toggle_Statistics(Viewer* viewer) { Change_Overlays(viewer, Overlays_Toggle_Statistics); }
+static void Toggle_Motion(Viewer* viewer) { Change_Overlays(viewer, Overlays_Toggle_Motion); }
+static void Toggle_Ptz(Viewer* viewer) { Change_Overlays(viewer, Overlays_Toggle_Ptz); }
+
 static void Show_Keys(Viewer* viewer);
 
 struct KeyAction {
@@ -99,6 +117,10 @@ static constexpr KeyAction keyActions[] = {
     {' ', "space", "pause", Toggle_Pause},
     {'f', "f", "full screen", Toggle_Full_Screen},
     {'s', "s", "snapshot", Take_Snapshot},
+    {'g', "g", "grid", Toggle_Grid},
+    {'i', "i", "statistics", Toggle_Statistics},
+    {'m', "m", "motion search", Toggle_Motion},
+    {'p', "p", "PTZ picture", Toggle_Ptz},
     {'h', "h", "keys", Show_Keys},
 };
 
@@ -107,7 +129,7 @@ static std::string Key_List() {
   for (const KeyAction& action : keyActions) {
     list += std::string(list.empty() ? "" : ", ") + action.name + ": " + action.meaning;
   }
-  return list;
+  return list + ", arrows: move the rectangle, click: mark a cell";
 }
 
 static void Show_Keys(Viewer* viewer) {
@@ -120,6 +142,10 @@ static void Show_Keys(Viewer* viewer) {
 static void Update_Title(const Viewer& viewer) {
   std::string title = Source_Title(viewer.options.feed.source);
   title += viewer.width > 0 ? " - " + std::to_string(viewer.width) + "x" + std::to_string(viewer.height) : " - waiting";
+  if (viewer.quality > 0) title += " - quality " + std::to_string(viewer.quality);
+  char rate[32] = "";
+  std::snprintf(rate, sizeof rate, " - %.1f fps", viewer.rate);
+  if (viewer.rate > 0) title += rate;
   if (viewer.paused) title += " - paused";
   if (viewer.reconnecting) title += " - reconnecting";
   if (Feed_State(viewer.feed.get(), nullptr) != FeedState::Running) title += " - ended";
@@ -167,10 +193,35 @@ static bool Adopt_Size(Viewer* viewer, int32_t width, int32_t height) {
   return false;
 }
 
-static void Show_Frame(Viewer* viewer, const FedFrame& fed) {
-  if (!Frame_Decodable(fed.frame) || !Adopt_Size(viewer, fed.frame.width, fed.frame.height)) return;
-  Picture_Push(viewer->decoder, fed.frame);
+/** Once a second the title tells how many frames came in it; another quality is told at once. */
+static void Count_Frame(Viewer* viewer) {
+  constexpr DWORD Period = 1000;
   ++viewer->shown;
+  const DWORD now = GetTickCount(), elapsed = now - viewer->rateStart;
+  const int32_t quality = JDEC_Get_Quality(viewer->decoder);
+  const bool counted = viewer->rateFrames > 0 && elapsed >= Period;
+  if (counted) viewer->rate = static_cast<double>(viewer->shown - viewer->rateFrames) * 1000 / elapsed;
+  if (counted || viewer->rateFrames == 0) {
+    viewer->rateStart = now;
+    viewer->rateFrames = viewer->shown;
+  }
+  if (!counted && quality == viewer->quality) return;
+  viewer->quality = quality;
+  Update_Title(*viewer);
+}
+
+static void Show_Frame(Viewer* viewer, const FedFrame& fed) {
+  const bool first = !viewer->decoder;
+  const bool newSize = fed.frame.width != viewer->width || fed.frame.height != viewer->height;
+  if (!Frame_Decodable(fed.frame) || !Adopt_Size(viewer, fed.frame.width, fed.frame.height)) return;
+  if (first) Overlays_Apply(viewer->overlays, viewer->decoder);
+  Picture_Push(viewer->decoder, fed.frame);
+  Count_Frame(viewer);
+  if (newSize && !first) {
+    // The frame brought a display of its own.
+    Overlays_Apply(viewer->overlays, viewer->decoder);
+    Repaint(viewer);
+  }
   if (viewer->shown == viewer->options.frames) DestroyWindow(viewer->window);
 }
 
@@ -199,7 +250,7 @@ static void On_End(Viewer* viewer) {
 
 /* ---- Messages ------------------------------------------------------------------------------------------------------------- */
 
-static void On_Frame(Viewer* viewer, WPARAM) {
+static void On_Frame(Viewer* viewer, WPARAM, LPARAM) {
   const bool reconnecting = Feed_Reconnecting(viewer->feed.get());
   if (reconnecting != viewer->reconnecting) {
     viewer->reconnecting = reconnecting;
@@ -214,22 +265,42 @@ static void On_Frame(Viewer* viewer, WPARAM) {
   }
 }
 
-static void On_Paint(Viewer* viewer, WPARAM) {
+static void On_Paint(Viewer* viewer, WPARAM, LPARAM) {
   PAINTSTRUCT paint;
   BeginPaint(viewer->window, &paint);
   EndPaint(viewer->window, &paint);
   Repaint(viewer);
 }
 
-static void On_Size(Viewer* viewer, WPARAM) { Repaint(viewer); }
+static void On_Size(Viewer* viewer, WPARAM, LPARAM) { Repaint(viewer); }
 
-static void On_Char(Viewer* viewer, WPARAM character) {
+static void On_Char(Viewer* viewer, WPARAM character, LPARAM) {
   for (const KeyAction& action : keyActions) {
     if (character < 128 && action.key == std::tolower(static_cast<int>(character))) action.act(viewer);
   }
 }
 
-static void On_Destroy(Viewer* viewer, WPARAM) {
+/** The arrow keys move the rectangle. */
+static void On_Key_Down(Viewer* viewer, WPARAM key, LPARAM) {
+  constexpr int Step = 8;
+  if (viewer->shown == 0) return;
+  const int x = key == VK_LEFT ? -Step : key == VK_RIGHT ? Step : 0, y = key == VK_UP ? -Step : key == VK_DOWN ? Step : 0;
+  if (x == 0 && y == 0) return;
+  Overlays_Move_Rectangle(&viewer->overlays, viewer->decoder, x, y);
+  Repaint(viewer);
+}
+
+/** A click marks or clears the cell under it; the picture fills the client area. */
+static void On_Click(Viewer* viewer, WPARAM, LPARAM place) {
+  RECT client = {};
+  GetClientRect(viewer->window, &client);
+  if (viewer->shown == 0 || client.right <= 0 || client.bottom <= 0) return;
+  const int x = static_cast<int16_t>(LOWORD(place)) * viewer->width / client.right;
+  const int y = static_cast<int16_t>(HIWORD(place)) * viewer->height / client.bottom;
+  if (Overlays_Click(&viewer->overlays, viewer->decoder, x, y)) Repaint(viewer);
+}
+
+static void On_Destroy(Viewer* viewer, WPARAM, LPARAM) {
   Feed_Stop(viewer->feed.get());
   JDEC_Draw_Exit(viewer->decoder);
   PostQuitMessage(0);
@@ -237,17 +308,18 @@ static void On_Destroy(Viewer* viewer, WPARAM) {
 
 struct MessageAction {
   UINT message;
-  void (*act)(Viewer* viewer, WPARAM wParam);
+  void (*act)(Viewer* viewer, WPARAM wParam, LPARAM lParam);
 };
 static constexpr MessageAction messageActions[] = {
-    {FrameMessage, On_Frame}, {WM_PAINT, On_Paint}, {WM_SIZE, On_Size}, {WM_CHAR, On_Char}, {WM_DESTROY, On_Destroy},
+    {FrameMessage, On_Frame},  {WM_PAINT, On_Paint},       {WM_SIZE, On_Size},       {WM_CHAR, On_Char},
+    {WM_KEYDOWN, On_Key_Down}, {WM_LBUTTONDOWN, On_Click}, {WM_DESTROY, On_Destroy},
 };
 
 static LRESULT CALLBACK Viewer_Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
   auto* const viewer = reinterpret_cast<Viewer*>(GetWindowLongPtrA(window, GWLP_USERDATA));
   for (const MessageAction& action : messageActions) {
     if (!viewer || action.message != message) continue;
-    action.act(viewer, wParam);
+    action.act(viewer, wParam, lParam);
     return 0;
   }
   return DefWindowProcA(window, message, wParam, lParam);
@@ -288,7 +360,7 @@ static void Run_Messages() {
 }
 
 int Viewer_Run(const ViewerOptions& options) {
-  Viewer viewer = {.options = options, .feed = Feed_Start(options.feed)};
+  Viewer viewer = {.options = options, .feed = Feed_Start(options.feed), .overlays = options.overlays};
   Feed_Await(viewer.feed.get(), FirstPictureWait);
   std::string error;
   if (Feed_State(viewer.feed.get(), &error) == FeedState::Failed) return Report(error);

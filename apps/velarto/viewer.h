@@ -2,11 +2,13 @@
 #pragma once
 
 #include "apps/velarto/feed.h"
+#include "apps/velarto/overlays.h"
 
 struct ViewerOptions {
   FeedOptions feed;
   int64_t frames = 0;     ///< End after so many shown frames, or at the end of the source; 0: only the user ends it.
   std::string snapshots;  ///< Folder for snapshots; empty: the working folder.
+  Overlays overlays;      ///< As they are at the start.
 };
 
 /** Shows the source in a window until the user has enough. Runs the message loop on the calling thread, of which there is one at

@@ -86,6 +86,8 @@ void Screen_Move_To_Monitor(HWND window, int32_t monitor);
 const uint8_t* Screen_Window_Pixels(HWND window, int32_t* width, int32_t* height, int32_t* pitch);
 /** Colour of a client pixel as 0xRRGGBB; 0xFFFFFFFF outside. */
 uint32_t Screen_Window_Color(HWND window, int32_t x, int32_t y);
+/** All of them: rows of the window's width, top row first. Empty if it has no pixels. */
+void Screen_Window_Colors(HWND window, std::vector<uint32_t>* colors);
 /** The pixels of a surface, top row first. */
 const uint8_t* Screen_Surface_Pixels(IDirectDrawSurface* surface, int32_t* width, int32_t* height, int32_t* pitch);
 /** Whether everything around an off-screen surface's pixels still holds what it was filled with: nothing was written between

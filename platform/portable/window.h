@@ -15,6 +15,10 @@ enum : UINT {
   WM_ERASEBKGND = 0x0014,
   WM_KEYDOWN = 0x0100,
   WM_CHAR = 0x0102,
+  WM_LBUTTONDOWN = 0x0201,
+  WM_LBUTTONUP = 0x0202,
+  WM_RBUTTONDOWN = 0x0204,
+  WM_RBUTTONUP = 0x0205,
   WM_USER = 0x0400,
   WM_APP = 0x8000,
 };
@@ -39,7 +43,8 @@ constexpr int IDOK = 1;
 constexpr UINT PM_NOREMOVE = 0, PM_REMOVE = 1;
 constexpr DWORD QS_ALLINPUT = 0x04FF;
 constexpr int COLOR_WINDOW = 5;
-constexpr WPARAM VK_BACK = 0x08, VK_RETURN = 0x0D, VK_ESCAPE = 0x1B, VK_SPACE = 0x20;
+constexpr WPARAM VK_BACK = 0x08, VK_RETURN = 0x0D, VK_ESCAPE = 0x1B, VK_SPACE = 0x20, VK_LEFT = 0x25, VK_UP = 0x26,
+                 VK_RIGHT = 0x27, VK_DOWN = 0x28;
 #define IDC_ARROW (reinterpret_cast<LPCSTR>(static_cast<uintptr_t>(32512)))
 #define HWND_TOP (static_cast<HWND>(nullptr))
 

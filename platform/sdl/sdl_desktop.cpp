@@ -16,6 +16,8 @@ struct ShownWindow {
   int x = 0, y = 0;  ///< Where the real one's frame was before it filled the screen.
 };
 static std::vector<ShownWindow> shownWindows;
+/** Depth of the portable screen. */
+static int32_t screenBits = 32;
 
 static ShownWindow* Shown_As(HWND portable) {
   const auto found = std::ranges::find(shownWindows, portable, &ShownWindow::portable);
@@ -36,9 +38,15 @@ static void Show_Pixels(HWND window) {
   const ShownWindow* const shown = Shown_As(window);
   if (!shown) return;
   int32_t width = 0, height = 0, pitch = 0;
-  const uint8_t* const pixels = Screen_Window_Pixels(window, &width, &height, &pitch);
+  const uint8_t* pixels = Screen_Window_Pixels(window, &width, &height, &pitch);
   SDL_Surface* const target = SDL_GetWindowSurface(shown->real);
   if (!pixels || !target) return;
+  static std::vector<uint32_t> converted;
+  if (screenBits != 32) {
+    Screen_Window_Colors(window, &converted);
+    pixels = reinterpret_cast<const uint8_t*>(converted.data());
+    pitch = 4 * width;
+  }
   SDL_Surface* const source =
       SDL_CreateRGBSurfaceWithFormatFrom(const_cast<uint8_t*>(pixels), width, height, 32, pitch, SDL_PIXELFORMAT_RGB888);
   if (!source) return;
@@ -145,19 +153,36 @@ static void On_Window_Event(const ShownWindow& shown, uint8_t event) {
 }
 
 /** Keys that stand for a character have its code on both sides, letters that of the upper case here. */
-static void On_Key(const ShownWindow& shown, int32_t key) {
-  if (key > 0 && key < 128) PostMessageA(shown.portable, WM_KEYDOWN, static_cast<WPARAM>(std::toupper(key)), 0);
+static void On_Key(const ShownWindow& shown, const SDL_KeyboardEvent& event) {
+  static constexpr struct {
+    int32_t sdl;
+    WPARAM portable;
+  } arrows[] = {{SDLK_LEFT, VK_LEFT}, {SDLK_UP, VK_UP}, {SDLK_RIGHT, VK_RIGHT}, {SDLK_DOWN, VK_DOWN}};
+  const int32_t key = event.keysym.sym;
+  for (const auto& arrow : arrows) {
+    if (arrow.sdl == key) PostMessageA(shown.portable, WM_KEYDOWN, arrow.portable, 0);
+  }
+  if (key > 0 && key < 128 && !event.repeat) PostMessageA(shown.portable, WM_KEYDOWN, static_cast<WPARAM>(std::toupper(key)), 0);
+}
+
+static void On_Button(const ShownWindow& shown, const SDL_MouseButtonEvent& event) {
+  const bool down = event.type == SDL_MOUSEBUTTONDOWN, left = event.button == SDL_BUTTON_LEFT;
+  if (!left && event.button != SDL_BUTTON_RIGHT) return;
+  const UINT message = left ? (down ? WM_LBUTTONDOWN : WM_LBUTTONUP) : (down ? WM_RBUTTONDOWN : WM_RBUTTONUP);
+  PostMessageA(shown.portable, message, 0, MAKELPARAM(event.x, event.y));
 }
 
 static void On_Event(const SDL_Event& event) {
-  const bool ofWindow = event.type == SDL_WINDOWEVENT, ofKey = event.type == SDL_KEYDOWN;
-  if (!ofWindow && !ofKey) return;
-  const ShownWindow* const shown = Shown_By(ofWindow ? event.window.windowID : event.key.windowID);
+  const bool ofButton = event.type == SDL_MOUSEBUTTONDOWN || event.type == SDL_MOUSEBUTTONUP;
+  if (event.type != SDL_WINDOWEVENT && event.type != SDL_KEYDOWN && !ofButton) return;
+  // The window's number lies at the same place in all events that have one.
+  const ShownWindow* const shown = Shown_By(event.window.windowID);
   if (!shown) return;
   // A copy: the window may be destroyed by what follows.
   const ShownWindow window = *shown;
-  if (ofWindow) On_Window_Event(window, event.window.event);
-  if (ofKey && !event.key.repeat) On_Key(window, event.key.keysym.sym);
+  if (event.type == SDL_WINDOWEVENT) On_Window_Event(window, event.window.event);
+  if (event.type == SDL_KEYDOWN) On_Key(window, event.key);
+  if (ofButton) On_Button(window, event.button);
 }
 
 static void Pump_Events(uint32_t milliseconds) {
@@ -172,7 +197,7 @@ static void Wake() {
   SDL_PushEvent(&event);
 }
 
-bool Sdl_Desktop_Start(std::string* error) {
+bool Sdl_Desktop_Start(int bits, std::string* error) {
   SDL_SetHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1");
   SDL_SetHint(SDL_HINT_VIDEO_ALLOW_SCREENSAVER, "1");
   SDL_DisplayMode mode = {};
@@ -181,7 +206,8 @@ bool Sdl_Desktop_Start(std::string* error) {
     SDL_Quit();
     return false;
   }
-  ScreenSetup setup;
+  ScreenSetup setup = Screen_Of_Depth(bits == 0 ? 32 : bits);
+  screenBits = setup.bits;
   setup.width = mode.w;
   setup.height = mode.h;
   Screen_Set_Up(setup);

@@ -4,13 +4,14 @@
  * minimised, and WM_PAINT when a part is uncovered. The other way round go size, title, visibility and style: a window with the
  * style WS_POPUP is shown on the full screen.
  *
- * The portable screen takes the size of the desktop, with 32 bits. All of it belongs to the thread that started it. */
+ * The portable screen takes the size of the desktop. All of it belongs to the thread that started it. */
 #pragma once
 
 #include <string>
 
-/** Sets the portable screen up and hooks the desktop in. False, with one line in *error, when there is no desktop. */
-bool Sdl_Desktop_Start(std::string* error);
+/** Sets the portable screen up with that depth (8, 15, 16, 24 or 32; 0: 32) and hooks the desktop in. False, with one line in
+ * *error, when there is no desktop. */
+bool Sdl_Desktop_Start(int bits, std::string* error);
 
 /** Takes desktop and screen away; all windows must have been destroyed. */
 void Sdl_Desktop_Stop();

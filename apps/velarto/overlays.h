@@ -1,0 +1,58 @@
+/* What the viewer lays over the picture, as the user has asked for it on the command line and changes it by keys and clicks. A
+ * display starts without any of it, so that it is applied anew to each. */
+#pragma once
+
+#include "apps/velarto/picture.h"
+
+#include "platform/win32.h"
+
+#include <CLI/CLI.hpp>
+
+#include <array>
+#include <optional>
+
+/** As given on the command line. */
+struct OverlayOptions {
+  bool grid = false, statistics = false;
+  std::vector<std::string> cells;    ///< "COLUMN,ROW" each, or the name of a file of such pairs.
+  std::vector<int> area, rectangle;  ///< Empty, or x, y, width, height.
+  std::string ptz, position;         ///< Picture files.
+  std::string motion;                ///< "TEXT,LEFT,TOP,RIGHT,BOTTOM".
+};
+
+void Add_Overlay_Options(CLI::App* command, OverlayOptions* options);
+
+constexpr int GridColumns = 20, GridRows = 15;
+
+struct PlacedRect {
+  int x, y, width, height;
+};
+
+struct Overlays {
+  bool layer = false;  ///< The motion-area layer is shown: grid, cells, area and rectangle.
+  bool statistics = false, motion = false, ptz = false;
+  std::array<std::array<bool, GridColumns>, GridRows> marked = {};
+  std::optional<PlacedRect> area;       ///< In picture pixels.
+  std::optional<PlacedRect> rectangle;  ///< In a picture of 320 by 240.
+  Picture ptzPicture, positionPicture;  ///< Empty: none.
+  std::string caption;
+  RECT motionRect = {};
+};
+
+/** Reads what the options name. False, with *error, for files and texts that can't be understood. */
+bool Overlays_Read(const OverlayOptions& options, Overlays* overlays, std::string* error);
+
+/** Applies all of it to the decoder's display. Nothing shows before the next frame or repaint, as with those that follow. */
+void Overlays_Apply(const Overlays& overlays, JdecDecoder* decoder);
+
+/* What is on goes off, and the other way round. */
+void Overlays_Toggle_Layer(Overlays* overlays, JdecDecoder* decoder);
+void Overlays_Toggle_Statistics(Overlays* overlays, JdecDecoder* decoder);
+void Overlays_Toggle_Motion(Overlays* overlays, JdecDecoder* decoder);
+void Overlays_Toggle_Ptz(Overlays* overlays, JdecDecoder* decoder);
+
+/** Moves the rectangle by that much, if there is one; it stays in the picture. */
+void Overlays_Move_Rectangle(Overlays* overlays, JdecDecoder* decoder, int x, int y);
+
+/** Marks or clears the cell at a pixel of the picture, and shows the layer. False where there is no cell. */
+bool Overlays_Click(Overlays* overlays, JdecDecoder* decoder, int x, int y);
