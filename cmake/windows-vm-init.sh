@@ -40,6 +40,9 @@ screen() {
   server=$!
   read -r number </tmp/ready
   export DISPLAY=:$number
+  # On 8 bits Wine draws in colours of its own choice, unless it leaves the drawing to the X server.
+  [ "$depth" = 8 ] && $wine reg add 'HKCU\Software\Wine\X11 Driver' /v ClientSideGraphics /d N /f >/dev/null 2>&1
+  return 0
 }
 
 # The copies that Wine puts into a prefix become links to what they were copied from: the prefix stays small.

@@ -74,11 +74,16 @@ struct DllTest : testing::Test {
       const Bytes shown = Read_Screen(window);
       if (shown.size() != expected.size()) return -1;
       differing = 0;
-      for (size_t i = 0; i < shown.size(); i += 4) differing += !std::equal(&shown[i], &shown[i] + 3, &expected[i]);
+      for (size_t i = 0; i < shown.size(); i += 4) differing += !Same_Color(&shown[i], &expected[i]);
       if (differing == 0) return 0;
       Repaint(window);
     }
     return differing;
+  }
+  /** On 8 bits Wine keeps some of the screen's entries for itself, so that a few colours are replaced by their neighbours. */
+  static bool Same_Color(const uint8_t* shown, const uint8_t* expected) {
+    const int most = Screen_Depth() == 8 ? 32 : 0;
+    return std::equal(shown, shown + 3, expected, [most](int a, int b) { return std::abs(a - b) <= most; });
   }
   void Repaint(HWND window) {
     RECT client;

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # run_all.sh FOLDER: runs the Windows programs of a build in the emulated PC: the DLL in its DirectDraw and in its GDI form, on screens of
-# 32 and 16 bits, and the platform tests, where Windows' own operations are the judge. Ends with a closing line.
+# 32 and 16 bits, in its GDI form on one of 8 bits, where Wine has no 3D to offer, and the platform tests, where Windows' own operations are the judge. Ends with a closing line.
 set -uo pipefail
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 folder=$1
@@ -15,6 +15,7 @@ platform_tests.exe
 velarto.exe info street.vlr
 depth=16 VELARTO_FORM=ddraw windows_tests.exe
 depth=16 VELARTO_FORM=gdi WINE_D3D_CONFIG=renderer=no3d windows_tests.exe
+depth=8 VELARTO_FORM=gdi windows_tests.exe
 END
 
 data=()

@@ -82,7 +82,7 @@ int64_t Tcp_Read(Source* source, std::span<uint8_t> buffer, std::string* error) 
   while (!source->stop->load()) {
     if (Socket_Wait(source->handle, false, StopLook)) return Socket_Read(source->handle, buffer, error);
     if (Clock::now() < deadline) continue;
-    *error = "no byte for " + std::to_string(StallTimeOut.count()) + " seconds";
+    *error = std::string("no byte for ") + std::to_string(StallTimeOut.count()) + " seconds";
     return -1;
   }
   return 0;
