@@ -46,8 +46,9 @@ struct JdecDisplay {
   char motionString[256];
 };
 
-/** The off-screen surface for a picture of some size: below the picture the motion-area layer, the template's strips, the PTZ strip and
- *  the position strip. At pictures 640 wide only heights of 240 and 480 leave the layer all the rows that the picture has. */
+/** The off-screen surface for a picture of some size: below the picture the motion-area layer, the template's strips, the PTZ
+ * strip and the position strip. At pictures 640 wide only heights of 240 and 480 leave the layer all the rows that the picture
+ * has. */
 struct SurfaceLayout {
   int32_t posHeight;      ///< Rows of the position strip.
   int32_t keyRow;         ///< Rows of the PTZ and position strips.
