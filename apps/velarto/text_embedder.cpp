@@ -21,9 +21,9 @@ int32_t Text_Room(int32_t width, int32_t height) {
 static std::vector<uint8_t> Text_Bits(const std::string& text) {
   std::vector<uint8_t> bits;
   for (const char c : text) {
-    const int byte = static_cast<uint8_t>(c) ^ WatermarkMask;
-    if (bits.empty()) bits.push_back(byte >> 7 & 1);
-    for (const int place : {6, 5, 4, 3, 2, 1, 0, 7}) bits.push_back(byte >> place & 1);
+    const int masked = static_cast<uint8_t>(c) ^ WatermarkMask;
+    if (bits.empty()) bits.push_back(masked >> 7 & 1);
+    for (const int place : {6, 5, 4, 3, 2, 1, 0, 7}) bits.push_back(masked >> place & 1);
   }
   return bits;
 }
@@ -39,8 +39,8 @@ static int32_t* Luma_Block(const JdecCodec* codec, int32_t index) {
 static int32_t Nearest(int32_t value, int32_t parity) {
   const int32_t from = std::clamp(value, LeastCounting, MostCounting), inward = from > 0 ? -1 : 1;
   for (int32_t distance = 0;; ++distance) {
-    for (const int32_t near : {from + inward * distance, from - inward * distance}) {
-      if (Watermark_Parity(near) == parity) return near;
+    for (const int32_t candidate : {from + inward * distance, from - inward * distance}) {
+      if (Watermark_Parity(candidate) == parity) return candidate;
     }
   }
 }

@@ -68,22 +68,20 @@ struct DllTest : testing::Test {
     return Differing_Pixels(window, Expected(&width, &height));
   }
   int Differing_Pixels(HWND window, const Bytes& expected) {
+    // On 8 bits Wine keeps some of the screen's entries for itself, so that a few colours are replaced by their neighbours.
+    const int most = Screen_Depth() == 8 ? 32 : 0;
+    const auto same = [most](int a, int b) { return std::abs(a - b) <= most; };
     int differing = 0;
     for (int attempt = 0; attempt < 20; ++attempt) {
       Pump_Messages(100);
       const Bytes shown = Read_Screen(window);
       if (shown.size() != expected.size()) return -1;
       differing = 0;
-      for (size_t i = 0; i < shown.size(); i += 4) differing += !Same_Color(&shown[i], &expected[i]);
+      for (size_t i = 0; i < shown.size(); i += 4) differing += !std::equal(&shown[i], &shown[i] + 3, &expected[i], same);
       if (differing == 0) return 0;
       Repaint(window);
     }
     return differing;
-  }
-  /** On 8 bits Wine keeps some of the screen's entries for itself, so that a few colours are replaced by their neighbours. */
-  static bool Same_Color(const uint8_t* shown, const uint8_t* expected) {
-    const int most = Screen_Depth() == 8 ? 32 : 0;
-    return std::equal(shown, shown + 3, expected, [most](int a, int b) { return std::abs(a - b) <= most; });
   }
   void Repaint(HWND window) {
     RECT client;

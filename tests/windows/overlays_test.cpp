@@ -30,10 +30,10 @@ struct OverlayTest : DllTest {
   int Wrong_Pixels(const std::function<Ink(int x, int y)>& ink) {
     int width = 0, height = 0;
     Bytes expected = Expected(&width, &height);
-    static const Bytes inks[] = {{}, {0, 0, 255, 0}, {255, 0, 0, 0}, {64, 0, 0, 0}};
+    const Bytes inks[] = {{}, As_Shown({0, 0, 255, 0}, true), As_Shown({255, 0, 0, 0}, true), As_Shown({64, 0, 0, 0}, true)};
     for (int i = 0; directDraw && i < Width * Height; ++i) {
       const Ink over = ink(i % Width, i / Width);
-      if (over != None) std::copy_n(As_Shown(inks[over], true).begin(), 4, &expected[static_cast<size_t>(i) * 4]);
+      if (over != None) std::copy_n(inks[over].begin(), 4, &expected[static_cast<size_t>(i) * 4]);
     }
     Repaint(window.handle);
     return Differing_Pixels(window.handle, expected);

@@ -28,17 +28,20 @@ static bool Open_Face(OpenedFace* opened) {
   return false;
 }
 
+static size_t Letter_Index(const Letter& letter, int32_t x, int32_t y) {
+  return static_cast<size_t>(y) * static_cast<size_t>(letter.width) + static_cast<size_t>(x);
+}
+
 /** Each pixel gets the highest coverage that a disc around it touches. */
 static void Make_Outline(Letter* letter, int32_t radius) {
-  const int32_t width = letter->width;
   letter->outline.assign(letter->body.size(), 0);
   for (int32_t y = 0; y < letter->height; ++y) {
-    for (int32_t x = 0; x < width; ++x) {
-      uint8_t& most = letter->outline[static_cast<size_t>(y * width + x)];
+    for (int32_t x = 0; x < letter->width; ++x) {
+      uint8_t& most = letter->outline[Letter_Index(*letter, x, y)];
       for (int32_t row = std::max(y - radius, 0); row <= std::min(y + radius, letter->height - 1); ++row) {
-        for (int32_t column = std::max(x - radius, 0); column <= std::min(x + radius, width - 1); ++column) {
+        for (int32_t column = std::max(x - radius, 0); column <= std::min(x + radius, letter->width - 1); ++column) {
           const int32_t distance = (row - y) * (row - y) + (column - x) * (column - x);
-          if (distance <= radius * radius) most = std::max(most, letter->body[static_cast<size_t>(row * width + column)]);
+          if (distance <= radius * radius) most = std::max(most, letter->body[Letter_Index(*letter, column, row)]);
         }
       }
     }
@@ -52,7 +55,7 @@ static void Load_Letter(FT_GlyphSlot slot, int32_t baseline, int32_t border, Let
   letter->body.assign(static_cast<size_t>(letter->width) * static_cast<size_t>(letter->height), 0);
   for (int32_t row = 0; row < rows; ++row) {
     const uint8_t* const from = bitmap.buffer + static_cast<ptrdiff_t>(row) * bitmap.pitch;
-    std::copy_n(from, columns, &letter->body[static_cast<size_t>((row + border) * letter->width + border)]);
+    std::copy_n(from, columns, &letter->body[Letter_Index(*letter, border, row + border)]);
   }
   Make_Outline(letter, border);
 }
@@ -76,7 +79,7 @@ static void Draw_Coverage(const Letter& letter, const std::vector<uint8_t>& cove
                           const Color& color) {
   for (int32_t row = std::max(-y, 0); row < std::min(letter.height, picture->height - y); ++row) {
     for (int32_t column = std::max(-x, 0); column < std::min(letter.width, picture->width - x); ++column) {
-      const uint8_t part = coverage[static_cast<size_t>(row * letter.width + column)];
+      const uint8_t part = coverage[Letter_Index(letter, column, row)];
       if (part > 0) Paint_Pixel(Paint_At(picture, x + column, y + row), color, static_cast<float>(part) / 255);
     }
   }

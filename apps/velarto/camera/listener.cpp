@@ -76,7 +76,7 @@ std::shared_ptr<Listener> Listener_Open(const std::string& address, uint16_t por
     *error += gai_strerror(code);
     return nullptr;
   }
-  const auto listener = std::make_shared<Listener>();
+  auto listener = std::make_shared<Listener>();
   int reason = 0;
   for (const addrinfo* entry = found; entry && listener->socket < 0; entry = entry->ai_next) {
     listener->socket = Open_Socket(*entry);

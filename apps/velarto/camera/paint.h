@@ -32,9 +32,11 @@ inline uint8_t* Paint_At(Picture* picture, int32_t x, int32_t y) {
 
 /** Mixes the colour into a pixel of the picture; part 0: nothing, 1: the colour alone. */
 inline void Paint_Pixel(uint8_t* pixel, const Color& color, float part) {
-  pixel[0] = static_cast<uint8_t>(static_cast<float>(pixel[0]) + (color.blue - static_cast<float>(pixel[0])) * part + 0.5F);
-  pixel[1] = static_cast<uint8_t>(static_cast<float>(pixel[1]) + (color.green - static_cast<float>(pixel[1])) * part + 0.5F);
-  pixel[2] = static_cast<uint8_t>(static_cast<float>(pixel[2]) + (color.red - static_cast<float>(pixel[2])) * part + 0.5F);
+  const auto weight = static_cast<int32_t>(part * 256);
+  const float colors[] = {color.blue, color.green, color.red};
+  for (int i = 0; i < 3; ++i) {
+    pixel[i] = static_cast<uint8_t>((pixel[i] * (256 - weight) + static_cast<int32_t>(colors[i]) * weight + 128) >> 8);
+  }
 }
 
 /** A closed polygon; where it crosses itself, what is inside twice is outside. */

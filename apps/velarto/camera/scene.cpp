@@ -73,8 +73,10 @@ static void Draw_Sun(const Moment& moment) {
   const float radius = 0.045F * moment.unit;
   const Color color =
       day ? Color_Mix({255, 150, 80}, {255, 244, 200}, std::clamp(moment.sun * 2, 0.0F, 1.0F)) : Color{236, 236, 220};
-  for (float halo = day ? 4.0F : 2.2F; halo > 1.1F; halo *= 0.8F)
+  for (int i = 6; i > 0; --i) {
+    const float halo = 1 + (day ? 0.5F : 0.2F) * static_cast<float>(i);
     Paint_Ellipse(moment.picture, place, radius * halo, radius * halo, {color, 0.05F, &moment.scene.sky});
+  }
   Paint_Ellipse(moment.picture, place, radius, radius, {color, 1, &moment.scene.sky});
 }
 
@@ -202,7 +204,8 @@ static void Draw_Car(const Moment& moment, const Car& car, float x, float ahead)
   const float lamps = moment.light.lamps;
   Paint_Ellipse(moment.picture, at(0.13F, 0.045F), 0.007F * u, 0.006F * u, {{255, 246, 210}, 0.5F + 0.5F * lamps});
   Paint_Ellipse(moment.picture, at(-0.133F, 0.048F), 0.005F * u, 0.007F * u, {{220, 30, 24}, 0.5F + 0.5F * lamps});
-  for (float reach = 0.36F; lamps > 0 && reach > 0.05F; reach -= 0.03F) {
+  for (int i = 0; lamps > 0 && i < 10; ++i) {
+    const float reach = 0.36F - 0.03F * static_cast<float>(i);
     const Point cone[] = {at(0.135F, 0.048F), at(0.135F + reach, 0.05F), at(0.135F + reach, 0.045F - 0.18F * reach),
                           at(0.135F, 0.042F)};
     Paint_Polygon(moment.picture, cone, {{255, 244, 200}, 0.06F * lamps});

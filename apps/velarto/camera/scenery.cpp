@@ -97,7 +97,8 @@ static void Draw_House(const Site& site, int index, float left, float width, flo
   Paint_Polygon(site.picture, roof, Lit(site, {146, 66, 48}));
   const float step = width * u / 3, pane = 0.014F * u;
   for (int i = 0; i < 6; ++i) {
-    const float x = left + step * (static_cast<float>(i % 3) + 0.5F), y = top + (0.03F + 0.045F * static_cast<float>(i / 3)) * u;
+    const int column = i % 3, row = i / 3;
+    const float x = left + step * (static_cast<float>(column) + 0.5F), y = top + (0.03F + 0.045F * static_cast<float>(row)) * u;
     if (y + pane > ground) continue;
     const bool lit = site.light.lamps > 0 && (i + index) % 3 != 0;
     Paint_Box(site.picture, x - pane * 0.7F, y - pane, x + pane * 0.7F, y + pane,
@@ -121,8 +122,10 @@ static void Draw_Promenade(const Site& site) {
   const float u = site.unit, shore = Shore * site.height, kerb = Kerb * site.height;
   Paint_Box(site.picture, 0, shore, site.width, kerb, Lit(site, {196, 186, 166}));
   Paint_Box(site.picture, 0, shore, site.width, shore + 0.012F * u, Lit(site, {226, 218, 200}));
-  for (float x = 0.03F * u; x < site.width; x += 0.09F * u)
+  for (int i = 0; static_cast<float>(i) * 0.09F * u < site.width; ++i) {
+    const float x = (0.03F + 0.09F * static_cast<float>(i)) * u;
     Paint_Box(site.picture, x, shore - 0.045F * u, x + 0.007F * u, shore + 0.006F * u, Lit(site, {70, 78, 84}));
+  }
   for (const float y : {0.044F, 0.024F})
     Paint_Box(site.picture, 0, shore - y * u, site.width, shore - (y - 0.006F) * u, Lit(site, {70, 78, 84}));
 }
@@ -132,8 +135,10 @@ static void Draw_Road(const Site& site) {
   Paint_Box(site.picture, 0, kerb, site.width, site.height, Lit(site, {74, 76, 82}));
   Paint_Box(site.picture, 0, kerb, site.width, kerb + 0.008F * u, Lit(site, {150, 148, 142}));
   const float line = LaneLine * site.height;
-  for (float x = 0.05F * u; x < site.width; x += 0.22F * u)
+  for (int i = 0; static_cast<float>(i) * 0.22F * u < site.width; ++i) {
+    const float x = (0.05F + 0.22F * static_cast<float>(i)) * u;
     Paint_Box(site.picture, x, line - 0.005F * u, x + 0.11F * u, line + 0.005F * u, Lit(site, {226, 222, 208}));
+  }
 }
 
 static void Draw_Lamp(const Site& site, float x) {
@@ -142,8 +147,10 @@ static void Draw_Lamp(const Site& site, float x) {
   Paint_Box(site.picture, x - 0.005F * u, top, x + 0.05F * u, top + 0.008F * u, Lit(site, {60, 64, 70}));
   const Point bulb = {x + 0.05F * u, top + 0.012F * u};
   if (site.light.lamps > 0) {
-    for (float radius = 0.11F; radius > 0.012F; radius *= 0.72F)
-      Paint_Ellipse(site.picture, bulb, radius * u, radius * u, {{255, 214, 140}, 0.07F});
+    for (int i = 7; i > 0; --i) {
+      const float radius = 0.015F * static_cast<float>(i) * u;
+      Paint_Ellipse(site.picture, bulb, radius, radius, {{255, 214, 140}, 0.07F});
+    }
     Paint_Ellipse(site.picture, {bulb.x, foot + 0.02F * u}, 0.2F * u, 0.03F * u, {{255, 214, 140}, 0.16F});
   }
   Paint_Ellipse(site.picture, bulb, 0.016F * u, 0.009F * u,
