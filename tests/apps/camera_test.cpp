@@ -11,7 +11,6 @@
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
 /** Milliseconds, far more than any answer takes on any machine; less than a stalled client is borne. */
 constexpr int Patience = 20000;
 
@@ -23,10 +22,10 @@ struct RunningCamera {
     EXPECT_EQ(std::fscanf(output, "%d http://127.0.0.1:%hu/ %*s %*s %*s tcp://127.0.0.1:%hu", &pid, &port, &rawPort), 3);
   }
   ~RunningCamera() {
-    const auto start = Clock::now();
+    const auto start = std::chrono::steady_clock::now();
     if (pid > 0) kill(pid, SIGTERM);
     EXPECT_EQ(pclose(output), 0);
-    EXPECT_LT(Clock::now() - start, std::chrono::milliseconds(Patience));
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(Patience));
   }
   FILE* output;
   int pid = 0;
@@ -116,10 +115,10 @@ TEST_F(ToolTest, CameraClientsThatStallLoseWholeFramesAndHoldNobodyUp) {
   const RunningCamera camera("--size 320x240 --quality 100 --fps " + std::to_string(Rate));
   for (int i = 0; i < 20; ++i)
     (i < 4 ? stalled : live).push_back(std::make_unique<Client>(camera, "/stream", i < 4 ? 4096 : 1 << 20));
-  const auto start = Clock::now();
+  const auto start = std::chrono::steady_clock::now();
   for (int i = 0; i < Frames * 16; ++i) ASSERT_FALSE(live[i % 16]->Frame().empty());
-  // A client held up by a stalled one would have taken ten times as long.
-  EXPECT_LT(Clock::now() - start, std::chrono::seconds(4 * Frames / Rate));
+  // These 3 seconds would have been 30 for a client held up by a stalled one.
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(Patience));
   // A stalled one that wakes up gets the newest frames again, and has lost some in between, but no part of one.
   std::set<std::string> now, awake;
   for (std::string next, late; !now.contains(late) && !awake.contains(next);) {
@@ -172,12 +171,10 @@ TEST_F(ToolTest, CameraChaosLosesFramesThatItHitsOrThatACutOneTakesInAndNoOthers
         if (!any && offset >= reach) missing.emplace(clean.begin(), clean.end());
         // A cut JFIF frame takes in all up to the next end mark, other ones as many bytes as they lack.
         if (!any && reach == SIZE_MAX) reach = 0;
-        if (hit.cut)
-          reach = form == FrameForm::Jfif ? SIZE_MAX : std::max(reach, offset + (hit.garbage ? 4096 : 0) + clean.size());
+        const size_t own = form == FrameForm::Jfif ? SIZE_MAX : offset + (hit.garbage ? 4096 : 0) + clean.size();
+        if (hit.cut) reach = std::max(reach, own);
         offset += sent.size();
-        if (!hit.cut && !hit.garbage) {
-          EXPECT_TRUE(std::equal(&clean[0], &clean[12], &sent[0]));
-        }
+        EXPECT_TRUE(hit.cut || hit.garbage || std::equal(&clean[0], &clean[12], &sent[0]));
         Walk_Add(&walk, sent);
         for (WalkedFrame frame; Walk_Next(&walk, &frame);) missing.erase({frame.bytes.begin(), frame.bytes.end()});
       }

@@ -8,7 +8,7 @@ namespace {
 std::string Text_Of(const Bytes& bytes) { return {bytes.begin(), bytes.end()}; }
 std::string Little(int64_t value, int count) {
   std::string text;
-  for (int i = 0; i < count; ++i) text += (char)(value >> (8 * i));
+  for (; count > 0; --count, value >>= 8) text += (char)value;
   return text;
 }
 
