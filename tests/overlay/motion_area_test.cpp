@@ -25,7 +25,7 @@ struct Motion : Machine {
   std::map<uint32_t, uint32_t> pixels;
 
   Motion(int32_t bits, int32_t pictureWidth, int32_t pictureHeight)
-      : Machine(Screen_With(bits), 640, 480),
+      : Machine(Screen_With(bits), pictureWidth, pictureHeight),
         decoder(Make_Decoder(pictureWidth, pictureHeight)),
         width(pictureWidth),
         height(pictureHeight),
@@ -91,6 +91,23 @@ struct Motion : Machine {
         ADD_FAILURE() << what << ": " << pixel << " for " << expected << " at " << i % width << ", " << i / width;
     }
     EXPECT_EQ(wrong, 0) << what;
+    Expect_Shown_Over_A_Picture(what);
+  }
+  /** The window shows the layer where it is not black, and elsewhere the picture. */
+  void Expect_Shown_Over_A_Picture(const char* what) const {
+    const int32_t bytes = decoder->display->displayBits / 8;
+    const Raster raster = Noise_Raster(width, height, 8 * bytes);
+    Display_Present(decoder->display, raster.get(), 0, 0, width, height, 1);
+    int32_t windowWidth = 0, rows = 0, pitch = 0, wrong = 0;
+    const uint8_t* const first = Screen_Window_Pixels(handle, &windowWidth, &rows, &pitch);
+    ASSERT_EQ((std::vector{windowWidth, rows}), (std::vector{width, height}));
+    for (int32_t i = 0; i < width * height; ++i) {
+      const uint32_t layer = model[static_cast<size_t>(i)], pixel = pixels.at(layer);
+      const uint8_t* const below = raster->rows[i / width] + i % width * bytes;
+      const uint8_t* const expected = layer == Black ? below : reinterpret_cast<const uint8_t*>(&pixel);
+      wrong += std::memcmp(first + i / width * pitch + i % width * bytes, expected, static_cast<size_t>(bytes)) != 0;
+    }
+    EXPECT_EQ(wrong, 0) << what << " in the window";
   }
 };
 

@@ -1,4 +1,5 @@
 #include "display/machine.h"
+#include "display/statistics.h"
 #include "overlay/color_key.h"
 #include "overlay/motion_state.h"
 #include "support/streams.h"
@@ -168,6 +169,29 @@ TEST_F(Bitmaps, AreStoredInTheirStripsAndDeleted) {
   JDEC_set_ptz_bmp(decoder, kept);
   EXPECT_EQ(decoder->display->ptzEnabled + decoder->display->posEnabled, 0);
   EXPECT_TRUE(DeleteObject(kept)) << "still the caller's";
+}
+
+TEST_F(Bitmaps, NothingOfAnOverlayReachesTheExportedPicture) {
+  ASSERT_EQ(JDEC_Draw_Init(decoder, machine.handle), 1);
+  const TestFrame frame = Load_Frame("scene-q50.jpg", 50);
+  Push(decoder, frame.compact);
+  const Bytes plain = Current_Picture(decoder);
+  JDEC_enable_MD(decoder, 3);
+  JDEC_set_MD_area(decoder, 1, 1, 1);
+  JDEC_show_rectangle(decoder, 10, 10, 20, 20, 0);
+  JDEC_SetMotionSeachEnable(decoder, 1);
+  JDEC_SetMotionSeachString(decoder, "XX");
+  Display_Show_Statistics(decoder->display, 1);
+  for (const int32_t mode : {3, 0}) {
+    JDEC_enable_MD(decoder, mode);
+    JDEC_set_ptz_bmp(decoder, Make_Bitmap(40, 20, Red));
+    const int32_t place[4] = {0, 0, 320, 240};
+    JDEC_Access_SrcRect(decoder, place);
+    EXPECT_EQ(Current_Picture(decoder), plain);
+    const uint8_t* const raster = JDEC_get_decompressed_bitmap(decoder);
+    for (size_t i = 54, k = 0; i < plain.size(); i += 3, k += 4)
+      ASSERT_TRUE(std::equal(&plain[i], &plain[i] + 3, raster + k)) << i;
+  }
 }
 
 TEST_F(Bitmaps, CallsWithoutASurfaceOrDisplayDoNothing) {

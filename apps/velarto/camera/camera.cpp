@@ -48,15 +48,17 @@ static bool Make_Frame(Camera* camera, std::string* error) {
   return true;
 }
 
-/** Makes frames at the moments that are multiples of the period after the start, as long as someone looks. Moments that a slow
- *  frame takes up are left out. A frame that can't be made is left out too; each reason is told once. */
+/** Makes frames at the moments that are multiples of the period after the start, as long as someone looks: each as early as it
+ * can be, though not before its moment, and without those whose time is over. A frame that can't be made is left out too; each
+ * reason is told once. */
 static void Run_Maker(Camera* camera) {
   const std::chrono::duration<double> period(1 / camera->options.framesPerSecond);
   const auto start = Clock::now();
+  double moment = 0;
   std::string told;
   while (Hub_Await_Watcher(&camera->hub)) {
-    const double next = std::floor((Clock::now() - start) / period) + 1;
-    if (!Hub_Sleep(&camera->hub, start + std::chrono::duration_cast<Clock::duration>(next * period))) return;
+    moment = std::max(moment + 1, std::floor((Clock::now() - start) / period));
+    if (!Hub_Sleep(&camera->hub, start + std::chrono::duration_cast<Clock::duration>(moment * period))) return;
     std::string error;
     if (Make_Frame(camera, &error) || error == told) continue;
     Report(error);
