@@ -48,11 +48,13 @@ int32_t Ring_Read(JdecDecoder* decoder, uint8_t* buffer, int32_t length) {
   WaitForSingleObject(decoder->lock, INFINITE);
   decoder->hidden = decoder->ringFill > decoder->ringSize * 3 / 4;
   const int32_t count = std::clamp(length, 0, decoder->ringFill);
-  const int32_t first = First_Part(decoder, decoder->ringRead, count);
-  std::memcpy(buffer, decoder->ringRead, static_cast<size_t>(first));
-  std::memcpy(buffer + first, decoder->ringStart, static_cast<size_t>(count - first));
-  decoder->ringRead = Ring_Advance(decoder, decoder->ringRead, count);
-  decoder->ringFill -= count;
+  if (count > 0) {
+    const int32_t first = First_Part(decoder, decoder->ringRead, count);
+    std::memcpy(buffer, decoder->ringRead, static_cast<size_t>(first));
+    std::memcpy(buffer + first, decoder->ringStart, static_cast<size_t>(count - first));
+    decoder->ringRead = Ring_Advance(decoder, decoder->ringRead, count);
+    decoder->ringFill -= count;
+  }
   ReleaseMutex(decoder->lock);
   return count;
 }
