@@ -160,6 +160,14 @@ SurfaceLayout Surface_Layout(int32_t width, int32_t height) {
   return {240, 240 + PtzStripRows, 858, std::clamp(480 - height, 0, height), 480};
 }
 
+SIZE Surface_Size(IDirectDrawSurface* surface) {
+  DDSURFACEDESC description = {};
+  description.dwSize = sizeof description;
+  description.dwFlags = DDSD_HEIGHT | DDSD_WIDTH;
+  if (FAILED(IDirectDrawSurface_GetSurfaceDesc(surface, &description))) return {};
+  return {static_cast<LONG>(description.dwWidth), static_cast<LONG>(description.dwHeight)};
+}
+
 JdecDisplay* Display_Create(HWND window, int32_t width, int32_t height) {
   auto* display = static_cast<JdecDisplay*>(Arena_Alloc_Zeroed(sizeof(JdecDisplay)));
   if (!display) return nullptr;

@@ -58,6 +58,9 @@ struct SurfaceLayout {
 };
 SurfaceLayout Surface_Layout(int32_t width, int32_t height);
 
+/** Columns and rows of a surface; 0 when it can't tell. */
+SIZE Surface_Size(IDirectDrawSurface* surface);
+
 /** Makes the display of a window for pictures of that size, in whichever form the screen allows. Gives null when the screen's
  * depth is unknown (the user is told), or the off-screen surface or memory can't be had; nothing stays allocated then. */
 JdecDisplay* Display_Create(HWND window, int32_t width, int32_t height);

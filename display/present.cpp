@@ -20,14 +20,6 @@ constexpr LONG PtzMargin = 20;
 /** Restores in one frame: surfaces that are lost again each time must not hold the caller up. */
 constexpr int32_t MostRestores = 16;
 
-SIZE Surface_Size(IDirectDrawSurface* surface) {
-  DDSURFACEDESC description = {};
-  description.dwSize = sizeof description;
-  description.dwFlags = DDSD_HEIGHT | DDSD_WIDTH;
-  if (FAILED(IDirectDrawSurface_GetSurfaceDesc(surface, &description))) return {};
-  return {static_cast<LONG>(description.dwWidth), static_cast<LONG>(description.dwHeight)};
-}
-
 /** One axis of a copy at 1:1. */
 struct Span {
   LONG from, to, length;

@@ -24,10 +24,7 @@ SIZE Bitmap_Size(HBITMAP bitmap) {
 /** Makes the strip black, which is the key colour, and copies the bitmap to it as far as both reach; then the bitmap is deleted.
  * False, with the bitmap still the caller's, when there is no device context. */
 bool Store_Bitmap(IDirectDrawSurface* surface, HBITMAP bitmap, const Strip& strip) {
-  DDSURFACEDESC description = {};
-  description.dwSize = sizeof description;
-  IDirectDrawSurface_GetSurfaceDesc(surface, &description);
-  const int32_t top = static_cast<int32_t>(description.dwHeight) - strip.fromFoot;
+  const int32_t top = Surface_Size(surface).cy - strip.fromFoot;
   const SIZE size = Bitmap_Size(bitmap);
   const int32_t width = std::min<int32_t>(strip.width, size.cx), height = std::min<int32_t>(strip.height, size.cy);
   {

@@ -4,9 +4,6 @@
 
 #include <algorithm>
 
-std::atomic<LinePrimitive> horizontalLine = horizontalLine32;
-std::atomic<LinePrimitive> verticalLine = verticalLine32;
-
 namespace {
 
 template <int32_t Bytes>
@@ -53,33 +50,16 @@ int32_t Draw_Vertical(const DDSURFACEDESC* surface, uint8_t* layer, int32_t from
 
 }  // namespace
 
-int32_t horizontalLine8(const DDSURFACEDESC* surface, uint8_t* layer, int32_t from, int32_t to, int32_t at, uint32_t color) {
-  return Draw_Horizontal<1>(surface, layer, from, to, at, color);
-}
-int32_t horizontalLine16(const DDSURFACEDESC* surface, uint8_t* layer, int32_t from, int32_t to, int32_t at, uint32_t color) {
-  return Draw_Horizontal<2>(surface, layer, from, to, at, color);
-}
-int32_t horizontalLine24(const DDSURFACEDESC* surface, uint8_t* layer, int32_t from, int32_t to, int32_t at, uint32_t color) {
-  return Draw_Horizontal<3>(surface, layer, from, to, at, color);
-}
-int32_t horizontalLine32(const DDSURFACEDESC* surface, uint8_t* layer, int32_t from, int32_t to, int32_t at, uint32_t color) {
-  return Draw_Horizontal<4>(surface, layer, from, to, at, color);
-}
-int32_t verticalLine8(const DDSURFACEDESC* surface, uint8_t* layer, int32_t from, int32_t to, int32_t at, uint32_t color) {
-  return Draw_Vertical<1>(surface, layer, from, to, at, color);
-}
-int32_t verticalLine16(const DDSURFACEDESC* surface, uint8_t* layer, int32_t from, int32_t to, int32_t at, uint32_t color) {
-  return Draw_Vertical<2>(surface, layer, from, to, at, color);
-}
-int32_t verticalLine24(const DDSURFACEDESC* surface, uint8_t* layer, int32_t from, int32_t to, int32_t at, uint32_t color) {
-  return Draw_Vertical<3>(surface, layer, from, to, at, color);
-}
-int32_t verticalLine32(const DDSURFACEDESC* surface, uint8_t* layer, int32_t from, int32_t to, int32_t at, uint32_t color) {
-  return Draw_Vertical<4>(surface, layer, from, to, at, color);
-}
+const LinePrimitive horizontalLine8 = Draw_Horizontal<1>, horizontalLine16 = Draw_Horizontal<2>,
+                    horizontalLine24 = Draw_Horizontal<3>, horizontalLine32 = Draw_Horizontal<4>;
+const LinePrimitive verticalLine8 = Draw_Vertical<1>, verticalLine16 = Draw_Vertical<2>, verticalLine24 = Draw_Vertical<3>,
+                    verticalLine32 = Draw_Vertical<4>;
+
+std::atomic<LinePrimitive> horizontalLine = Draw_Horizontal<4>;
+std::atomic<LinePrimitive> verticalLine = Draw_Vertical<4>;
 
 void Lines_Select(int32_t displayBits) {
-  static constexpr struct {
+  static const struct {
     LinePrimitive horizontal, vertical;
   } pairs[] = {{horizontalLine8, verticalLine8},
                {horizontalLine16, verticalLine16},

@@ -14,14 +14,8 @@
 using LinePrimitive = int32_t (*)(const DDSURFACEDESC* surface, uint8_t* layer, int32_t from, int32_t to, int32_t at,
                                   uint32_t color);
 
-int32_t horizontalLine8(const DDSURFACEDESC* surface, uint8_t* layer, int32_t from, int32_t to, int32_t at, uint32_t color);
-int32_t horizontalLine16(const DDSURFACEDESC* surface, uint8_t* layer, int32_t from, int32_t to, int32_t at, uint32_t color);
-int32_t horizontalLine24(const DDSURFACEDESC* surface, uint8_t* layer, int32_t from, int32_t to, int32_t at, uint32_t color);
-int32_t horizontalLine32(const DDSURFACEDESC* surface, uint8_t* layer, int32_t from, int32_t to, int32_t at, uint32_t color);
-int32_t verticalLine8(const DDSURFACEDESC* surface, uint8_t* layer, int32_t from, int32_t to, int32_t at, uint32_t color);
-int32_t verticalLine16(const DDSURFACEDESC* surface, uint8_t* layer, int32_t from, int32_t to, int32_t at, uint32_t color);
-int32_t verticalLine24(const DDSURFACEDESC* surface, uint8_t* layer, int32_t from, int32_t to, int32_t at, uint32_t color);
-int32_t verticalLine32(const DDSURFACEDESC* surface, uint8_t* layer, int32_t from, int32_t to, int32_t at, uint32_t color);
+extern const LinePrimitive horizontalLine8, horizontalLine16, horizontalLine24, horizontalLine32;
+extern const LinePrimitive verticalLine8, verticalLine16, verticalLine24, verticalLine32;
 
 /* The pair for the screen's depth. One pair for the process, set by each display of the DirectDraw form. */
 extern std::atomic<LinePrimitive> horizontalLine;

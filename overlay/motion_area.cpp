@@ -15,16 +15,6 @@ namespace {
 /** Bit of JDEC_enable_MD's value that asks for the rectangle mode. */
 constexpr int32_t RectModeBit = 2;
 
-/** Where the cells of a picture lie. A cell's margins are its grid lines. */
-struct CellGeometry {
-  int32_t width, height, left, top;
-};
-
-CellGeometry Cell_Geometry(int32_t width, int32_t height) {
-  if (width != 640) return {16, 16, 1, 1};
-  return height == 480 ? CellGeometry{32, 32, 2, 2} : CellGeometry{32, 16, 2, 1};
-}
-
 /** Copies a block from the tile strip into a cell, as far as the cell lies in the layer and the block on the surface. */
 void Copy_Block(const Layer& layer, int32_t fromColumn, int32_t column, int32_t row, int32_t width, int32_t height) {
   width = std::min({width, layer.width - fromColumn, layer.width - column});
@@ -52,6 +42,11 @@ void Open_Area(const Layer& layer, const LayerRect& area) {
 }
 
 }  // namespace
+
+CellGeometry Cell_Geometry(int32_t width, int32_t height) {
+  if (width != 640) return {16, 16, 1, 1};
+  return height == 480 ? CellGeometry{32, 32, 2, 2} : CellGeometry{32, 16, 2, 1};
+}
 
 void VELARTO_CDECL JDEC_enable_MD(JdecDecoder* decoder, int32_t value) {
   if (!decoder) return;

@@ -4,6 +4,14 @@
 
 #include "display/context.h"
 
+/** Size of a cell of the grid, and its margins, which are the grid's lines. */
+struct CellGeometry {
+  int32_t width, height, left, top;
+};
+
+/** The cells of pictures of that size. */
+CellGeometry Cell_Geometry(int32_t width, int32_t height);
+
 /** Lays the template bitmap out on a new surface: grid, tile strip, checker rows and sample row, and makes black the surface's
  * source key. For the three picture sizes that the template is made for (320x240, 640x240, 640x480) it is stretched over the
  * surface. For any other the grid keeps the measure of the cells, at the layer's upper left, and the strips are laid side by

@@ -17,13 +17,6 @@ bool Made_For(int32_t width, int32_t height) {
   return (width == 320 && height == 240) || (width == 640 && (height == 240 || height == 480));
 }
 
-SIZE Surface_Size(IDirectDrawSurface* surface) {
-  DDSURFACEDESC description = {};
-  description.dwSize = sizeof description;
-  IDirectDrawSurface_GetSurfaceDesc(surface, &description);
-  return {static_cast<LONG>(description.dwWidth), static_cast<LONG>(description.dwHeight)};
-}
-
 /** Grid and strips where the layout has them, in the measure of the cells: twice as wide in pictures 640 wide. */
 HRESULT Copy_By_Parts(IDirectDrawSurface* surface, HBITMAP bitmap, int32_t width, int32_t height) {
   IDirectDrawSurface_Restore(surface);

@@ -19,7 +19,7 @@ static bool Mark_Cell(std::string_view text, Overlays* overlays) {
       !Parse_Number(text.substr(comma + 1), &row)) {
     return false;
   }
-  if (column < 0 || column >= GridColumns || row < 0 || row >= GridRows) return false;
+  if (column < 0 || column >= MotionColumns || row < 0 || row >= MotionRows) return false;
   overlays->marked[static_cast<size_t>(row)][static_cast<size_t>(column)] = true;
   return true;
 }

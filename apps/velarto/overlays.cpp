@@ -2,6 +2,7 @@
 
 #include "decode/decoder.h"
 #include "display/statistics.h"
+#include "overlay/motion_area.h"
 
 #include <algorithm>
 #include <cstring>
@@ -62,8 +63,8 @@ void Overlays_Apply(const Overlays& overlays, JdecDecoder* decoder) {
   if (overlays.area) {
     JDEC_set_MD_area_2(decoder, overlays.area->x, overlays.area->y, overlays.area->width, overlays.area->height, 0);
   }
-  for (int row = 0; row < GridRows; ++row) {
-    for (int column = 0; column < GridColumns; ++column) {
+  for (int row = 0; row < MotionRows; ++row) {
+    for (int column = 0; column < MotionColumns; ++column) {
       if (overlays.marked[static_cast<size_t>(row)][static_cast<size_t>(column)]) JDEC_set_MD_area(decoder, column, row, 1);
     }
   }
@@ -107,9 +108,9 @@ void Overlays_Move_Rectangle(Overlays* overlays, JdecDecoder* decoder, int x, in
 }
 
 bool Overlays_Click(Overlays* overlays, JdecDecoder* decoder, int x, int y) {
-  const bool wide = decoder->width == 640;
-  const int column = x / (wide ? 32 : 16), row = y / (wide && decoder->height == 480 ? 32 : 16);
-  if (x < 0 || y < 0 || column >= GridColumns || row >= GridRows) return false;
+  const CellGeometry cell = Cell_Geometry(decoder->width, decoder->height);
+  const int column = x / cell.width, row = y / cell.height;
+  if (x < 0 || y < 0 || column >= MotionColumns || row >= MotionRows) return false;
   bool& marked = overlays->marked[static_cast<size_t>(row)][static_cast<size_t>(column)];
   marked = !marked;
   JDEC_set_MD_area(decoder, column, row, marked);

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "apps/velarto/picture.h"
+#include "display/context.h"
 
 #include "platform/win32.h"
 
@@ -22,8 +23,6 @@ struct OverlayOptions {
 
 void Add_Overlay_Options(CLI::App* command, OverlayOptions* options);
 
-constexpr int GridColumns = 20, GridRows = 15;
-
 struct PlacedRect {
   int x, y, width, height;
 };
@@ -31,7 +30,7 @@ struct PlacedRect {
 struct Overlays {
   bool layer = false;  ///< The motion-area layer is shown: grid, cells, area and rectangle.
   bool statistics = false, motion = false, ptz = false;
-  std::array<std::array<bool, GridColumns>, GridRows> marked = {};
+  std::array<std::array<bool, MotionColumns>, MotionRows> marked = {};
   std::optional<PlacedRect> area;       ///< In picture pixels.
   std::optional<PlacedRect> rectangle;  ///< In a picture of 320 by 240.
   Picture ptzPicture, positionPicture;  ///< Empty: none.

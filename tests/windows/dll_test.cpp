@@ -117,7 +117,7 @@ TEST_F(DllTest, CallersMayMisalignTheirStack) {
   decoder = dll.JDEC_New(96, 64);
   ASSERT_EQ(dll.JDEC_Draw_Init(decoder, nullptr), 1);
   Push(Read_File("tile-96x64-q40.jpg"));
-  EXPECT_EQ(Call_Misaligned(Find_Export<int32_t(__cdecl*)(JdecDecoder*)>(dll.library, "JDEC_Get_Quality"), decoder), 40);
+  EXPECT_EQ(Call_Misaligned(Find_Export<int32_t(__cdecl*)(JdecDecoder*)>(dll.module, "JDEC_Get_Quality"), decoder), 40);
 }
 #endif
 

@@ -21,10 +21,10 @@ Function Find_Export(HMODULE library, const char* name) {
   EXPECT_NE(found, nullptr) << name;
   return found;
 }
-#define FIND(name) decltype(&::name) name = Find_Export<decltype(&::name)>(library, #name)
+#define FIND(name) decltype(&::name) name = Find_Export<decltype(&::name)>(module, #name)
 
 struct Library {
-  HMODULE library = LoadLibraryA("velarto.dll");
+  HMODULE module = LoadLibraryA("velarto.dll");
   FIND(JDEC_Init);
   FIND(JDEC_Exit);
   FIND(JDEC_New);
@@ -49,7 +49,7 @@ struct Library {
   Library() { JDEC_Init(); }
   ~Library() {
     JDEC_Exit();
-    FreeLibrary(library);
+    FreeLibrary(module);
   }
   Library(const Library&) = delete;
 };
