@@ -1,4 +1,6 @@
 /* The type under which a camera's stream is known to browsers and servers. */
 #pragma once
 
-constexpr char MimeType[] = "video/x-orvistream";
+#include "resources/texts.h"
+
+constexpr char MimeType[] = MIME_TYPE_TEXT;

@@ -230,6 +230,26 @@ int32_t VELARTO_CDECL JDEC_SetMotionSeachArea(JdecDecoder* decoder, int32_t left
 /** The caption, centred at the picture's top: of a longer text 255 characters. 0 also for a null text. */
 int32_t VELARTO_CDECL JDEC_SetMotionSeachString(JdecDecoder* decoder, const char* text);
 
+/* ---- The plug-in ----------------------------------------------------------------------------------------------- */
+
+/* A browser's entries. It loads the library and calls these in order; its tables belong to it and must last until NP_Shutdown.
+ * The instances that it makes through the table each own a decoder, at pdata. All of it runs on the thread of the instances'
+ * windows. */
+
+/** The browser's tables of functions, in the layout of its plug-in interface. */
+struct NPPluginFuncs;
+struct NPNetscapeFuncs;
+
+/** Fills the table with the plug-in's functions, version 9 of the interface; its size stays. Gives 0; 3 for null. */
+int16_t VELARTO_STDCALL NP_GetEntryPoints(struct NPPluginFuncs* table);
+
+/** Takes the browser's table and starts the library. Gives 0; 3 for null; 8 for a browser whose major version is above 0; 4 when
+ * the library can't be started. */
+int16_t VELARTO_STDCALL NP_Initialize(struct NPNetscapeFuncs* table);
+
+/** Ends what NP_Initialize started. Instances must have ended. Gives 0. */
+int16_t VELARTO_STDCALL NP_Shutdown(void);
+
 /* ---- The vb_JDEC_ family --------------------------------------------------------------------------------------- */
 
 /* The operations of the same name without vb_, under the calling convention __stdcall. The two that lack the status word never

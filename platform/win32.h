@@ -11,13 +11,20 @@
 #endif
 #include <ddraw.h>
 #include <windows.h>
+// These two build on windows.h.
+#include <commctrl.h>
+#include <commdlg.h>
 
 #else
 
+#include "platform/portable/controls.h"
 #include "platform/portable/ddraw.h"
+#include "platform/portable/dialogs.h"
 #include "platform/portable/gdi.h"
 #include "platform/portable/kernel.h"
 #include "platform/portable/monitor.h"
+#include "platform/portable/registry.h"
+#include "platform/portable/resource.h"
 #include "platform/portable/types.h"
 #include "platform/portable/window.h"
 

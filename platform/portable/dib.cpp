@@ -1,23 +1,11 @@
-/* Bitmaps of GDI, in memory and in the module's resources. */
+/* Bitmaps of GDI. */
 #include "platform/portable/gdi.h"
 #include "platform/portable/machine.h"
 
-#include <algorithm>
 #include <cstring>
 #include <new>
 
-/* The files of resources/, as the assembler has put them in. */
-extern "C" const uint8_t Resource_111[], Resource_111_End[];
-
 namespace {
-
-constexpr size_t BmpFileHead = 14, BmpBitsAt = 10;
-
-struct Resource {
-  uintptr_t number;
-  const uint8_t *begin, *end;
-};
-const Resource bitmapResources[] = {{111, Resource_111, Resource_111_End}};
 
 /** Both rectangles are of a size, and within what copies can handle. */
 bool Copy_Allowed(const int (&places)[4], const int (&sizes)[4]) {
@@ -100,21 +88,6 @@ HBITMAP CreateDIBitmap(HDC, const BITMAPINFOHEADER* header, DWORD flags, const v
   Copy_Pixels({Bitmap_View(bitmap), {0, 0, width, height}, source.view, {0, 0, width, height}, false});
   Object_Made();
   return bitmap;
-}
-
-HBITMAP LoadBitmapA(HMODULE, LPCSTR name) {
-  if (Step_Fails(ScreenStep::LoadBitmap)) return nullptr;
-  for (const Resource& resource : bitmapResources) {
-    if (reinterpret_cast<uintptr_t>(name) != resource.number) continue;
-    uint32_t bitsAt = 0;
-    std::memcpy(&bitsAt, resource.begin + BmpBitsAt, sizeof bitsAt);
-    // A file's header may lie anywhere; copied, it lies where its type may.
-    alignas(BITMAPINFO) uint8_t info[sizeof(BITMAPINFOHEADER) + 256 * sizeof(RGBQUAD)] = {};
-    std::memcpy(info, resource.begin + BmpFileHead, std::min<size_t>(sizeof info, bitsAt - BmpFileHead));
-    const auto* described = reinterpret_cast<const BITMAPINFO*>(info);
-    return CreateDIBitmap(nullptr, &described->bmiHeader, CBM_INIT, resource.begin + bitsAt, described, DIB_RGB_COLORS);
-  }
-  return nullptr;
 }
 
 int GetObjectA(HGDIOBJ object, int size, void* out) {

@@ -94,8 +94,6 @@ int StretchDIBits(HDC dc, int x, int y, int width, int height, int srcX, int src
 BOOL StretchBlt(HDC dc, int x, int y, int width, int height, HDC source, int srcX, int srcY, int srcWidth, int srcHeight,
                 DWORD operation);
 
-/** A bitmap of the module's resources; name: its number, by MAKEINTRESOURCEA. Null if there is none. */
-HBITMAP LoadBitmapA(HMODULE module, LPCSTR name);
 /** A bitmap from what StretchDIBits takes; flags is CBM_INIT. Null for anything else, or without memory. */
 HBITMAP CreateDIBitmap(HDC dc, const BITMAPINFOHEADER* header, DWORD flags, const void* bits, const BITMAPINFO* info, UINT usage);
 /** Describes a bitmap in a BITMAP. Gives the bytes stored, or 0 for another kind of object or size. */

@@ -11,6 +11,7 @@
 #include <chrono>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <mutex>
 #include <new>
 #include <thread>
@@ -42,6 +43,7 @@ KernelObject* Make_Object(HandleKind kind) {
 
 constexpr int64_t RealTime = -1;
 std::atomic<int64_t> fixedTick{RealTime};
+SYSTEMTIME fixedTime;  ///< Year 0: the real one.
 
 }  // namespace
 
@@ -108,6 +110,12 @@ BOOL CloseHandle(HANDLE handle) {
 LONG InterlockedIncrement(LONG volatile* value) { return __atomic_add_fetch(value, 1, __ATOMIC_SEQ_CST); }
 LONG InterlockedDecrement(LONG volatile* value) { return __atomic_sub_fetch(value, 1, __ATOMIC_SEQ_CST); }
 
+LPVOID InterlockedExchangePointer(LPVOID volatile* target, LPVOID value) {
+  return __atomic_exchange_n(target, value, __ATOMIC_SEQ_CST);
+}
+
+DWORD GetCurrentThreadId() { return static_cast<DWORD>(gettid()); }
+
 DWORD GetTickCount() {
   const int64_t fixed = fixedTick.load(std::memory_order_relaxed);
   if (fixed != RealTime) return static_cast<DWORD>(fixed);
@@ -116,7 +124,24 @@ DWORD GetTickCount() {
 }
 
 void Screen_Set_Tick(uint32_t tick) { fixedTick = tick; }
-void Screen_Real_Time() { fixedTick = RealTime; }
+void Screen_Set_Local_Time(const SYSTEMTIME& time) { fixedTime = time; }
+
+void Screen_Real_Time() {
+  fixedTick = RealTime;
+  fixedTime = {};
+}
+
+void GetLocalTime(SYSTEMTIME* time) {
+  *time = fixedTime;
+  if (fixedTime.wYear != 0) return;
+  timespec now{};
+  clock_gettime(CLOCK_REALTIME, &now);
+  tm local{};
+  localtime_r(&now.tv_sec, &local);
+  const auto word = [](long value) { return static_cast<WORD>(value); };
+  *time = {word(local.tm_year + 1900), word(local.tm_mon + 1), word(local.tm_wday), word(local.tm_mday),
+           word(local.tm_hour),        word(local.tm_min),     word(local.tm_sec),  word(now.tv_nsec / 1000000)};
+}
 
 void Sleep(DWORD milliseconds) { std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds)); }
 

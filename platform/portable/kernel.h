@@ -15,9 +15,12 @@ constexpr DWORD FILE_SHARE_READ = 1;
 constexpr DWORD FILE_SHARE_WRITE = 2;
 constexpr DWORD CREATE_ALWAYS = 2;
 constexpr DWORD OPEN_EXISTING = 3;
-#define MAKEINTRESOURCEA(number) (reinterpret_cast<LPCSTR>(static_cast<uintptr_t>(number)))
 constexpr DWORD FILE_ATTRIBUTE_NORMAL = 0x80;
 #define INVALID_HANDLE_VALUE (reinterpret_cast<HANDLE>(static_cast<intptr_t>(-1)))
+
+struct SYSTEMTIME {
+  WORD wYear, wMonth, wDayOfWeek, wDay, wHour, wMinute, wSecond, wMilliseconds;
+};
 
 struct SECURITY_ATTRIBUTES;
 struct OVERLAPPED;
@@ -41,9 +44,15 @@ BOOL CloseHandle(HANDLE handle);
 /** The new value. */
 LONG InterlockedIncrement(LONG volatile* value);
 LONG InterlockedDecrement(LONG volatile* value);
+/** The value before. */
+LPVOID InterlockedExchangePointer(LPVOID volatile* target, LPVOID value);
+
+DWORD GetCurrentThreadId();
 
 /** Milliseconds of a clock that never goes back, wrapping at 32 bits. */
 DWORD GetTickCount();
+/** The time of day where the machine stands. */
+void GetLocalTime(SYSTEMTIME* time);
 void Sleep(DWORD milliseconds);
 
 /** Opens a file: to write with GENERIC_WRITE and CREATE_ALWAYS, to read with GENERIC_READ and OPEN_EXISTING. Sharing and

@@ -2,6 +2,7 @@
  * this folder alone. */
 #pragma once
 
+#include "platform/portable/controls.h"
 #include "platform/portable/ddraw.h"
 #include "platform/portable/gdi.h"
 #include "platform/portable/pixels.h"
@@ -46,10 +47,14 @@ void Add_Message(const std::string& message);
 
 /* ---- Windows -------------------------------------------------------------------------------------------------------------- */
 
+struct OpenDialog;  // dialogs.cpp
+
 struct HWND__ {
   WNDPROC proc;
   HBRUSH background;
   HWND parent;
+  HWND owner;  ///< Of a window without a parent: it ends with its owner.
+  HINSTANCE instance;
   DWORD style;  ///< WS_VISIBLE and WS_DISABLED are kept here.
   LONG_PTR userData;
   std::string title;
@@ -59,6 +64,11 @@ struct HWND__ {
   RECT invalid;  ///< Empty: nothing to paint.
   std::vector<uint8_t> pixels;
   int32_t pitch;
+  OpenDialog* dialog;  ///< Of a dialog: while it is open.
+  int id;              ///< Of a control: its number in the dialog.
+  HBITMAP face;        ///< Of a button: its picture,
+  bool pressed;        ///< and whether it is down.
+  TOOLINFOA tool;      ///< Of a tooltip; cbSize is 0 without one.
 };
 
 /** All windows, oldest first; a later one lies above an earlier one. */
@@ -77,6 +87,13 @@ void Window_Make_Pixels(HWND window);
 void Window_Resize(HWND window, int32_t width, int32_t height);
 void Window_Set_Minimised(HWND window, bool minimised);
 LPARAM Window_Size_Param(HWND window);
+/** The class of a control, or null. */
+const WNDCLASSA* Control_Class(LPCSTR name);
+bool Is_Tooltip(HWND window);
+/** The light grey of dialogs and buttons. */
+constexpr uint32_t ButtonFace = 0xC0C0C0;
+/** Tells a message that was taken to the hooks; true when it is theirs. */
+bool Hooks_Swallow(const MSG& message);
 /** Drops what is posted to a window that ends. */
 void Messages_Forget(HWND window);
 /** Drops all messages, the wish to quit too. */

@@ -57,7 +57,8 @@ bool Find_Paint(const MessageFilter& filter, MSG* message) {
 }
 
 bool Find_Message(const MessageFilter& filter, bool take, MSG* message) {
-  if (Find_Posted(filter, take, message)) return true;
+  while (Find_Posted(filter, take, message))
+    if (!take || !Hooks_Swallow(*message)) return true;
   if (quitWanted) {
     if (take) quitWanted = false;
     *message = Make_Message(nullptr, WM_QUIT, static_cast<WPARAM>(quitCode), 0);

@@ -111,3 +111,24 @@ BOOL EnumDisplayDevicesA(LPCSTR, DWORD index, DISPLAY_DEVICEA* info, DWORD) {
   info->StateFlags = DISPLAY_DEVICE_ATTACHED_TO_DESKTOP | (index == 0 ? DISPLAY_DEVICE_PRIMARY_DEVICE : 0);
   return TRUE;
 }
+
+int GetSystemMetrics(int index) {
+  if (index == SM_CXSCREEN) return machine.setup.width;
+  return index == SM_CYSCREEN ? machine.setup.height : 0;
+}
+
+BOOL SystemParametersInfoA(UINT action, UINT, LPVOID data, UINT) {
+  if (action != SPI_GETWORKAREA || !data) return FALSE;
+  *static_cast<RECT*>(data) = Monitor_Area(0);
+  return TRUE;
+}
+
+BOOL SetRect(RECT* rect, int left, int top, int right, int bottom) {
+  *rect = {left, top, right, bottom};
+  return TRUE;
+}
+
+BOOL OffsetRect(RECT* rect, int x, int y) {
+  *rect = {rect->left + x, rect->top + y, rect->right + x, rect->bottom + y};
+  return TRUE;
+}

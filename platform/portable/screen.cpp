@@ -12,7 +12,7 @@ Machine machine;
 
 namespace {
 
-constexpr size_t StepCount = static_cast<size_t>(ScreenStep::ShortWrite) + 1;
+constexpr size_t StepCount = static_cast<size_t>(ScreenStep::SetRegistryValue) + 1;
 constexpr size_t MostTexts = 1000;
 
 struct StepState {
@@ -84,6 +84,7 @@ void Screen_Remove() {
   Forget_All();
   Messages_Clear();
   Screen_Real_Time();
+  Screen_Set_File_Chooser(nullptr);
   machine.on = false;
   machine.setup = {};
   ++machine.losses;

@@ -6,10 +6,15 @@
 #pragma once
 
 #include "platform/portable/ddraw.h"
+#include "platform/portable/dialogs.h"
+#include "platform/portable/kernel.h"
 #include "platform/portable/types.h"
 #include "platform/portable/window.h"
 
 #include <cstdint>
+#include <functional>
+#include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -28,7 +33,8 @@ ScreenSetup Screen_Of_Depth(int32_t bits);
 /** Gives the machine a screen. Windows made before keep their size and lose their pixels. */
 void Screen_Set_Up(const ScreenSetup& setup);
 
-/** Takes the screen away again, and every failure, message and text with it. Windows must have been destroyed. */
+/** Takes the screen away again, and every failure, message, text and the file chooser with it. Windows must have been
+ * destroyed. */
 void Screen_Remove();
 
 /** Steps that can be made to fail. */
@@ -60,6 +66,8 @@ enum class ScreenStep {
   CreateMutex,
   WriteFile,
   ShortWrite,  ///< WriteFile succeeds and writes one byte less.
+  CreateRegistryKey,
+  SetRegistryValue,
 };
 
 /** From now on lets `after` calls of the step pass, then makes `times` calls fail, with `code` where the step gives an HRESULT.
@@ -72,8 +80,8 @@ int32_t Screen_Calls(ScreenStep step);
 /** Makes all surfaces lost, until each is restored. */
 void Screen_Lose_Surfaces();
 
-/** Memory, handles and objects of the portable layer still alive: heap blocks, mutexes, files, DCs, GDI objects and DirectDraw
- * objects. */
+/** Memory, handles and objects of the portable layer still alive: heap blocks, mutexes, files, windows, DCs, GDI objects,
+ * DirectDraw objects, open registry keys, hooks. */
 int32_t Screen_Objects_Alive();
 
 /** State of a window that its user would change. */
@@ -98,9 +106,34 @@ bool Screen_Surface_Guards_Whole(const IDirectDrawSurface* surface);
 std::vector<std::string> Screen_Take_Debug_Output();
 std::vector<std::string> Screen_Take_Messages();
 
-/** Sets the millisecond tick that GetTickCount gives, until Screen_Real_Time. */
+/** Sets the millisecond tick that GetTickCount gives, and the time of day, until Screen_Real_Time. */
 void Screen_Set_Tick(uint32_t tick);
+void Screen_Set_Local_Time(const SYSTEMTIME& time);
 void Screen_Real_Time();
+
+/** Sets a registry value, and makes its key: a root's name and the path, as in "HKEY_CURRENT_USER\\Software". Any thread, as the
+ * next two; the registry outlives the screen. */
+void Screen_Set_Registry(const std::string& key, const std::string& name, uint32_t type, const std::vector<uint8_t>& data);
+/** Reads a registry value, and its type, which may be null; nothing if it isn't there. */
+std::optional<std::vector<uint8_t>> Screen_Registry(const std::string& key, const std::string& name, uint32_t* type = nullptr);
+/** Empties the registry. */
+void Screen_Forget_Registry();
+
+/** Answers the dialog that asks for a file, which is described as its caller has filled it in: gives the chosen name, or nothing
+ * to decline. It may run messages, as the user's dialog does. Without one, all are declined. */
+using ScreenFileChooser = std::function<std::optional<std::string>(const OPENFILENAMEA& dialog)>;
+void Screen_Set_File_Chooser(const ScreenFileChooser& chooser);
+
+/** The dialog opened last that is still open, or null. */
+HWND Screen_Dialog();
+
+/** The text that a tooltip shows for that window, asked for as the pointer's rest on it would; empty without one. */
+std::string Screen_Tooltip_Text(HWND window);
+
+/** The number of the cursor set last, 0 for none. */
+uintptr_t Screen_Cursor();
+/** That cursor as a .cur file; empty for none and for the system's own. */
+std::span<const uint8_t> Screen_Cursor_File();
 
 /** A desktop behind the portable windows; every function may be null. Called on the thread that works on the window. */
 struct ScreenDesktop {

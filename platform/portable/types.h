@@ -57,6 +57,8 @@ using HMENU = struct HMENU__*;
 using HICON = struct HICON__*;
 using HCURSOR = HICON;
 using HRGN = struct HRGN__*;
+using HHOOK = struct HHOOK__*;
+using HKEY = struct HKEY__*;
 using FARPROC = INT_PTR (*)();
 
 struct POINT {
@@ -94,4 +96,5 @@ constexpr WORD HIWORD(uintptr_t value) { return static_cast<WORD>(value >> 16 & 
 constexpr LONG MAKELONG(uintptr_t low, uintptr_t high) {
   return static_cast<LONG>(static_cast<uint32_t>(low & 0xFFFF) | static_cast<uint32_t>(high & 0xFFFF) << 16);
 }
+constexpr WPARAM MAKEWPARAM(uintptr_t low, uintptr_t high) { return static_cast<uint32_t>(MAKELONG(low, high)); }
 constexpr LPARAM MAKELPARAM(uintptr_t low, uintptr_t high) { return static_cast<LPARAM>(MAKELONG(low, high)); }

@@ -18,6 +18,11 @@ constexpr int32_t DefaultPlace = 64, DefaultWidth = 640, DefaultHeight = 480;
 /** Where a minimised window counts as lying. */
 constexpr LONG MinimisedPlace = -32000;
 
+const WNDCLASSA* Find_Class(LPCSTR name) {
+  const auto entry = windowClasses.find(name ? name : "");
+  return entry == windowClasses.end() ? Control_Class(name) : &entry->second;
+}
+
 bool Has_Style(HWND window, DWORD style) { return (window->style & style) != 0; }
 
 RECT Normal_Position(HWND window) {
@@ -43,11 +48,12 @@ void End_Window(HWND window) {
   SendMessageA(window, WM_DESTROY, 0, 0);
   const std::vector<HWND> others = allWindows;
   for (HWND child : others)
-    if (Window_Find(child) && child->parent == window) DestroyWindow(child);
+    if (Window_Find(child) && (child->parent == window || child->owner == window)) DestroyWindow(child);
   Desktop_Window_Destroyed(window);
   Messages_Forget(window);
   std::erase(allWindows, window);
   delete window;
+  Object_Ended();
 }
 
 }  // namespace
@@ -106,25 +112,30 @@ ATOM RegisterClassA(const WNDCLASSA* windowClass) {
   return static_cast<ATOM>(windowClasses.size());
 }
 
-HWND CreateWindowExA(DWORD, LPCSTR className, LPCSTR title, DWORD style, int x, int y, int width, int height, HWND parent, HMENU,
-                     HINSTANCE, LPVOID) {
-  const auto entry = windowClasses.find(className ? className : "");
+HWND CreateWindowExA(DWORD, LPCSTR className, LPCSTR title, DWORD style, int x, int y, int width, int height, HWND parent,
+                     HMENU menu, HINSTANCE instance, LPVOID) {
+  const WNDCLASSA* const type = Find_Class(className);
   const bool child = (style & WS_CHILD) != 0;
-  if (entry == windowClasses.end() || (child && !Window_Find(parent))) return nullptr;
+  if (!type || (child && !Window_Find(parent))) return nullptr;
   HWND window = new (std::nothrow) HWND__{};
   if (!window) return nullptr;
-  window->proc = entry->second.lpfnWndProc;
-  window->background = entry->second.hbrBackground;
+  window->proc = type->lpfnWndProc;
+  window->background = type->hbrBackground;
   window->parent = child ? parent : nullptr;
+  window->owner = child ? nullptr : Window_Find(parent);
+  window->instance = instance;
+  window->id = child ? static_cast<int>(reinterpret_cast<uintptr_t>(menu)) : 0;
   window->style = style & ~WS_VISIBLE;
   window->title = title ? title : "";
   window->x = x == CW_USEDEFAULT ? DefaultPlace : x;
   window->y = x == CW_USEDEFAULT || y == CW_USEDEFAULT ? DefaultPlace : y;
   window->width = width == CW_USEDEFAULT ? DefaultWidth : std::clamp(width, 0, int{INT16_MAX});
   window->height = width == CW_USEDEFAULT || height == CW_USEDEFAULT ? DefaultHeight : std::clamp(height, 0, int{INT16_MAX});
+  if (Is_Tooltip(window)) window->width = window->height = 0;
   Window_Make_Pixels(window);
   allWindows.push_back(window);
-  Desktop_Window_Created(window);
+  Object_Made();
+  if (!Is_Tooltip(window)) Desktop_Window_Created(window);
   if (style & WS_VISIBLE) ShowWindow(window, SW_SHOW);
   return Window_Find(window);
 }
@@ -164,10 +175,17 @@ BOOL IsWindowVisible(HWND window) {
 BOOL IsIconic(HWND window) { return Window_Find(window) && window->minimised; }
 BOOL IsWindowEnabled(HWND window) { return Window_Find(window) && !Has_Style(window, WS_DISABLED); }
 
+HWND GetParent(HWND window) {
+  if (!Window_Find(window)) return nullptr;
+  if (Has_Style(window, WS_CHILD)) return window->parent;
+  return Has_Style(window, WS_POPUP) ? window->owner : nullptr;
+}
+
 BOOL EnableWindow(HWND window, BOOL enable) {
   if (!Window_Find(window)) return FALSE;
-  const BOOL wasDisabled = Has_Style(window, WS_DISABLED);
+  const bool wasDisabled = Has_Style(window, WS_DISABLED);
   window->style = enable ? window->style & ~WS_DISABLED : window->style | WS_DISABLED;
+  if (wasDisabled == (enable != 0)) SendMessageA(window, WM_ENABLE, enable != 0, 0);
   return wasDisabled;
 }
 
@@ -220,8 +238,15 @@ BOOL SetWindowPos(HWND window, HWND, int x, int y, int width, int height, UINT f
   return TRUE;
 }
 
+BOOL MoveWindow(HWND window, int x, int y, int width, int height, BOOL repaint) {
+  if (!SetWindowPos(window, nullptr, x, y, width, height, SWP_NOZORDER | SWP_NOACTIVATE)) return FALSE;
+  if (repaint) InvalidateRect(window, nullptr, TRUE);
+  return TRUE;
+}
+
 LONG_PTR GetWindowLongPtrA(HWND window, int index) {
   if (!Window_Find(window)) return 0;
+  if (index == GWLP_HINSTANCE) return reinterpret_cast<LONG_PTR>(window->instance);
   if (index == GWL_STYLE) return static_cast<LONG_PTR>(window->style);
   if (index == GWLP_USERDATA) return window->userData;
   return index == GWLP_WNDPROC ? reinterpret_cast<LONG_PTR>(window->proc) : 0;
@@ -276,32 +301,5 @@ BOOL GetWindowPlacement(HWND window, WINDOWPLACEMENT* placement) {
   placement->length = length;
   placement->showCmd = static_cast<UINT>(window->minimised ? SW_MINIMIZE : SW_SHOWNORMAL);
   placement->rcNormalPosition = Normal_Position(window);
-  return TRUE;
-}
-
-int GetSystemMetrics(int index) {
-  if (index == SM_CXSCREEN) return machine.setup.width;
-  return index == SM_CYSCREEN ? machine.setup.height : 0;
-}
-
-BOOL SystemParametersInfoA(UINT action, UINT, LPVOID data, UINT) {
-  if (action != SPI_GETWORKAREA || !data) return FALSE;
-  *static_cast<RECT*>(data) = Monitor_Area(0);
-  return TRUE;
-}
-
-int MessageBoxA(HWND, LPCSTR text, LPCSTR caption, UINT) {
-  Add_Message(std::string(caption ? caption : "") + "|" + (text ? text : ""));
-  return IDOK;
-}
-
-HCURSOR LoadCursorA(HINSTANCE, LPCSTR) {
-  // There is one shape of cursor, and nobody looks at it.
-  static char arrow;
-  return reinterpret_cast<HCURSOR>(&arrow);
-}
-
-BOOL SetRect(RECT* rect, int left, int top, int right, int bottom) {
-  *rect = {left, top, right, bottom};
   return TRUE;
 }

@@ -4,21 +4,31 @@
 
 #include "platform/portable/types.h"
 
+using HOOKPROC = LRESULT (*)(int code, WPARAM wParam, LPARAM lParam);
 using WNDPROC = LRESULT (*)(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
 enum : UINT {
+  WM_NULL = 0x0000,
   WM_DESTROY = 0x0002,
   WM_SIZE = 0x0005,
+  WM_ENABLE = 0x000A,
   WM_PAINT = 0x000F,
   WM_CLOSE = 0x0010,
   WM_QUIT = 0x0012,
   WM_ERASEBKGND = 0x0014,
+  WM_SETCURSOR = 0x0020,
+  WM_NOTIFY = 0x004E,
   WM_KEYDOWN = 0x0100,
+  WM_KEYUP = 0x0101,
   WM_CHAR = 0x0102,
+  WM_INITDIALOG = 0x0110,
+  WM_COMMAND = 0x0111,
   WM_LBUTTONDOWN = 0x0201,
   WM_LBUTTONUP = 0x0202,
   WM_RBUTTONDOWN = 0x0204,
   WM_RBUTTONUP = 0x0205,
+  WM_QUERYNEWPALETTE = 0x030F,
+  WM_PALETTECHANGED = 0x0311,
   WM_USER = 0x0400,
   WM_APP = 0x8000,
 };
@@ -35,17 +45,15 @@ constexpr int SW_HIDE = 0, SW_SHOWNORMAL = 1, SW_SHOW = 5, SW_MINIMIZE = 6, SW_R
 constexpr WPARAM SIZE_RESTORED = 0, SIZE_MINIMIZED = 1;
 constexpr UINT SWP_NOSIZE = 1, SWP_NOMOVE = 2, SWP_NOZORDER = 4, SWP_NOACTIVATE = 0x10, SWP_FRAMECHANGED = 0x20,
                SWP_SHOWWINDOW = 0x40;
-constexpr int GWL_STYLE = -16, GWLP_WNDPROC = -4, GWLP_USERDATA = -21;
+constexpr int GWL_STYLE = -16, GWLP_WNDPROC = -4, GWLP_HINSTANCE = -6, GWLP_USERDATA = -21;
 constexpr int SM_CXSCREEN = 0, SM_CYSCREEN = 1;
 constexpr UINT SPI_GETWORKAREA = 0x30;
-constexpr UINT MB_OK = 0, MB_ICONERROR = 0x10;
-constexpr int IDOK = 1;
+constexpr int WH_KEYBOARD = 2, HC_ACTION = 0;
 constexpr UINT PM_NOREMOVE = 0, PM_REMOVE = 1;
 constexpr DWORD QS_ALLINPUT = 0x04FF;
 constexpr int COLOR_WINDOW = 5;
 constexpr WPARAM VK_BACK = 0x08, VK_RETURN = 0x0D, VK_ESCAPE = 0x1B, VK_SPACE = 0x20, VK_LEFT = 0x25, VK_UP = 0x26,
                  VK_RIGHT = 0x27, VK_DOWN = 0x28;
-#define IDC_ARROW (reinterpret_cast<LPCSTR>(static_cast<uintptr_t>(32512)))
 #define HWND_TOP (static_cast<HWND>(nullptr))
 
 struct WNDCLASSA {
@@ -93,8 +101,9 @@ struct WINDOWPLACEMENT {
 
 /** Makes a class known; one of the same name is replaced. 0 without a name or procedure. */
 ATOM RegisterClassA(const WNDCLASSA* windowClass);
-/** Makes a window of a registered class, or gives null. With WS_CHILD the position counts from the parent's client area and the
- *  window ends with its parent. No message is sent but WM_SIZE, when it is shown for the first time. menu and param are null. */
+/** Makes a window of a registered class or one of the controls, or gives null. With WS_CHILD the position counts from the
+ * parent's client area and menu is the number in the dialog; without, the parent is the owner. Either way the window ends with
+ * it. No message is sent but WM_SIZE, when it is shown for the first time. param is null. */
 HWND CreateWindowExA(DWORD exStyle, LPCSTR className, LPCSTR title, DWORD style, int x, int y, int width, int height, HWND parent,
                      HMENU menu, HINSTANCE instance, LPVOID param);
 /** Sends WM_DESTROY, then ends the window and its children; messages still posted to them are dropped. */
@@ -106,7 +115,9 @@ BOOL IsWindow(HWND window);
 BOOL IsWindowVisible(HWND window);
 BOOL IsIconic(HWND window);
 BOOL IsWindowEnabled(HWND window);
-/** Gives whether the window was disabled. */
+/** The parent of a child, the owner of a WS_POPUP; null for others. */
+HWND GetParent(HWND window);
+/** Gives whether the window was disabled. A change sends WM_ENABLE. */
 BOOL EnableWindow(HWND window, BOOL enable);
 BOOL SetWindowTextA(HWND window, LPCSTR text);
 /** Copies at most size - 1 characters and a zero; gives the characters copied. */
@@ -118,7 +129,9 @@ BOOL GetWindowRect(HWND window, RECT* rect);
 BOOL ClientToScreen(HWND window, POINT* point);
 /** Moves and sizes the window; the order of windows stays. A new size sends WM_SIZE and has the whole window painted. */
 BOOL SetWindowPos(HWND window, HWND after, int x, int y, int width, int height, UINT flags);
-/** GWL_STYLE, GWLP_USERDATA, GWLP_WNDPROC; 0 for anything else. */
+/** SetWindowPos in the order that it has; repaint has the whole window painted. */
+BOOL MoveWindow(HWND window, int x, int y, int width, int height, BOOL repaint);
+/** GWL_STYLE, GWLP_USERDATA, GWLP_WNDPROC, GWLP_HINSTANCE; 0 for anything else. The last one can't be set. */
 LONG_PTR GetWindowLongPtrA(HWND window, int index);
 /** Gives the value before. */
 LONG_PTR SetWindowLongPtrA(HWND window, int index, LONG_PTR value);
@@ -137,10 +150,17 @@ BOOL GetWindowPlacement(HWND window, WINDOWPLACEMENT* placement);
 int GetSystemMetrics(int index);
 /** SPI_GETWORKAREA: the primary monitor as RECT. FALSE for anything else. */
 BOOL SystemParametersInfoA(UINT action, UINT param, LPVOID data, UINT flags);
-/** Never waits: the message goes to Screen_Take_Messages, and the answer is IDOK. */
-int MessageBoxA(HWND owner, LPCSTR text, LPCSTR caption, UINT type);
-HCURSOR LoadCursorA(HINSTANCE instance, LPCSTR name);
 BOOL SetRect(RECT* rect, int left, int top, int right, int bottom);
+BOOL OffsetRect(RECT* rect, int x, int y);
+/** Shows that cursor; gives the one before. */
+HCURSOR SetCursor(HCURSOR cursor);
+
+/** Has each key that PeekMessageA takes or GetMessageA gets told to the procedure, the newest hook first: code HC_ACTION, its
+ * number, its lParam. Another result than 0 swallows the key. type is WH_KEYBOARD; the thread is that of the windows. */
+HHOOK SetWindowsHookExA(int type, HOOKPROC procedure, HINSTANCE module, DWORD thread);
+BOOL UnhookWindowsHookEx(HHOOK hook);
+/** Tells the hook set before that one, if there is any; gives its result or 0. */
+LRESULT CallNextHookEx(HHOOK hook, int code, WPARAM wParam, LPARAM lParam);
 
 /* ---- Messages ------------------------------------------------------------------------------------------------------------- */
 
@@ -155,7 +175,7 @@ BOOL TranslateMessage(const MSG* message);
 LRESULT DispatchMessageA(const MSG* message);
 /** Queues a message and wakes the thread that waits. A message for a window that has ended is dropped when its turn comes. */
 BOOL PostMessageA(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
-/** Calls the window's procedure; on the window's thread only. */
+/** Calls the window's procedure; on the window's thread only. 0 for a window that is none. */
 LRESULT SendMessageA(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 LRESULT CallWindowProcA(WNDPROC proc, HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 void PostQuitMessage(int exitCode);

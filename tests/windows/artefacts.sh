@@ -4,7 +4,7 @@
 set -euo pipefail
 folder=$1 list=$2
 objdump=i686-w64-mingw32-objdump
-system='kernel32|user32|gdi32|ddraw|advapi32|ws2_32|msvcrt|winmm|shell32|ole32'
+system='kernel32|user32|gdi32|ddraw|advapi32|comctl32|comdlg32|ws2_32|msvcrt|winmm|shell32|ole32'
 
 for file in velarto.dll velarto.exe; do
   foreign=$($objdump -p "$folder/$file" | awk '/DLL Name:/ {print tolower($3)}' | grep -vE "^($system)\.dll$" || true)

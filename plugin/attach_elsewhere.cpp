@@ -1,0 +1,12 @@
+/* The library attached when it is loaded, and detached when it is unloaded or the process ends. */
+#include "plugin/attach.h"
+#include "resources/resources.h"
+
+namespace {
+
+const struct Attachment {
+  Attachment() { Library_Attach(Module_Handle()); }
+  ~Attachment() { Library_Detach(); }
+} attachment;
+
+}  // namespace

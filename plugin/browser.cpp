@@ -1,0 +1,17 @@
+#include "plugin/browser.h"
+
+NPNetscapeFuncs* netscapeFuncs = nullptr;
+NPPluginFuncs* pluginFuncs = nullptr;
+
+/** The minor version from which on streams can be ended by the plug-in. */
+static constexpr int32_t EndsStreams = 8;
+
+NPError Browser_Get_URL(NPP instance, const char* url, const char* target) {
+  if (!netscapeFuncs || !netscapeFuncs->geturl || !url || url[0] == 0) return NPERR_INVALID_FUNCTABLE_ERROR;
+  return netscapeFuncs->geturl(instance, url, target);
+}
+
+NPError Browser_Destroy_Stream(NPP instance, NPStream* stream, NPReason reason) {
+  if (!netscapeFuncs || (netscapeFuncs->version & 0xFF) < EndsStreams) return NPERR_INCOMPATIBLE_VERSION_ERROR;
+  return netscapeFuncs->destroystream(instance, stream, reason);
+}

@@ -1,0 +1,165 @@
+#include "plugin/entry.h"
+
+#include "decode/buffers.h"
+#include "plugin/attach.h"
+#include "plugin/browser.h"
+#include "plugin/instances.h"
+#include "plugin/pump.h"
+#include "plugin/recording.h"
+#include "plugin/window_proc.h"
+#include "resources/resources.h"
+
+#include <algorithm>
+#include <cstring>
+
+HCURSOR cursorNormal = nullptr, cursorRecording = nullptr;
+
+namespace {
+
+constexpr int32_t StartWidth = 320, StartHeight = 240;
+constexpr size_t UrlSize = 1024;
+/** Most bytes that the browser is asked for at once. */
+constexpr int32_t MostOffered = 8192;
+/** Of the plug-in interface: our version; browsers from this minor version on notify of URLs; from that on, mouse settings are
+ * off. */
+constexpr uint16_t InterfaceVersion = 9;
+constexpr int32_t NotifyingVersion = 9, PlainMouseVersion = 12;
+
+void Do_Nothing() {}
+
+void Store_URL(JdecDecoder* decoder, const char* url) {
+  const size_t length = url ? strnlen(url, UrlSize) : UrlSize;
+  if (length < UrlSize) {
+    std::memcpy(decoder->urlBuffer, url, length + 1);
+  } else {
+    decoder->urlBuffer[0] = 0;
+  }
+}
+
+}  // namespace
+
+/* ---- Exports -------------------------------------------------------------------------------------------------------------- */
+
+int16_t VELARTO_STDCALL NP_GetEntryPoints(NPPluginFuncs* table) {
+  if (!table) return NPERR_INVALID_FUNCTABLE_ERROR;
+  pluginFuncs = table;
+  // One by one: a browser of an older version has no room for a last slot.
+  table->version = InterfaceVersion;
+  table->newp = NPP_New;
+  table->destroy = NPP_Destroy;
+  table->setwindow = NPP_SetWindow;
+  table->newstream = NPP_NewStream;
+  table->destroystream = NPP_DestroyStream;
+  table->asfile = Do_Nothing;
+  table->writeready = NPP_WriteReady;
+  table->write = NPP_Write;
+  table->print = Do_Nothing;
+  table->event = nullptr;
+  table->urlnotify = Do_Nothing;
+  return NPERR_NO_ERROR;
+}
+
+int16_t VELARTO_STDCALL NP_Initialize(NPNetscapeFuncs* table) {
+  if (!table) return NPERR_INVALID_FUNCTABLE_ERROR;
+  netscapeFuncs = table;
+  if (table->version >> 8 > 0) return NPERR_INCOMPATIBLE_VERSION_ERROR;
+  const int32_t minor = table->version & 0xFF;
+  if (minor >= NotifyingVersion && pluginFuncs) {
+    pluginFuncs->urlnotify = Do_Nothing;
+    pluginFuncs->javaClass = nullptr;
+  }
+  if (minor >= PlainMouseVersion) mouseLButton = mouseRButton = 0;
+  cursorNormal = LoadCursorA(moduleHandle, MAKEINTRESOURCEA(CursorNormalId));
+  cursorRecording = LoadCursorA(moduleHandle, MAKEINTRESOURCEA(CursorRecordingId));
+  if (!JDEC_Init()) return NPERR_MODULE_LOAD_FAILED_ERROR;
+  Instances_Clear();
+  return NPERR_NO_ERROR;
+}
+
+int16_t VELARTO_STDCALL NP_Shutdown(void) {
+  instanceHighWater = 0;
+  JDEC_Exit();
+  netscapeFuncs = nullptr;
+  return NPERR_NO_ERROR;
+}
+
+/* ---- Instances ------------------------------------------------------------------------------------------------------------ */
+
+NPError NPP_New(NPMIMEType, NPP instance, uint16_t, int16_t, char*[], char*[], NPSavedData*) {
+  if (!instance) return NPERR_INVALID_INSTANCE_ERROR;
+  JdecDecoder* const decoder = JDEC_New(StartWidth, StartHeight);
+  auto* const url = static_cast<char*>(Arena_Alloc_Zeroed(UrlSize));
+  instance->pdata = decoder;
+  if (!decoder || !url) {
+    JDEC_Free(decoder);
+    Arena_Free(url);
+    instance->pdata = nullptr;
+    return NPERR_OUT_OF_MEMORY_ERROR;
+  }
+  decoder->urlBuffer = url;
+  decoder->npInstance = instance;
+  Instances_Add(instance);
+  return NPERR_NO_ERROR;
+}
+
+NPError NPP_Destroy(NPP instance, NPSavedData**) {
+  JdecDecoder* const decoder = Instance_Decoder(instance);
+  if (!decoder) return NPERR_NO_ERROR;
+  Record_Stop(decoder->window, decoder);
+  Window_Give_Back(decoder);
+  Arena_Free(decoder->urlBuffer);
+  decoder->urlBuffer = nullptr;
+  Decoder_End(decoder);
+  Instances_Remove(instance);
+  return NPERR_NO_ERROR;
+}
+
+NPError NPP_SetWindow(NPP instance, NPWindow* window) {
+  JdecDecoder* const decoder = Instance_Decoder(instance);
+  if (!decoder) return NPERR_INVALID_INSTANCE_ERROR;
+  const auto handle = window ? static_cast<HWND>(window->window) : nullptr;
+  if (!handle) return NPERR_NO_ERROR;
+  if (!decoder->window) {
+    decoder->window = handle;
+    if (!JDEC_Draw_Init(decoder, handle)) {
+      decoder->window = nullptr;
+      return NPERR_MODULE_LOAD_FAILED_ERROR;
+    }
+  }
+  Window_Take_Over(decoder);
+  Show_Again(decoder, handle);
+  return NPERR_NO_ERROR;
+}
+
+/* ---- Streams -------------------------------------------------------------------------------------------------------------- */
+
+NPError NPP_NewStream(NPP instance, NPMIMEType type, NPStream* stream, NPBool, uint16_t*) {
+  JdecDecoder* const decoder = Instance_Decoder(instance);
+  if (!decoder) return NPERR_INVALID_INSTANCE_ERROR;
+  if (type && std::strstr(type, "video")) Store_URL(decoder, stream ? stream->url : nullptr);
+  decoder->streamState = 1;
+  decoder->npStream = stream;
+  return NPERR_NO_ERROR;
+}
+
+NPError NPP_DestroyStream(NPP instance, NPStream* stream, NPReason reason) {
+  JdecDecoder* const decoder = Instance_Decoder(instance);
+  if (!decoder) return NPERR_INVALID_INSTANCE_ERROR;
+  if (!decoder->window && reason != NPRES_NETWORK_ERR && stream) Browser_Get_URL(instance, stream->url, nullptr);
+  decoder->npStream = nullptr;
+  decoder->streamState = 0;
+  return NPERR_NO_ERROR;
+}
+
+int32_t NPP_WriteReady(NPP instance, NPStream*) {
+  JdecDecoder* const decoder = Instance_Decoder(instance);
+  return decoder ? std::min(JDEC_query_decode_buffer_count(decoder), MostOffered) : 0;
+}
+
+int32_t NPP_Write(NPP instance, NPStream*, int32_t, int32_t length, void* buffer) {
+  JdecDecoder* const decoder = Instance_Decoder(instance);
+  if (!decoder) return 0;
+  const int32_t taken = JDEC_write_decode_buffer(decoder, static_cast<const uint8_t*>(buffer), length);
+  Pump_Ask(decoder);
+  return taken;
+}

@@ -1,0 +1,81 @@
+#include "plugin/settings.h"
+
+#include "api/mime.h"
+
+#include "platform/win32.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace {
+
+constexpr char makerKey[] = "Software\\Orvane Instruments, Inc.\\Plugins";
+constexpr char internetKey[] = "Software\\Microsoft\\Windows\\CurrentVersion\\Internet Settings";
+constexpr DWORD LeastConnections = 256;
+constexpr DWORD ListSize = 2048;
+/** The list's size, its zero included, plus the type stays below this. */
+constexpr DWORD ListLimit = 2046;
+constexpr DWORD MimeLength = sizeof MimeType - 1;
+
+/** Four bytes of a value, and how many are there. The count is not reset between reads: a value longer than what the read before
+ * it left, and in any case one of more than four bytes, counts as missing. */
+struct ShortValue {
+  uint8_t data[4] = {};
+  DWORD size = sizeof data;
+};
+
+bool Read_Value(HKEY key, const char* name, ShortValue* value) {
+  value->size = std::min<DWORD>(value->size, sizeof value->data);  // What a refused value would need is stored there.
+  return RegQueryValueExA(key, name, nullptr, nullptr, value->data, &value->size) == ERROR_SUCCESS;
+}
+
+void Write_Number(HKEY key, const char* name, DWORD number) {
+  RegSetValueExA(key, name, 0, REG_DWORD, reinterpret_cast<const BYTE*>(&number), sizeof number);
+}
+
+void Raise_Connections(HKEY key) {
+  DWORD connections = 0, size = sizeof connections;
+  const bool read = RegQueryValueExA(key, "MaxConnectionsPer1_0Server", nullptr, nullptr, reinterpret_cast<BYTE*>(&connections),
+                                     &size) == ERROR_SUCCESS;
+  if (read && connections >= LeastConnections) return;
+  Write_Number(key, "MaxConnectionsPer1_0Server", LeastConnections);
+  Write_Number(key, "MaxConnectionsPerServer", LeastConnections);
+}
+
+void Exclude_From_Cache(HKEY key) {
+  constexpr char name[] = "MimeExclusionListForCache";
+  char list[ListSize + 1] = {};  // One more than is read: a value without its zero gets one.
+  DWORD size = ListSize;
+  if (RegQueryValueExA(key, name, nullptr, nullptr, reinterpret_cast<BYTE*>(list), &size) != ERROR_SUCCESS) return;
+  if (size == 0 || std::strstr(list, MimeType) || size + MimeLength >= ListLimit) return;
+  const size_t length = std::strlen(list);
+  list[length] = ' ';
+  std::memcpy(list + length + 1, MimeType, sizeof MimeType);
+  RegSetValueExA(key, name, 0, REG_SZ, reinterpret_cast<const BYTE*>(list), static_cast<DWORD>(length + 1 + sizeof MimeType));
+}
+
+}  // namespace
+
+MakerSettings Read_Maker_Settings() {
+  MakerSettings settings;
+  HKEY key = nullptr;
+  if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, makerKey, 0, KEY_QUERY_VALUE, &key) != ERROR_SUCCESS) return settings;
+  ShortValue value;
+  if (Read_Value(key, "Decoder_Speed", &value)) settings.decoderSpeed = (value.data[0] ^ 0x80) - 0x80;  // A signed byte.
+  if (Read_Value(key, "Mouse_LButton", &value)) settings.mouseLButton = value.data[0] == 1;
+  settings.rightButtonRead = Read_Value(key, "Mouse_RButton", &value);
+  if (settings.rightButtonRead) settings.mouseRButton = value.data[0] == 1;
+  RegCloseKey(key);
+  return settings;
+}
+
+int32_t Update_Internet_Settings() {
+  HKEY key = nullptr;
+  if (RegCreateKeyExA(HKEY_CURRENT_USER, internetKey, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key, nullptr) != ERROR_SUCCESS) {
+    return 0;
+  }
+  Raise_Connections(key);
+  Exclude_From_Cache(key);
+  RegCloseKey(key);
+  return 1;
+}

@@ -1,0 +1,84 @@
+#include "plugin/browser.h"
+
+/** Who gets a message: D the default procedure, C the window's own, P the page, 1 nobody; in lower case if it brings back the
+ * colours that another program took. */
+static char Road(HWND window, UINT number, HWND changer) {
+  const HDC dc = GetDC(nullptr);
+  LOGPALETTE other = {0x300, 1, {{9, 9, 9, 0}}};
+  const HPALETTE before = SelectPalette(dc, CreatePalette(&other), FALSE);
+  RealizePalette(dc);
+  DeleteObject(SelectPalette(dc, before, FALSE));
+  seenBy = nullptr;
+  const LRESULT result = SendMessageA(window, number, reinterpret_cast<WPARAM>(changer), 0);
+  PALETTEENTRY entry = {};
+  GetSystemPaletteEntries(dc, 10, 1, &entry);
+  ReleaseDC(nullptr, dc);
+  const char own = seenBy == window && result == OwnResult ? 'C' : seenBy && seenBy != window && result == 1 ? 'P' : '?';
+  return static_cast<char>((seenBy ? own : result == 0 ? 'D' : '0' + result) | (entry.peRed != 9 ? 0x20 : 0));
+}
+
+TEST_F(PluginTest, EachModeHandlesTheMessagesThatItShould) {
+  Screen_Set_Up(Screen_Of_Depth(8));
+  const HWND sibling = Page_Window(page, 0, 0, 9, 9), inside = Page_Window(sibling, 0, 0, 9, 9);
+  const UINT numbers[] = {WM_PAINT,     WM_SETCURSOR,       WM_NOTIFY,        WM_COMMAND,    WM_RBUTTONDOWN,
+                          WM_RBUTTONUP, WM_QUERYNEWPALETTE, EndStreamMessage, GetUrlMessage, WM_APP + 1};
+  const std::tuple<uint8_t, uint8_t, std::string, std::string> modes[] = {
+      {0, 0, "DDDDDDDDDDDDD", "0"}, {1, 0, "D1CCPPcCCCCCc", "101"}, {0, 1, "D1CCCCcCCCCCc", IDLE_TEXT "101"}};
+  for (const auto& [left, right, roads, signs] : modes) {
+    Open(left, right, window);
+    SetCursor(nullptr);
+    poked = [] { SendMessageA(Screen_Dialog(), WM_CLOSE, 0, 0); };
+    if (right == 1) PostMessageA(window, WM_APP, 0, 0);  // Closes the menu.
+    std::string found;
+    for (const UINT number : numbers) found += Road(window, number, nullptr);
+    for (const HWND changer : {window, sibling, inside}) found += Road(window, WM_PALETTECHANGED, changer);
+    EXPECT_EQ(found, roads);
+    netscape.version = 7;
+    Road(window, EndStreamMessage, nullptr);
+    EXPECT_EQ(asked, (std::vector<std::string>{"end", stream.url})) << "of which the first only by a browser that can";
+    EXPECT_EQ(Signs(), signs);
+    Stop();
+    EXPECT_EQ(Road(window, WM_APP + 1, nullptr), 'C') << "given back";
+  }
+}
+
+/** Opens the menu, does something, presses a button, closes the menu if need be. Gives which buttons were enabled. */
+static std::string Menu(HWND window, int pressed, const std::function<void(HWND menu)>& action = nullptr) {
+  std::string enabled;
+  poked = [&] {
+    const HWND menu = Screen_Dialog();
+    for (const int id : {1000, 1001, 1002}) enabled += IsWindowEnabled(GetDlgItem(menu, id)) ? '1' : '0';
+    if (action) action(menu);
+    for (const UINT message : {WM_LBUTTONDOWN, WM_LBUTTONUP}) SendDlgItemMessageA(menu, pressed, message, 0, MAKELPARAM(5, 5));
+    PostMessageA(menu, WM_KEYDOWN, VK_ESCAPE, 0);
+  };
+  PostMessageA(window, WM_APP, 0, 0);
+  SendMessageA(window, WM_RBUTTONDOWN, 0, 0);
+  return enabled;
+}
+
+TEST_F(PluginTest, MenuLooksAndActsAsTheRecordingAllows) {
+  Open(0, 1, window);
+  Menu(window, StopButtonId, [](HWND menu) {
+    std::vector<LONG> places;
+    for (HWND part : {menu, GetDlgItem(menu, RecordButtonId), GetDlgItem(menu, StopButtonId), GetDlgItem(menu, CloseButtonId)}) {
+      RECT place = {};
+      GetWindowRect(part, &place);
+      places.insert(places.end(), {place.left, place.right});
+      EXPECT_TRUE(place.top == 82 && place.bottom == 102);
+    }
+    EXPECT_EQ(places, (std::vector{78, 147, 81, 101, 101, 121, 124, 144})) << "over the window's middle, (110, 92)";
+    Pump();
+    EXPECT_EQ(Screen_Window_Color(GetDlgItem(menu, RecordButtonId), 4, 4), 0x000080u) << "the diskette";
+    EXPECT_EQ(Screen_Window_Color(GetDlgItem(menu, StopButtonId), 10, 10), 0x808080u) << "a square that can't be pressed";
+  });
+  EXPECT_EQ(Menu(window, RecordButtonId), "101") << "the square did nothing";
+  EXPECT_EQ(Menu(window, StopButtonId), "011");
+  Feed(Prefixed_Frame(small.compact, 0x08));
+  EXPECT_EQ(Menu(window, CloseButtonId), "001") << "the camera forbids it";
+  Menu(window, CloseButtonId, [&](HWND menu) {
+    End_Instance();
+    SendMessageA(menu, WM_COMMAND, RecordButtonId, 0);
+    EXPECT_EQ(Screen_Dialog(), menu) << "without the instance the button does nothing";
+  });
+}
