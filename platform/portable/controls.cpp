@@ -3,6 +3,7 @@
 #include "platform/portable/gdi.h"
 #include "platform/portable/machine.h"
 
+#include <algorithm>
 #include <cstring>
 #include <strings.h>
 
@@ -56,6 +57,7 @@ void Paint_Button(HWND button) {
 void Press_Button(HWND button, bool pressed) {
   button->pressed = pressed;
   InvalidateRect(button, nullptr, FALSE);
+  if (Window_Shows(button)) SendMessageA(button, WM_PAINT, 0, 0);
 }
 
 /** The button is let go at that place of it. */
@@ -97,7 +99,34 @@ LRESULT Button_Proc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
 
 /* ---- Tooltip -------------------------------------------------------------------------------------------------------------- */
 
+/** A character's cell, what lies around the text, the frame included, and the most characters shown. */
+constexpr int32_t CellWidth = 8, CellHeight = 15, BesideText = 5, AboveText = 3;
+constexpr size_t MostCharacters = 100;
+constexpr uint32_t LightYellow = 0xFFFFE1;
+
+void Paint_Tooltip(HWND tooltip) {
+  PAINTSTRUCT paint;
+  if (!BeginPaint(tooltip, &paint)) return;
+  const PixelView view = Window_View(tooltip);
+  const HFONT font = CreateFontA(CellHeight, CellWidth, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, nullptr);
+  if (view.pixels && Window_Shows(tooltip) && font) {
+    Fill_Pixels(view, {0, 0, view.width, view.height}, LightYellow);
+    Draw_Frame(view, 0, Edge, Edge);
+    const HGDIOBJ before = SelectObject(paint.hdc, font);
+    SetBkMode(paint.hdc, TRANSPARENT);
+    TextOutA(paint.hdc, BesideText, AboveText, tooltip->title.c_str(), static_cast<int>(tooltip->title.size()));
+    SelectObject(paint.hdc, before);
+    paint.hdc->changed = true;
+  }
+  DeleteObject(font);
+  EndPaint(tooltip, &paint);
+}
+
 LRESULT Tooltip_Proc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  if (message == WM_PAINT) {
+    Paint_Tooltip(window);
+    return 0;
+  }
   if (message != TTM_ADDTOOLA) return DefWindowProcA(window, message, wParam, lParam);
   const auto* const tool = reinterpret_cast<const TOOLINFOA*>(lParam);
   if (!tool || tool->cbSize != TTTOOLINFOA_V2_SIZE) return FALSE;
@@ -116,6 +145,12 @@ std::string Ask_Text(HWND tooltip) {
   return asked.lpszText ? asked.lpszText : "";
 }
 
+HWND Tooltip_Of(HWND window) {
+  for (HWND tooltip : allWindows)
+    if (tooltip->tool.cbSize != 0 && tooltip->tool.hwnd == window) return tooltip;
+  return nullptr;
+}
+
 }  // namespace
 
 const WNDCLASSA* Control_Class(LPCSTR name) {
@@ -131,8 +166,27 @@ bool Is_Tooltip(HWND window) { return window->proc == Tooltip_Proc; }
 void InitCommonControls() {}
 
 std::string Screen_Tooltip_Text(HWND window) {
-  for (HWND tooltip : allWindows) {
-    if (tooltip->tool.cbSize != 0 && tooltip->tool.hwnd == window) return Ask_Text(tooltip);
-  }
-  return "";
+  const HWND tooltip = Tooltip_Of(window);
+  return tooltip ? Ask_Text(tooltip) : "";
 }
+
+HWND Screen_Open_Tooltip(HWND window, const RECT& area) {
+  const std::string text = Screen_Tooltip_Text(window).substr(0, MostCharacters);
+  const HWND tooltip = Tooltip_Of(window);
+  if (text.empty() || !tooltip) return nullptr;
+  tooltip->title = text;
+  const int32_t width = 2 * BesideText + CellWidth * static_cast<int32_t>(text.size()), height = 2 * AboveText + CellHeight;
+  const POINT origin = Window_Origin(window);
+  const int32_t left = origin.x + (window->width - width) / 2, top = origin.y + window->height;
+  MoveWindow(tooltip, std::max(std::min(left, area.right - width), area.left),
+             std::max(std::min(top, area.bottom - height), area.top), width, height, TRUE);
+  ShowWindow(tooltip, SW_SHOW);
+  SendMessageA(tooltip, WM_PAINT, 0, 0);
+  return tooltip;
+}
+
+void Screen_Close_Tooltip(HWND tooltip) {
+  if (Screen_Is_Tooltip(tooltip)) ShowWindow(tooltip, SW_HIDE);
+}
+
+bool Screen_Is_Tooltip(HWND window) { return Window_Find(window) && Is_Tooltip(window); }

@@ -13,7 +13,8 @@ constexpr UINT BM_SETIMAGE =
 constexpr WPARAM IMAGE_BITMAP = 0;
 constexpr WORD BN_CLICKED = 0;
 
-/* A tooltip is never seen here; it remembers its tool, of which Screen_Tooltip_Text asks the text. */
+/* A tooltip remembers its tool, of which it asks the text; when it is seen, the desktop decides (Screen_Open_Tooltip). The tool's
+ * rectangle is not looked at: it is the whole window. */
 #define TOOLTIPS_CLASSA "tooltips_class32"
 #define LPSTR_TEXTCALLBACKA (reinterpret_cast<LPSTR>(static_cast<intptr_t>(-1)))
 constexpr DWORD TTS_ALWAYSTIP = 1;

@@ -84,6 +84,12 @@ HWND Make_Dialog(HINSTANCE module, HWND owner, OpenDialog* dialog) {
   return window;
 }
 
+/** Paints the dialog at once: messages that keep coming would have it wait. */
+void Paint_All(HWND dialog) {
+  SendMessageA(dialog, WM_PAINT, 0, 0);
+  for (const ControlTemplate& button : menuButtons) SendDlgItemMessageA(dialog, button.id, WM_PAINT, 0, 0);
+}
+
 bool Is_Escape(const OpenDialog& dialog, const MSG& message) {
   const bool ours = message.hwnd && (message.hwnd == dialog.window || GetParent(message.hwnd) == dialog.window);
   return ours && message.message == WM_KEYDOWN && message.wParam == VK_ESCAPE;
@@ -114,12 +120,16 @@ INT_PTR DialogBoxParamA(HINSTANCE module, LPCSTR name, HWND owner, DLGPROC proce
   OpenDialog dialog = {procedure, innermost, nullptr, false, IDCANCEL};
   if (!Make_Dialog(module, owner, &dialog)) return -1;
   innermost = &dialog;
-  const bool disables = IsWindowEnabled(owner);
-  if (disables) EnableWindow(owner, FALSE);
+  const HWND heldUp = Window_Top(Window_Find(owner));
+  const bool disables = IsWindowEnabled(heldUp);
+  if (disables) EnableWindow(heldUp, FALSE);
   SendMessageA(dialog.window, WM_INITDIALOG, reinterpret_cast<WPARAM>(GetDlgItem(dialog.window, menuButtons[0].id)), param);
-  if (dialog.window && !dialog.ended) ShowWindow(dialog.window, SW_SHOW);
+  if (dialog.window && !dialog.ended) {
+    ShowWindow(dialog.window, SW_SHOW);
+    Paint_All(dialog.window);
+  }
   Run_Dialog(dialog);
-  if (disables) EnableWindow(owner, TRUE);
+  if (disables) EnableWindow(heldUp, TRUE);
   if (dialog.window) DestroyWindow(dialog.window);
   innermost = dialog.before;
   return dialog.result;
@@ -155,7 +165,9 @@ BOOL GetOpenFileNameA(OPENFILENAMEA* dialog) {
   return TRUE;
 }
 
-int MessageBoxA(HWND, LPCSTR text, LPCSTR caption, UINT) {
-  Add_Message(std::string(caption ? caption : "") + "|" + (text ? text : ""));
+int MessageBoxA(HWND owner, LPCSTR text, LPCSTR caption, UINT type) {
+  if (!text) text = "";
+  if (!caption) caption = "";
+  if (!Desktop_Show_Message(owner, text, caption, type)) Add_Message(std::string(caption) + "|" + text);
   return IDOK;
 }

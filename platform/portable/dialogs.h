@@ -34,10 +34,10 @@ struct OPENFILENAMEA {
 };
 constexpr DWORD OPENFILENAME_SIZE_VERSION_400A = sizeof(OPENFILENAMEA);
 
-/** Makes a dialog of the resources, sends WM_INITDIALOG with param, shows it and runs the thread's messages, the owner being
- * disabled, until EndDialog; gives the result told there. Escape and WM_CLOSE send WM_COMMAND with IDCANCEL. Gives IDCANCEL also
- * when the owner, or the dialog, is destroyed meanwhile, and on WM_QUIT, which comes again afterwards. -1 if there is no such
- * dialog. */
+/** Makes a dialog of the resources, sends WM_INITDIALOG with param, shows it and runs the thread's messages, the top-level window
+ * of the owner being disabled, until EndDialog; gives the result told there. Escape and WM_CLOSE send WM_COMMAND with IDCANCEL.
+ * Gives IDCANCEL also when the owner, or the dialog, is destroyed meanwhile, and on WM_QUIT, which comes again afterwards. -1 if
+ * there is no such dialog. */
 INT_PTR DialogBoxParamA(HINSTANCE module, LPCSTR name, HWND owner, DLGPROC procedure, LPARAM param);
 /** FALSE for a window that is no dialog. */
 BOOL EndDialog(HWND dialog, INT_PTR result);
@@ -49,5 +49,5 @@ LRESULT SendDlgItemMessageA(HWND dialog, int id, UINT message, WPARAM wParam, LP
  * when it declines, or the name is longer than nMaxFile allows. */
 BOOL GetOpenFileNameA(OPENFILENAMEA* dialog);
 
-/** Never waits: the message goes to Screen_Take_Messages, and the answer is IDOK. */
+/** Shown by the desktop; without one, or by one that doesn't, the message goes to Screen_Take_Messages. The answer is IDOK. */
 int MessageBoxA(HWND owner, LPCSTR text, LPCSTR caption, UINT type);

@@ -41,6 +41,9 @@ void Desktop_Window_Destroyed(HWND window);
 /** Gives false if there is no pumpEvents. */
 bool Desktop_Pump(uint32_t milliseconds);
 void Desktop_Wake();
+void Desktop_Cursor_Changed();
+/** Gives false if there is no showMessage. */
+bool Desktop_Show_Message(HWND owner, const char* text, const char* caption, UINT type);
 
 void Add_Debug_Output(const char* text);
 void Add_Message(const std::string& message);
@@ -79,6 +82,8 @@ HWND Window_Find(HWND window);
 /** Visible with all its parents, and none of them minimised. */
 bool Window_Shows(HWND window);
 POINT Window_Origin(HWND window);
+/** The top-level window that it lies in; null for null. */
+HWND Window_Top(HWND window);
 /** The client's pixels, none when the window has none. */
 PixelView Window_View(HWND window);
 /** Makes the pixels for the window's size and the screen's depth anew, black. */

@@ -36,9 +36,18 @@ MSG Make_Message(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
   return {window, message, wParam, lParam, GetTickCount(), {0, 0}};
 }
 
+/** Of a window that has ended, or of the user to one that a dialog holds up. */
+bool Is_Lost(const MSG& posted) {
+  if (!posted.hwnd) return false;
+  if (!Window_Find(posted.hwnd)) return true;
+  const bool input = (posted.message >= WM_KEYDOWN && posted.message <= WM_CHAR) ||
+                     (posted.message >= WM_LBUTTONDOWN && posted.message <= WM_RBUTTONUP);
+  return input && !IsWindowEnabled(Window_Top(posted.hwnd));
+}
+
 bool Find_Posted(const MessageFilter& filter, bool take, MSG* message) {
   const std::lock_guard guard(queueLock);
-  std::erase_if(queue, [](const MSG& posted) { return posted.hwnd && !Window_Find(posted.hwnd); });
+  std::erase_if(queue, Is_Lost);
   const auto found =
       std::find_if(queue.begin(), queue.end(), [&](const MSG& posted) { return Passes(filter, posted.hwnd, posted.message); });
   if (found == queue.end()) return false;

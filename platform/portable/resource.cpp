@@ -96,6 +96,7 @@ HCURSOR LoadCursorA(HINSTANCE, LPCSTR name) { return Find_Resource(cursors, rein
 HCURSOR SetCursor(HCURSOR cursor) {
   HCURSOR before = shownCursor;
   shownCursor = cursor;
+  if (cursor != before) Desktop_Cursor_Changed();
   return before;
 }
 

@@ -167,6 +167,16 @@ void Desktop_Wake() {
   if (desktop.wake) desktop.wake();
 }
 
+void Desktop_Cursor_Changed() {
+  if (desktop.cursorChanged) desktop.cursorChanged();
+}
+
+bool Desktop_Show_Message(HWND owner, const char* text, const char* caption, UINT type) {
+  if (!desktop.showMessage) return false;
+  desktop.showMessage(owner, text, caption, type);
+  return true;
+}
+
 void Screen_Minimise(HWND window, bool minimised) {
   if (!Window_Find(window) || window->minimised == minimised) return;
   Window_Set_Minimised(window, minimised);
@@ -181,10 +191,35 @@ void Screen_Move_To_Monitor(HWND window, int32_t monitor) {
   Desktop_Window_Changed(window);
 }
 
+void Screen_Move(HWND window, int32_t x, int32_t y) {
+  if (!Window_Find(window)) return;
+  window->x = x;
+  window->y = y;
+}
+
 void Screen_Resize_Client(HWND window, int32_t width, int32_t height) {
   if (!Window_Find(window)) return;
   Window_Resize(window, width, height);
   PostMessageA(window, WM_SIZE, SIZE_RESTORED, Window_Size_Param(window));
+}
+
+static void Add_Parts(HWND window, const RECT& place, const RECT& limit, std::vector<ScreenPart>* parts) {
+  const RECT seen = Rect_Common(place, limit);
+  if (window->ending || Rect_Is_Empty(seen) || !Window_Shows(window)) return;
+  parts->push_back({window, place, seen});
+  for (HWND child : allWindows) {
+    if (child->parent != window) continue;
+    const LONG left = place.left + child->x, top = place.top + child->y;
+    Add_Parts(child, {left, top, left + child->width, top + child->height}, seen, parts);
+  }
+}
+
+std::vector<ScreenPart> Screen_Parts(HWND top) {
+  std::vector<ScreenPart> parts;
+  if (!Window_Find(top)) return parts;
+  const RECT client = {0, 0, top->width, top->height};
+  Add_Parts(top, client, client, &parts);
+  return parts;
 }
 
 const uint8_t* Screen_Window_Pixels(HWND window, int32_t* width, int32_t* height, int32_t* pitch) {

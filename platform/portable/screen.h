@@ -89,6 +89,8 @@ void Screen_Minimise(HWND window, bool minimised);
 void Screen_Disable(HWND window, bool disabled);
 /** Moves the window to that monitor, 0 the primary one. */
 void Screen_Move_To_Monitor(HWND window, int32_t monitor);
+/** Tells a top-level window where on the screen its user has put its client area. */
+void Screen_Move(HWND window, int32_t x, int32_t y);
 
 /** Pixels of a window's client area, top row first, rows at *pitch bytes, in the screen's depth. Null if it has none. */
 const uint8_t* Screen_Window_Pixels(HWND window, int32_t* width, int32_t* height, int32_t* pitch);
@@ -129,6 +131,20 @@ HWND Screen_Dialog();
 
 /** The text that a tooltip shows for that window, asked for as the pointer's rest on it would; empty without one. */
 std::string Screen_Tooltip_Text(HWND window);
+/** Shows that text in the tooltip, below the middle of the window but within that area of the screen. Gives the tooltip, or null
+ * if the window has none or there is no text. */
+HWND Screen_Open_Tooltip(HWND window, const RECT& area);
+void Screen_Close_Tooltip(HWND tooltip);
+bool Screen_Is_Tooltip(HWND window);
+
+/** A window as it is seen in its top-level one, in that one's client coordinates. */
+struct ScreenPart {
+  HWND window;
+  RECT place;  ///< All of its client area,
+  RECT seen;   ///< and what its parents leave of it; not empty.
+};
+/** A top-level window and all children that show, each above those before it. Empty while the window itself doesn't show. */
+std::vector<ScreenPart> Screen_Parts(HWND top);
 
 /** The number of the cursor set last, 0 for none. */
 uintptr_t Screen_Cursor();
@@ -138,13 +154,17 @@ std::span<const uint8_t> Screen_Cursor_File();
 /** A desktop behind the portable windows; every function may be null. Called on the thread that works on the window. */
 struct ScreenDesktop {
   void (*windowCreated)(HWND window);
-  void (*windowChanged)(HWND window);  ///< Size, title, style or visibility.
+  void (*windowChanged)(HWND window);  ///< Place, size, title, style or visibility.
   void (*pixelsChanged)(HWND window);
   void (*windowDestroyed)(HWND window);
   /** Turns the desktop's events into posted messages; waits up to that many milliseconds if there is none. */
   void (*pumpEvents)(uint32_t milliseconds);
   /** Asks a waiting pumpEvents to return; called on any thread. */
   void (*wake)();
+  /** Screen_Cursor tells which one is set. */
+  void (*cursorChanged)() = nullptr;
+  /** Shows a message box until it is closed, instead of keeping it for Screen_Take_Messages. The texts are not null. */
+  void (*showMessage)(HWND owner, const char* text, const char* caption, UINT type) = nullptr;
 };
 void Screen_Set_Desktop(const ScreenDesktop& desktop);
 

@@ -77,6 +77,11 @@ POINT Window_Origin(HWND window) {
   return origin;
 }
 
+HWND Window_Top(HWND window) {
+  while (window && window->parent) window = window->parent;
+  return window;
+}
+
 PixelView Window_View(HWND window) {
   uint8_t* pixels = window->pixels.empty() ? nullptr : window->pixels.data();
   return {pixels, window->width, window->height, window->pitch, Screen_Format()};
@@ -131,7 +136,10 @@ HWND CreateWindowExA(DWORD, LPCSTR className, LPCSTR title, DWORD style, int x, 
   window->y = x == CW_USEDEFAULT || y == CW_USEDEFAULT ? DefaultPlace : y;
   window->width = width == CW_USEDEFAULT ? DefaultWidth : std::clamp(width, 0, int{INT16_MAX});
   window->height = width == CW_USEDEFAULT || height == CW_USEDEFAULT ? DefaultHeight : std::clamp(height, 0, int{INT16_MAX});
-  if (Is_Tooltip(window)) window->width = window->height = 0;
+  if (Is_Tooltip(window)) {
+    window->style |= WS_POPUP;
+    window->width = window->height = 0;
+  }
   Window_Make_Pixels(window);
   allWindows.push_back(window);
   Object_Made();

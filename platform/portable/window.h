@@ -23,6 +23,7 @@ enum : UINT {
   WM_CHAR = 0x0102,
   WM_INITDIALOG = 0x0110,
   WM_COMMAND = 0x0111,
+  WM_MOUSEMOVE = 0x0200,
   WM_LBUTTONDOWN = 0x0201,
   WM_LBUTTONUP = 0x0202,
   WM_RBUTTONDOWN = 0x0204,
@@ -39,6 +40,7 @@ constexpr DWORD WS_CHILD = 0x40000000;
 constexpr DWORD WS_VISIBLE = 0x10000000;
 constexpr DWORD WS_DISABLED = 0x08000000;
 constexpr DWORD WS_OVERLAPPEDWINDOW = 0x00CF0000;
+constexpr int HTCLIENT = 1;
 constexpr UINT CS_VREDRAW = 1, CS_HREDRAW = 2;
 constexpr int CW_USEDEFAULT = INT32_MIN;
 constexpr int SW_HIDE = 0, SW_SHOWNORMAL = 1, SW_SHOW = 5, SW_MINIMIZE = 6, SW_RESTORE = 9;
@@ -165,8 +167,8 @@ LRESULT CallNextHookEx(HHOOK hook, int code, WPARAM wParam, LPARAM lParam);
 /* ---- Messages ------------------------------------------------------------------------------------------------------------- */
 
 /** Takes the next message, or with PM_NOREMOVE looks at it: posted ones first, in their order, then WM_QUIT, then WM_PAINT for
- *  windows with something to paint. window: only messages of that window, or null. first, last: range, or 0 and 0 for all.
- *  FALSE if there is none. */
+ *  windows with something to paint. Keys and buttons of a top-level window that is disabled, or of its children, are dropped.
+ * window: only messages of that window, or null. first, last: range, or 0 and 0 for all. FALSE if there is none. */
 BOOL PeekMessageA(MSG* message, HWND window, UINT first, UINT last, UINT remove);
 /** Waits for a message and takes it. 0 for WM_QUIT, else 1. */
 BOOL GetMessageA(MSG* message, HWND window, UINT first, UINT last);

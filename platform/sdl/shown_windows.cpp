@@ -1,0 +1,259 @@
+#include "platform/sdl/shown_windows.h"
+
+#include <algorithm>
+#include <vector>
+
+/** In the order in which they were made. */
+static std::vector<ShownWindow> shownWindows;
+/** Depth of the portable screen. */
+static int32_t screenBits = 32;
+
+static ShownWindow* Find_Shown(HWND portable) {
+  const auto found = std::ranges::find(shownWindows, portable, &ShownWindow::portable);
+  return found == shownWindows.end() ? nullptr : &*found;
+}
+
+const ShownWindow* Shown_As(HWND portable) { return Find_Shown(portable); }
+
+const ShownWindow* Shown_By(uint32_t id) {
+  const auto found = std::ranges::find(shownWindows, SDL_GetWindowFromID(id), &ShownWindow::real);
+  return found == shownWindows.end() ? nullptr : &*found;
+}
+
+static DWORD Style_Of(HWND window) { return static_cast<DWORD>(GetWindowLongPtrA(window, GWL_STYLE)); }
+
+HWND Top_Of(HWND window) {
+  while (window && (Style_Of(window) & WS_CHILD)) window = GetParent(window);
+  return window;
+}
+
+/** The top-level window that a dialog or tooltip belongs to, or null. */
+static HWND Owner_Of(HWND window) { return (Style_Of(window) & WS_POPUP) ? Top_Of(GetParent(window)) : nullptr; }
+
+HWND Active_Window(HWND top) {
+  if (IsWindowEnabled(top)) return top;
+  for (auto shown = shownWindows.rbegin(); shown != shownWindows.rend(); ++shown) {
+    const HWND dialog = shown->portable;
+    if (Owner_Of(dialog) == top && IsWindowVisible(dialog) && !Screen_Is_Tooltip(dialog)) return Active_Window(dialog);
+  }
+  return top;
+}
+
+void Window_Raise(HWND top) {
+  if (const ShownWindow* const shown = Shown_As(top)) SDL_RaiseWindow(shown->real);
+}
+
+/* ---- Pixels --------------------------------------------------------------------------------------------------------------- */
+
+static SDL_Rect To_Sdl(const RECT& rect) { return {rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top}; }
+
+/** Copies a window's own pixels, limited to the target's clip and what is seen of it. */
+static void Show_Part(const ScreenPart& part, const SDL_Rect& dirty, SDL_Surface* target) {
+  const SDL_Rect seen = To_Sdl(part.seen);
+  SDL_Rect limit;
+  if (!SDL_IntersectRect(&seen, &dirty, &limit)) return;
+  int32_t width = 0, height = 0, pitch = 0;
+  const uint8_t* pixels = Screen_Window_Pixels(part.window, &width, &height, &pitch);
+  static std::vector<uint32_t> converted;
+  if (pixels && screenBits != 32) {
+    Screen_Window_Colors(part.window, &converted);
+    pixels = reinterpret_cast<const uint8_t*>(converted.data());
+    pitch = 4 * width;
+  }
+  if (!pixels) return;
+  SDL_Surface* const source =
+      SDL_CreateRGBSurfaceWithFormatFrom(const_cast<uint8_t*>(pixels), width, height, 32, pitch, SDL_PIXELFORMAT_RGB888);
+  if (!source) return;
+  SDL_SetSurfaceBlendMode(source, SDL_BLENDMODE_NONE);
+  SDL_Rect place = To_Sdl(part.place);
+  SDL_SetClipRect(target, &limit);
+  SDL_BlitSurface(source, nullptr, target, &place);
+  SDL_SetClipRect(target, nullptr);
+  SDL_FreeSurface(source);
+}
+
+static bool Covers(const RECT& seen, const SDL_Rect& dirty) {
+  return seen.left <= dirty.x && seen.top <= dirty.y && seen.right >= dirty.x + dirty.w && seen.bottom >= dirty.y + dirty.h;
+}
+
+/** Copies what lies in a part of the window, from the last one on that covers it all. */
+static void Show_Area(const ShownWindow& shown, const std::vector<ScreenPart>& parts, SDL_Rect dirty) {
+  SDL_Surface* const target = parts.empty() ? nullptr : SDL_GetWindowSurface(shown.real);
+  if (!target || !SDL_IntersectRect(&dirty, &target->clip_rect, &dirty)) return;
+  auto first =
+      std::find_if(parts.rbegin(), parts.rend(), [&](const ScreenPart& part) { return Covers(part.seen, dirty); }).base();
+  if (first == parts.begin()) {
+    SDL_FillRect(target, &dirty, 0);
+  } else {
+    --first;
+  }
+  for (; first != parts.end(); ++first) Show_Part(*first, dirty, target);
+  SDL_UpdateWindowSurfaceRects(shown.real, &dirty, 1);
+}
+
+void Show_Pixels(const ShownWindow& shown) {
+  int width = 0, height = 0;
+  SDL_GetWindowSize(shown.real, &width, &height);
+  Show_Area(shown, Screen_Parts(shown.portable), {0, 0, width, height});
+}
+
+static void Pixels_Changed(HWND window) {
+  const HWND top = Top_Of(window);
+  const ShownWindow* const shown = Shown_As(top);
+  if (!shown || window == top) {
+    if (shown) Show_Pixels(*shown);
+    return;
+  }
+  const std::vector<ScreenPart> parts = Screen_Parts(top);
+  const auto part = std::ranges::find(parts, window, &ScreenPart::window);
+  if (part != parts.end()) Show_Area(*shown, parts, To_Sdl(part->seen));
+}
+
+/* ---- From the portable window to the desktop ------------------------------------------------------------------------------ */
+
+static RECT Place_Of(HWND window) {
+  RECT place = {};
+  GetWindowRect(window, &place);
+  return place;
+}
+
+static uint32_t Flags_Of(HWND window, HWND owner) {
+  if (Screen_Is_Tooltip(window)) return SDL_WINDOW_TOOLTIP | SDL_WINDOW_BORDERLESS | SDL_WINDOW_SKIP_TASKBAR;
+  return owner ? SDL_WINDOW_BORDERLESS | SDL_WINDOW_SKIP_TASKBAR : SDL_WINDOW_RESIZABLE;
+}
+
+/** An owned window opens at its place, another where the desktop puts it. */
+static ShownWindow* Make_Real(HWND window) {
+  const HWND owner = Owner_Of(window);
+  const RECT place = Place_Of(window);
+  const int x = owner ? place.left : int{SDL_WINDOWPOS_UNDEFINED}, y = owner ? place.top : int{SDL_WINDOWPOS_UNDEFINED};
+  SDL_Window* const real = SDL_CreateWindow("", x, y, std::max(place.right - place.left, 1),
+                                            std::max(place.bottom - place.top, 1), SDL_WINDOW_HIDDEN | Flags_Of(window, owner));
+  if (!real) return nullptr;
+  if (const ShownWindow* const above = Shown_As(owner)) SDL_SetWindowModalFor(real, above->real);
+  shownWindows.push_back({.portable = window, .real = real, .agreed = place});
+  if (!owner) Follow_Place(shownWindows.back());
+  return &shownWindows.back();
+}
+
+static bool Is_Full(const ShownWindow& shown) { return SDL_GetWindowFlags(shown.real) & SDL_WINDOW_FULLSCREEN; }
+
+/** From the corner of the frame to that of the client area. */
+static POINT Frame_Of(const ShownWindow& shown) {
+  int top = 0, left = 0;
+  SDL_GetWindowBordersSize(shown.real, &top, &left, nullptr, nullptr);
+  return {left, top};
+}
+
+static void Take_Place(ShownWindow* shown) {
+  const RECT place = Place_Of(shown->portable), agreed = shown->agreed;
+  const int width = place.right - place.left, height = place.bottom - place.top;
+  shown->agreed = place;
+  if (width > 0 && height > 0 && (width != agreed.right - agreed.left || height != agreed.bottom - agreed.top)) {
+    SDL_SetWindowSize(shown->real, width, height);
+  }
+  if (place.left == agreed.left && place.top == agreed.top) return;
+  // Just back from the full screen SDL doesn't know of a frame yet, and takes its corner for that of the client area.
+  const POINT frame = Frame_Of(*shown), missing = {shown->frame.x - frame.x, shown->frame.y - frame.y};
+  const POINT less = shown->wasFull ? missing : POINT{};
+  shown->wasFull = false;
+  SDL_SetWindowPosition(shown->real, place.left - less.x, place.top - less.y);
+}
+
+/** Changes between window and full screen. Place and size are set first, for a desktop without a window manager sets neither. */
+static void Take_Style(ShownWindow* shown) {
+  const bool full = (Style_Of(shown->portable) & WS_POPUP) && !Owner_Of(shown->portable);
+  if (full && !Is_Full(*shown)) {
+    shown->frame = Frame_Of(*shown);
+    shown->wasFull = true;
+    SDL_SetWindowPosition(shown->real, 0, 0);
+    SDL_SetWindowSize(shown->real, GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN));
+    SDL_SetWindowFullscreen(shown->real, SDL_WINDOW_FULLSCREEN_DESKTOP);
+  }
+  if (!full && Is_Full(*shown)) SDL_SetWindowFullscreen(shown->real, 0);
+  if (full) shown->agreed = Place_Of(shown->portable);
+  if (!full) Take_Place(shown);
+}
+
+/** Without a window manager the keys go to whatever was shown last, a tooltip too, and to nobody once that is hidden. */
+static void Show_Real(const ShownWindow& shown) {
+  SDL_Window* const keys = SDL_GetKeyboardFocus();
+  SDL_ShowWindow(shown.real);
+  if (keys && Screen_Is_Tooltip(shown.portable)) SDL_SetWindowInputFocus(keys);
+}
+
+static void Hide_Real(const ShownWindow& shown, HWND owner) {
+  const bool hadKeys = SDL_GetKeyboardFocus() == shown.real;
+  SDL_HideWindow(shown.real);
+  const ShownWindow* const next = hadKeys ? Shown_As(owner) : nullptr;
+  const uint32_t flags = next ? SDL_GetWindowFlags(next->real) : 0;
+  if ((flags & SDL_WINDOW_SHOWN) && !(flags & SDL_WINDOW_MINIMIZED)) SDL_SetWindowInputFocus(next->real);
+}
+
+static void Take_Visibility(const ShownWindow& shown) {
+  const bool visible = IsWindowVisible(shown.portable);
+  const bool shows = SDL_GetWindowFlags(shown.real) & SDL_WINDOW_SHOWN;
+  if (visible && !shows) Show_Real(shown);
+  if (!visible && shows) Hide_Real(shown, Owner_Of(shown.portable));
+}
+
+static void Window_Created(HWND window) {
+  if (!(Style_Of(window) & WS_CHILD)) Make_Real(window);
+}
+
+static void Window_Changed(HWND window) {
+  const HWND top = Top_Of(window);
+  ShownWindow* shown = Find_Shown(top);
+  if (window != top) {
+    if (shown) Show_Pixels(*shown);
+    return;
+  }
+  // Most tooltips are never seen.
+  if (!shown && Screen_Is_Tooltip(window) && IsWindowVisible(window)) shown = Make_Real(window);
+  if (!shown || IsIconic(window)) return;
+  char title[512] = "";
+  GetWindowTextA(window, title, sizeof title);
+  SDL_SetWindowTitle(shown->real, title);
+  Take_Style(shown);
+  Take_Visibility(*shown);
+}
+
+static void Window_Destroyed(HWND window) {
+  const HWND top = Top_Of(window);
+  const ShownWindow* const shown = Shown_As(top);
+  if (shown && window != top) Show_Pixels(*shown);
+  if (!shown || window != top) return;
+  Hide_Real(*shown, Owner_Of(window));
+  SDL_DestroyWindow(shown->real);
+  shownWindows.erase(shownWindows.begin() + (shown - shownWindows.data()));
+}
+
+void Windows_Hook_In(ScreenDesktop* desktop, int32_t bits) {
+  screenBits = bits;
+  desktop->windowCreated = Window_Created;
+  desktop->windowChanged = Window_Changed;
+  desktop->pixelsChanged = Pixels_Changed;
+  desktop->windowDestroyed = Window_Destroyed;
+}
+
+/* ---- From the desktop to the portable window ------------------------------------------------------------------------------ */
+
+void Follow_Place(const ShownWindow& given) {
+  ShownWindow* const shown = Find_Shown(given.portable);
+  if (Is_Full(*shown) || IsIconic(shown->portable)) return;
+  int x = 0, y = 0;
+  SDL_GetWindowPosition(shown->real, &x, &y);
+
+  OffsetRect(&shown->agreed, x - shown->agreed.left, y - shown->agreed.top);
+}
+
+void Follow_Size(const ShownWindow& given) {
+  ShownWindow* const shown = Find_Shown(given.portable);
+  RECT client = {};
+  GetClientRect(shown->portable, &client);
+  int width = 0, height = 0;
+  SDL_GetWindowSize(shown->real, &width, &height);
+  shown->agreed.right = shown->agreed.left + width;
+  shown->agreed.bottom = shown->agreed.top + height;
+  if (width != client.right || height != client.bottom) Screen_Resize_Client(shown->portable, width, height);
+}
