@@ -224,10 +224,10 @@ void VELARTO_CDECL JDEC_register_draw_callback(JdecDecoder* decoder, VelartoDraw
  * without a decoder or display. */
 int32_t VELARTO_CDECL JDEC_SetMotionSeachEnable(JdecDecoder* decoder, int32_t enable);
 
-/** The rectangle, in picture pixels. */
+/** Sets the motion-search rectangle, in picture pixels. */
 int32_t VELARTO_CDECL JDEC_SetMotionSeachArea(JdecDecoder* decoder, int32_t left, int32_t top, int32_t right, int32_t bottom);
 
-/** The caption, centred at the picture's top: of a longer text 255 characters. 0 also for a null text. */
+/** Sets the motion-search caption, centred at the picture's top: of a longer text 255 characters. 0 also for a null text. */
 int32_t VELARTO_CDECL JDEC_SetMotionSeachString(JdecDecoder* decoder, const char* text);
 
 /* ---- The plug-in ----------------------------------------------------------------------------------------------- */
@@ -275,17 +275,19 @@ int32_t* VELARTO_STDCALL vb_JDEC_Access_DstRect(JdecDecoder* decoder, const int3
 
 /* ---- The decoder_ family ---------------------------------------------------------------------------------------- */
 
-/* The JDEC_ operations of the same meaning, behind a guard: with a null decoder they do nothing and give 0 or null. */
+/** As JDEC_Init. */
 int32_t VELARTO_CDECL decoder_Initialize(void);
+
+/** As JDEC_Exit. */
 void VELARTO_CDECL decoder_Shutdown(void);
+
+/* The JDEC_ operations of the same meaning, behind a guard: with a null decoder they do nothing and give 0 or null. */
 void VELARTO_CDECL decoder_free(JdecDecoder* decoder);
 void VELARTO_CDECL decoder_flush(JdecDecoder* decoder);
 int32_t VELARTO_CDECL decoder_draw_init(JdecDecoder* decoder, VelartoWindow window);
 void VELARTO_CDECL decoder_draw_exit(JdecDecoder* decoder);
 int32_t* VELARTO_CDECL decoder_access_src_rect(JdecDecoder* decoder, const int32_t* rect);
 int32_t VELARTO_CDECL decoder_get_decompressed_bitmap_ex2(JdecDecoder* decoder, uint8_t* buffer, int32_t capacity);
-void VELARTO_CDECL decoder_get_dimension(JdecDecoder* decoder, int32_t* width, int32_t* height);
-
 void VELARTO_CDECL decoder_enable_MD(JdecDecoder* decoder, int32_t value);
 void VELARTO_CDECL decoder_set_MD_color(int32_t which);
 void VELARTO_CDECL decoder_set_MD_area(JdecDecoder* decoder, int32_t column, int32_t row, int32_t marked);
@@ -295,6 +297,9 @@ void VELARTO_CDECL decoder_show_rectangle(JdecDecoder* decoder, int32_t x, int32
                                           int32_t hide);
 void VELARTO_CDECL decoder_set_ptz_bmp(JdecDecoder* decoder, VelartoBitmap bitmap);
 void VELARTO_CDECL decoder_register_draw_callback(JdecDecoder* decoder, VelartoDrawCallback callback, uintptr_t user);
+
+/** As JDEC_get_size. */
+void VELARTO_CDECL decoder_get_dimension(JdecDecoder* decoder, int32_t* width, int32_t* height);
 
 /** JDEC_New with 320 by 240 pixels. */
 JdecDecoder* VELARTO_CDECL decoder_new(void);
