@@ -83,25 +83,6 @@ TEST(Dll, ComesAndGoesWithoutLeavingObjects) {
   EXPECT_LE(counts[1][GR_USEROBJECTS], counts[0][GR_USEROBJECTS] + 4);
 }
 
-TEST(Dll, GivesEachExportUnderNameAndOrdinal) {
-  const HMODULE library = LoadLibraryA("velarto.dll");
-  ASSERT_NE(library, nullptr);
-  FILE* const list = std::fopen("exports.list", "r");
-  ASSERT_NE(list, nullptr);
-  char line[256], name[128];
-  int ordinal = 0, found = 0;
-  while (std::fgets(line, sizeof line, list)) {
-    if (std::sscanf(line, "%d %127s", &ordinal, name) != 2) continue;
-    const FARPROC byName = GetProcAddress(library, name);
-    EXPECT_NE(byName, nullptr) << name;
-    EXPECT_EQ(byName, GetProcAddress(library, MAKEINTRESOURCEA(ordinal))) << name << " " << ordinal;
-    ++found;
-  }
-  std::fclose(list);
-  EXPECT_GE(found, 20);
-  FreeLibrary(library);
-}
-
 #ifdef __i386__
 /** Calls an operation with the stack at 4 bytes past a multiple of 16, as callers of old compilers do. */
 __attribute__((noinline)) int32_t Call_Misaligned(int32_t(__cdecl* operation)(JdecDecoder*), JdecDecoder* decoder) {
