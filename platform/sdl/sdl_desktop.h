@@ -1,8 +1,10 @@
-/* A real desktop for the portable windows, by SDL2. Each top-level window is shown in a window of the desktop, pixel for pixel.
+/* A real desktop for the portable windows, by SDL2. Each top-level window is shown in a window of the desktop, pixel for pixel,
+ * with its children in it.
  *
- * What the user does there reaches the portable window: a new size, keys as WM_KEYDOWN, the close button as WM_CLOSE, being
- * minimised, and WM_PAINT when a part is uncovered. The other way round go size, title, visibility and style: a window with the
- * style WS_POPUP is shown on the full screen.
+ * What the user does there reaches the portable window: a new place and size, keys as WM_KEYDOWN, mouse buttons, WM_SETCURSOR
+ * when the pointer moves, the close button as WM_CLOSE, being minimised, and WM_PAINT when a part is uncovered. The other way
+ * round go place, size, title, visibility, the cursor and style: a window with WS_POPUP is shown on the full screen, or, if it is
+ * owned, without a border. Tooltips open where the pointer rests; message boxes and questions for a file are asked.
  *
  * The portable screen takes the size of the desktop. All of it belongs to the thread that started it. */
 #pragma once

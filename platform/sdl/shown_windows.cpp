@@ -243,7 +243,7 @@ void Follow_Place(const ShownWindow& given) {
   if (Is_Full(*shown) || IsIconic(shown->portable)) return;
   int x = 0, y = 0;
   SDL_GetWindowPosition(shown->real, &x, &y);
-
+  Screen_Move(shown->portable, x, y);
   OffsetRect(&shown->agreed, x - shown->agreed.left, y - shown->agreed.top);
 }
 

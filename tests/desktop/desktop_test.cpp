@@ -5,6 +5,9 @@
 #include <filesystem>
 #include <thread>
 
+/** What the desktop's own libraries keep to themselves. */
+extern "C" const char* __lsan_default_suppressions() { return "leak:libdbus-1"; }
+
 namespace {
 
 bool Await(const std::function<bool()>& condition) {
@@ -40,7 +43,6 @@ TEST_F(PluginTest, IsSeenAndUsedOnADesktop) {
   setenv("DISPLAY", display, 1);
   std::string error;
   ASSERT_TRUE(Sdl_Desktop_Start(0, &error)) << error;
-
   const HWND top = CreateWindowExA(0, "page", "page", WS_VISIBLE, 0, 0, 300, 200, nullptr, nullptr, nullptr, nullptr);
   const HWND shown = Page_Window(top, 60, 40, 160, 120);
   Open(0, 1, shown);
@@ -55,8 +57,7 @@ TEST_F(PluginTest, IsSeenAndUsedOnADesktop) {
         {"mousemove 242 190", "gone again", 220, 303, back},
         {"click 3", "the menu's buttons", 285, 234, diskette},
         {"mousemove 334 240 click 1", "closed by the cross", 285, 234, picture},
-        {"search --name page windowmove 20 30", "moved by the user", 135, 124, picture},
-        {"mousemove 100 100 click 3", "the menu where the window is now", 135, 124, diskette},
+        {"search --name page windowmove 20 30 mousemove 100 100 click 3", "the menu where the window is now", 135, 124, diskette},
         {"key Escape", "closed by the key", 135, 124, picture},
         {"click 3", "and open again", 135, 124, diskette},
     };
