@@ -23,13 +23,14 @@ struct ByteQueue {
   std::mutex lock;    ///< Guards what follows.
   std::condition_variable changed;
   HWND window = nullptr;
+  bool posted = false;  ///< A message is on its way: more of them would only crowd out others.
   std::deque<std::vector<uint8_t>> pieces;
   BytesState state = BytesState::Running;
   std::string error;
 };
 
-static void Notify(const ByteQueue& queue) {
-  if (queue.window) PostMessageA(queue.window, queue.message, 0, 0);
+static void Notify(ByteQueue* queue) {
+  if (queue->window && !queue->posted) queue->posted = PostMessageA(queue->window, queue->message, 0, 0);
 }
 
 /** Queues a piece, and waits for room after it. */
@@ -37,7 +38,7 @@ static void Put_Piece(ByteQueue* queue, std::vector<uint8_t> piece) {
   std::unique_lock held(queue->lock);
   queue->pieces.push_back(std::move(piece));
   queue->some = true;
-  do Notify(*queue);
+  do Notify(queue);
   while (!queue->changed.wait_for(held, Reminder, [&] { return queue->stop || queue->pieces.size() < MostPieces; }));
 }
 
@@ -67,7 +68,7 @@ static void Run_Queue(const std::shared_ptr<ByteQueue>& queue) {
   queue->state = good ? BytesState::Ended : queue->some ? BytesState::Broken : BytesState::Unopened;
   queue->error = error;
   queue->changed.notify_all();
-  Notify(*queue);
+  Notify(queue.get());
 }
 
 std::shared_ptr<ByteQueue> Bytes_Start(const std::string& source, bool loop, HWND window, UINT message) {
@@ -87,6 +88,12 @@ bool Bytes_Take(ByteQueue* queue, std::vector<uint8_t>* piece) {
   queue->pieces.pop_front();
   queue->changed.notify_all();
   return true;
+}
+
+void Bytes_Seen(ByteQueue* queue, bool again) {
+  const std::lock_guard held(queue->lock);
+  queue->posted = false;
+  if (again) Notify(queue);
 }
 
 BytesState Bytes_State(ByteQueue* queue, std::string* error) {

@@ -58,14 +58,15 @@ static bool Deliver_Once(Host* host) {
 }
 
 void Host_Deliver(Host* host) {
+  const std::shared_ptr<ByteQueue> bytes = host->bytes;
+  if (!bytes) return;
   MSG message;
-  if (PeekMessageA(&message, nullptr, 0, WM_APP - 1, PM_NOREMOVE)) return;  // The user's turn; the reader reminds us.
-  for (int32_t i = 0; i < MostWrites; ++i) {
-    if (Deliver_Once(host)) continue;
-    // Held back: once more behind the message that makes room.
-    if (host->at < host->piece.size() && host->page.streaming) PostMessageA(host->inbox, BytesMessage, 0, 0);
-    return;
-  }
+  // The user's turn? Then the reader reminds us.
+  const bool input = PeekMessageA(&message, nullptr, 0, WM_APP - 1, PM_NOREMOVE);
+  for (int32_t i = 0; !input && i < MostWrites && Deliver_Once(host);) ++i;
+  const bool held = host->at < host->piece.size() && host->page.streaming;
+  // What is held back is tried again behind the message that makes room.
+  Bytes_Seen(bytes.get(), held && !input);
 }
 
 /** When all bytes have been handed on: ends the stream with its source. A source that gave none leaves nothing to look at. */
@@ -128,7 +129,10 @@ static void Run_Messages(Host* host) {
       continue;
     }
     // Here these only end the wait.
-    if (message.hwnd == host->inbox && message.message == BytesMessage) continue;
+    if (message.hwnd == host->inbox && message.message == BytesMessage) {
+      if (host->bytes) Bytes_Seen(host->bytes.get(), false);
+      continue;
+    }
     TranslateMessage(&message);
     DispatchMessageA(&message);
   }

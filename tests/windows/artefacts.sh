@@ -1,12 +1,12 @@
 #!/usr/bin/env bash
-# artefacts.sh FOLDER LIST: velarto.dll exports what the list says, undecorated and under its ordinals, and neither it nor the tool needs a
+# artefacts.sh FOLDER LIST: velarto.dll exports what the list says, undecorated and under its ordinals, and neither it nor tool and host need a
 # DLL beside the system's own.
 set -euo pipefail
 folder=$1 list=$2
 objdump=i686-w64-mingw32-objdump
 system='kernel32|user32|gdi32|ddraw|advapi32|comctl32|comdlg32|ws2_32|msvcrt|winmm|shell32|ole32'
 
-for file in velarto.dll velarto.exe; do
+for file in velarto.dll velarto.exe velarto-host.exe; do
   foreign=$($objdump -p "$folder/$file" | awk '/DLL Name:/ {print tolower($3)}' | grep -vE "^($system)\.dll$" || true)
   [ -z "$foreign" ] || { echo "$file needs $foreign" >&2; exit 1; }
 done

@@ -27,7 +27,7 @@ END
 for _ in $(seq 16); do cat "$root/samples/street.vlr"; done >"$work/long.vlr"
 data=(--data "$work/long.vlr")
 for file in "$root"/tests/data/tile-*.jpg "$root/api/exports.list" "$root/samples/street.vlr"; do data+=(--data "$file"); done
-"$root/cmake/windows-vm.sh" run --timeout "${VELARTO_WINDOWS_TIMEOUT:-1500}" "${data[@]}" "$folder" "$work/commands" | grep --line-buffered -v '^speed=' | tee "$work/output"
+"$root/cmake/windows-vm.sh" run --timeout "${VELARTO_WINDOWS_TIMEOUT:-2400}" "${data[@]}" "$folder" "$work/commands" | grep --line-buffered -v '^speed=' | tee "$work/output"
 status=${PIPESTATUS[0]}
 
 # GoogleTest's own counts; each other program, and one of GoogleTest that ends badly without telling, counts once, by how it exits.
