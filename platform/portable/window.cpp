@@ -121,13 +121,14 @@ HWND CreateWindowExA(DWORD, LPCSTR className, LPCSTR title, DWORD style, int x, 
                      HMENU menu, HINSTANCE instance, LPVOID) {
   const WNDCLASSA* const type = Find_Class(className);
   const bool child = (style & WS_CHILD) != 0;
-  if (!type || (child && !Window_Find(parent))) return nullptr;
+  const bool fits = parent ? Window_Find(parent) != nullptr : !child;
+  if (!type || !fits) return nullptr;
   HWND window = new (std::nothrow) HWND__{};
   if (!window) return nullptr;
   window->proc = type->lpfnWndProc;
   window->background = type->hbrBackground;
   window->parent = child ? parent : nullptr;
-  window->owner = child ? nullptr : Window_Find(parent);
+  window->owner = child ? nullptr : parent;
   window->instance = instance;
   window->id = child ? static_cast<int>(reinterpret_cast<uintptr_t>(menu)) : 0;
   window->style = style & ~WS_VISIBLE;

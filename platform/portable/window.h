@@ -103,9 +103,9 @@ struct WINDOWPLACEMENT {
 
 /** Makes a class known; one of the same name is replaced. 0 without a name or procedure. */
 ATOM RegisterClassA(const WNDCLASSA* windowClass);
-/** Makes a window of a registered class or one of the controls, or gives null. With WS_CHILD the position counts from the
- * parent's client area and menu is the number in the dialog; without, the parent is the owner. Either way the window ends with
- * it. No message is sent but WM_SIZE, when it is shown for the first time. param is null. */
+/** Makes a window of a registered class or one of the controls, or gives null, as for a parent that is none. With WS_CHILD the
+ * position counts from the parent's client area and menu is the number in the dialog; without, the parent is the owner. Either
+ * way the window ends with it. No message is sent but WM_SIZE, when it is shown for the first time. param is null. */
 HWND CreateWindowExA(DWORD exStyle, LPCSTR className, LPCSTR title, DWORD style, int x, int y, int width, int height, HWND parent,
                      HMENU menu, HINSTANCE instance, LPVOID param);
 /** Sends WM_DESTROY, then ends the window and its children; messages still posted to them are dropped. */
