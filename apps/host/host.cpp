@@ -190,7 +190,7 @@ int Host_Run(const HostOptions& options) {
   if (options.menu) Turn_Menu_On();
   Host host{options};
   int code = ExitFailed;
-  if (Plugin_Load(options.library.c_str(), options.versionWord, &host.plugin, &error)) {
+  if (Plugin_Load(options.pluginName.c_str(), options.versionWord, &host.plugin, &error)) {
     code = Run_Plugin(&host);
     Plugin_Unload(&host.plugin);
   } else {

@@ -13,7 +13,7 @@
 
 struct HostOptions {
   std::string source;
-  std::string library = DefaultLibrary;
+  std::string pluginName = DefaultLibrary;
   std::string type = "video/x-orvistream";
   std::string url;  ///< What the plug-in is told; empty: the source.
   uint16_t versionWord = 0x000B;

@@ -20,7 +20,7 @@ static std::string Read_Size(const std::string& text, int32_t* width, int32_t* h
 
 static void Add_Options(CLI::App* app, HostOptions* options) {
   app->add_option("SOURCE", options->source, "A file, - for standard input, tcp://HOST:PORT, or http://...")->required();
-  app->add_option("--library", options->library, "The plug-in library")->capture_default_str();
+  app->add_option("--library", options->pluginName, "The plug-in library")->capture_default_str();
   app->add_option("--version-word", options->versionWord,
                   "Version of the browser's interface, the major number in the high byte (0x000B)");
   app->add_option("--type", options->type, "MIME type of the stream")->capture_default_str();
