@@ -6,7 +6,7 @@
 #include "decode/huffman_tables.h"
 #include "decode/quant.h"
 #include "display/context.h"
-#include "kernels/kernels.h"
+#include "kernels/cpu.h"
 #include "pixel/color_tables.h"
 
 #include <array>
@@ -28,7 +28,7 @@ void Init_Global_Tables() {
   Init_YCC_RGB_Table();
   Huff_Init_Decode_Tables();
   Init_Bit_Masks();
-  kernels = Kernels_Select(KernelPlain);
+  kernels = Kernels_Select(Cpu_Levels() & kernelsAllowed);
 }
 
 void Free_Global_Tables() {

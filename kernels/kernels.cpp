@@ -2,18 +2,35 @@
 
 Kernels kernels = Kernels_Select(KernelPlain);
 
-Kernels Kernels_Select([[maybe_unused]] uint32_t mask) {
-  return {
-      .decodeRow = Decode_Row_Plain,
-      .idctRow = Idct_Row_Plain,
-      .idctRowPacked = Idct_Row_Packed_Plain,
-      .toRgb24 = To_Rgb24_Plain,
-      .toRgb32 = To_Rgb32_Plain,
-      .toRgb565 = To_Rgb565_Plain,
-      .toRgb555 = To_Rgb555_Plain,
-      .ditherRow = Dither_Row_Plain,
-      .toYccRow = To_Ycc_Row_Plain,
-      .downsampleRow = Downsample_Row_Plain,
-      .forwardRow = Forward_Row_Plain,
-  };
+static constexpr Kernels plainKernels = {
+    .decodeRow = Decode_Row_Plain,
+    .idctRow = Idct_Row_Plain,
+    .idctRowPacked = Idct_Row_Packed_Plain,
+    .toRgb24 = To_Rgb24_Plain,
+    .toRgb32 = To_Rgb32_Plain,
+    .toRgb565 = To_Rgb565_Plain,
+    .toRgb555 = To_Rgb555_Plain,
+    .ditherRow = Dither_Row_Plain,
+    .toYccRow = To_Ycc_Row_Plain,
+    .downsampleRow = Downsample_Row_Plain,
+    .forwardRow = Forward_Row_Plain,
+};
+
+#if defined(__i386__) || defined(__x86_64__)
+
+static void Overlay_Sse2([[maybe_unused]] Kernels* record) {}
+
+static void Overlay_Avx2([[maybe_unused]] Kernels* record) {}
+
+Kernels Kernels_Select(uint32_t mask) {
+  Kernels record = plainKernels;
+  if (mask & KernelSse2) Overlay_Sse2(&record);
+  if (mask & KernelAvx2) Overlay_Avx2(&record);
+  return record;
 }
+
+#else
+
+Kernels Kernels_Select(uint32_t /*mask*/) { return plainKernels; }
+
+#endif

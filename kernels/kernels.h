@@ -100,7 +100,7 @@ struct Kernels {
 };
 
 /** Levels, to be combined into a mask. Plain needs no bit. */
-enum KernelLevel : uint32_t { KernelPlain = 0 };
+enum KernelLevel : uint32_t { KernelPlain = 0, KernelSse2 = 1, KernelAvx2 = 2 };
 
 /** Gives the record of the best kernels among the levels in `mask`, which must not name a level that the processor lacks. */
 Kernels Kernels_Select(uint32_t mask);

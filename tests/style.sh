@@ -17,8 +17,8 @@ forbid "a tab" -P '\t' -- '*.h' '*.cpp' '*.c' '*.sh' '*.cmake' '*.md' run
 forbid "blanks at a line's end" -E ' +$' -- ':!*.list'
 forbid "the system's name above the platform layer" -E '_WIN32|WIN64' -- decode pixel kernels display overlay plugin api apps '*/CMakeLists.txt'
 forbid "a system header above the platform layer" -E '#include <(windows|ddraw|unistd|sys/)' -- decode pixel kernels display overlay plugin api
-extra=$(git grep -nE '^#include "' -- 'kernels/*_*.cpp' | grep -v '"kernels/kernels.h"')
-[ -z "$extra" ] || { printf 'style: kernels include kernels.h alone\n%s\n' "$extra" >&2; failed=1; }
+extra=$(git grep -nE '^#include "' -- 'kernels/*_*.cpp' | grep -vE '"kernels/(kernels|[a-z0-9_]+_body)\.h"')
+[ -z "$extra" ] || { printf 'style: kernels include kernels.h and bodies alone\n%s\n' "$extra" >&2; failed=1; }
 forbid "a path of one machine" -E '/(work|home|root)/[a-z]' -- ':!tests/style.sh'
 
 for file in $(git ls-files '*.h' '*.cpp' '*.c' '*.md' '*.sh' '*.cmake' '*.txt' run); do

@@ -2,7 +2,7 @@
 
 #include "apps/velarto/output.h"
 #include "apps/velarto/sources/reconnect.h"
-#include "kernels/kernels.h"
+#include "kernels/cpu.h"
 #include "velarto.h"
 
 #include <algorithm>
@@ -84,15 +84,11 @@ std::string No_Frame_Text(const std::string& name, const FrameWalk& walk) {
   return "no frame found in " + Source_Title(name) + " (" + std::to_string(Walk_Bytes(walk)) + " bytes read)";
 }
 
-struct NamedLevel {
-  const char* name;
-  uint32_t mask;
-};
-static constexpr NamedLevel levels[] = {{"plain", KernelPlain}};
-
 std::vector<std::string> Kernel_Names() {
   std::vector<std::string> names;
-  for (const NamedLevel& level : levels) names.emplace_back(level.name);
+  for (const NamedKernelLevel& level : kernelLevels) {
+    if ((level.mask & ~Cpu_Levels()) == 0) names.emplace_back(level.name);
+  }
   return names;
 }
 
@@ -100,7 +96,7 @@ std::string Kernel_Best() { return Kernel_Names().back(); }
 
 void Library_Start(const std::string& kernelName) {
   JDEC_Init();
-  for (const NamedLevel& level : levels) {
+  for (const NamedKernelLevel& level : kernelLevels) {
     if (kernelName == level.name) kernels = Kernels_Select(level.mask);
   }
 }

@@ -100,8 +100,8 @@ TEST_F(IdctKernel, ConstantBlocksOfAnySizeOfCoefficient) {
 
 TEST_F(IdctKernel, RowsOfEveryLevelAreThePlainBlocksSideBySide) {
   Noise noise{5};
-  for (const uint32_t level : testLevels) {
-    const Kernels tested = Kernels_Select(level);
+  for (const auto& [level, mask] : Test_Levels()) {
+    const Kernels tested = Kernels_Select(mask);
     for (int round = 0; round < 1000; ++round) {
       Codec_Set_Quality(codec, noise.Between(1, 100));
       const int32_t shape = round % 6;

@@ -47,8 +47,8 @@ using Converters = LibraryTest;
 
 TEST_F(Converters, EveryPairOfChromaValuesAndEverySmallSize) {
   Noise noise{4};
-  for (const uint32_t level : testLevels) {
-    kernels = Kernels_Select(level);
+  for (const auto& [level, mask] : Test_Levels()) {
+    kernels = Kernels_Select(mask);
     for (int32_t size = 1; size <= 81; ++size) {
       const int32_t width = size < 81 ? size : 513, height = size < 81 ? 81 % (size + 3) + 1 : 513;
       const PlanesPtr planes(Planes_New(width, height, 4, 1));
@@ -79,8 +79,8 @@ TEST_F(Converters, EveryPairOfChromaValuesAndEverySmallSize) {
 /** Also of odd sizes each pixel is written: the last column and row take the chroma beside them. */
 TEST_F(Converters, DitherKeepsToLevelsAtEverySmallSize) {
   Noise noise{5};
-  for (const uint32_t level : testLevels) {
-    kernels = Kernels_Select(level);
+  for (const auto& [level, mask] : Test_Levels()) {
+    kernels = Kernels_Select(mask);
     for (int32_t size = 2; size <= 70; ++size) {
       const int32_t width = size, height = 81 % (size + 3) + 2;
       const PlanesPtr planes(Planes_New(width, height, 4, 1));

@@ -1,6 +1,14 @@
-/* The kernel levels that the tests run. A new level is a new entry. */
+/* The kernel levels that the tests run: those of this processor. */
 #pragma once
 
-#include "kernels/kernels.h"
+#include "kernels/cpu.h"
 
-inline constexpr uint32_t testLevels[] = {KernelPlain};
+#include <vector>
+
+inline std::vector<NamedKernelLevel> Test_Levels() {
+  std::vector<NamedKernelLevel> levels;
+  for (const NamedKernelLevel& level : kernelLevels) {
+    if ((level.mask & ~Cpu_Levels()) == 0) levels.push_back(level);
+  }
+  return levels;
+}
