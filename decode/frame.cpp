@@ -3,6 +3,7 @@
 #include "decode/framing.h"
 #include "decode/huffman_decode.h"
 #include "decode/idct.h"
+#include "decode/rows.h"
 #include "decode/watermark.h"
 #include "display/present.h"
 #include "pixel/convert.h"
@@ -55,6 +56,8 @@ static int32_t Adopt_Head(JdecDecoder* decoder, int32_t isJfif, FrameHead* head)
   return Decoder_Change_Size(decoder, head->width, head->height);
 }
 
+static void Take_Nothing(void*, int32_t, int32_t) {}
+
 int32_t Decode_Frame(JdecDecoder* decoder, int32_t isJfif, int32_t draw) {
   FrameHead head{};
   if (!Adopt_Head(decoder, isJfif, &head)) {
@@ -65,8 +68,12 @@ int32_t Decode_Frame(JdecDecoder* decoder, int32_t isJfif, int32_t draw) {
   Codec_Set_Quality(codec, head.quality);
   codec->frame->position += head.dataOffset;
 
-  Huff_Decode_Frame(codec, codec->coefY, codec->coefCb, codec->coefCr, head.width, head.height, codec->frame);
-  Transform_Planes(codec, head.width, head.height);
+  if (Rows_Available()) {
+    Decode_Rows(codec, {Take_Nothing, nullptr});
+  } else {
+    Huff_Decode_Frame(codec, codec->coefY, codec->coefCb, codec->coefCr, head.width, head.height, codec->frame);
+    Transform_Planes(codec, head.width, head.height);
+  }
   if (decoder->headless) {
     YCC_To_RGB24(codec->planes, codec->raster);
     return 1;

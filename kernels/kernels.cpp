@@ -14,13 +14,24 @@ static constexpr Kernels plainKernels = {
     .toYccRow = To_Ycc_Row_Plain,
     .downsampleRow = Downsample_Row_Plain,
     .forwardRow = Forward_Row_Plain,
+    .unstuff = nullptr,
+    .decodeStrip = nullptr,
+    .transformStrip = nullptr,
 };
 
 #if defined(__i386__) || defined(__x86_64__)
 
-static void Overlay_Sse2([[maybe_unused]] Kernels* record) {}
+static void Overlay_Sse2(Kernels* record) {
+  record->unstuff = Unstuff_Sse2;
+  record->decodeStrip = Decode_Strip_Sse2;
+  record->transformStrip = Transform_Strip_Sse2;
+}
 
-static void Overlay_Avx2([[maybe_unused]] Kernels* record) {}
+static void Overlay_Avx2(Kernels* record) {
+  record->unstuff = Unstuff_Avx2;
+  record->decodeStrip = Decode_Strip_Avx2;
+  record->transformStrip = Transform_Strip_Avx2;
+}
 
 Kernels Kernels_Select(uint32_t mask) {
   Kernels record = plainKernels;

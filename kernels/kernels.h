@@ -38,6 +38,79 @@ struct HuffTables {
 /** Takes the 64 coefficients of a luma block in scan order, as the stream brought them. user: the hookUser of the call. */
 using ScanHook = void (*)(void* user, const int32_t* scan);
 
+/* The road by rows, from bytes to samples without coefficients of a whole frame: the data is freed of its stuffing once, then for
+ * each row of macroblocks one strip after the other is decoded, transformed, and cleared for the next, all in the innermost
+ * cache.
+ *
+ * A block of a strip is 64 words of 16 bits in natural order. Two blocks lie side by side, row by row: 8 words of one, 8 words of
+ * the other. A macroblock is three such pairs: upper luma, lower luma, Cb with Cr. */
+
+/** Most macroblocks of a strip. */
+static const int32_t StripMacroblocks = 16;
+/** Words of a macroblock, and of a pair of blocks in it. */
+static const int32_t StripMacroblockSize = 384, StripPairSize = 128;
+/** Bits that one step of the decoding looks up. */
+static const int32_t StripLookupBits = 11;
+/** Zero bytes that must follow data without stuffing. */
+static const int32_t StripPadding = 64;
+
+/** What the next bits stand for: at most two values and an end of block. Values go to positions counted from the block's next
+ *  scan position; where there is only one, it stands twice, where there is none, a zero goes to where nothing is yet. */
+struct StripSymbols {
+  int16_t values[2];
+  uint8_t positions[2];
+  uint8_t unused[2];
+};
+
+/** Of a step: bits taken (the low six), whether the block ends, and from StepAdvance on by how many scan positions it goes on. An
+ *  advance beyond the block says that these bits are no whole symbol. */
+static const int32_t StepEnd = 0x40, StepAdvance = 8;
+
+/** Tables of the fast decoding, indexed by table and the next StripLookupBits bits. Never change. */
+struct StripTables {
+  uint16_t steps[5][1 << StripLookupBits];  ///< Luma DC, luma AC, chroma DC, chroma AC; the last stops a strip.
+  StripSymbols symbols[4][1 << StripLookupBits];
+  uint8_t places[96];            ///< Scan position to word of a block; from 63 on the last one.
+  const HuffTables* symbolwise;  ///< For codes that are longer.
+  /** By block of a full strip: table of its DC value and of what follows. One more DC table stops the strip. */
+  const uint16_t* sequence[2 * (6 * StripMacroblocks + 1)];
+  uint16_t offsets[6 * StripMacroblocks + 1];  ///< By block of a full strip: its first word.
+};
+
+/** Where the decoding of a frame stands in data without stuffing, StripPadding zero bytes behind it. */
+struct StripReader {
+  const uint8_t* data;
+  size_t position, end;  ///< In bits.
+};
+
+/** What the inverse transform of one component reads. */
+struct StripQuant {
+  int16_t factors[64];  ///< Dequantisation, natural order.
+  int16_t weights[64];  ///< How much a coefficient's size can matter to what is multiplied: see StripWeightLimit.
+};
+
+/** With a weighted sum of sizes up to this a block can be transformed in 16 bits: then whatever is multiplied fits, and all else
+ *  counts modulo 2^16 alone, since the final clamp looks at no higher bit. The gains are the largest of the first pass for a
+ *  coefficient in that row, in 8 fractional bits; up to 24 can come from rounding. DC, and whatever else meets additions alone,
+ *  weighs nothing. */
+static const int32_t StripWeightLimit = 32700;
+static const int32_t StripRowGains[8] = {256, 256, 256, 302, 256, 452, 618, 1287};
+
+/** Copies entropy-coded data, without its stuffing and with StripPadding zero bytes behind it. A run of FF counts as one; FF 00
+ * is FF, any other byte behind FF stands for itself. out: room for count + 2 * StripPadding. Gives the number of bytes. */
+using UnstuffKernel = size_t (*)(const uint8_t* data, size_t count, uint8_t* out);
+
+/** Decodes up to StripMacroblocks macroblocks into blocks, which are zero; DC values are differences. reach: six a macroblock,
+ * how many scan positions a block uses, at least 1. Behind the data's end all bits are 0. */
+using DecodeStripKernel = void (*)(StripReader* reader, const StripTables* tables, int16_t* blocks, uint8_t* reach,
+                                   int32_t macroblocks);
+
+/** Transforms those blocks and zeroes them. predictors: DC values of luma, Cb and Cr so far, moved on. rows: 16 of luma, 8 of Cb,
+ *  8 of Cr, of which 16 and 8 samples a macroblock are written. */
+using TransformStripKernel = void (*)(int16_t* blocks, const uint8_t* reach, int32_t macroblocks, const StripQuant* luma,
+                                      const StripQuant* chroma, const uint8_t* rangeLimit, int32_t* predictors,
+                                      uint8_t* const* rows);
+
 /** What the converters read: tables that never change. */
 struct ColorTables {
   const uint8_t* rangeLimit;  ///< Clamp table, indices -256 to 1151.
@@ -97,6 +170,9 @@ struct Kernels {
   ToYccRowKernel toYccRow;
   DownsampleRowKernel downsampleRow;
   ForwardRowKernel forwardRow;
+  UnstuffKernel unstuff;  ///< This and the two below: null at the plain level, where frames take the road by whole planes.
+  DecodeStripKernel decodeStrip;
+  TransformStripKernel transformStrip;
 };
 
 /** Levels, to be combined into a mask. Plain needs no bit. */
@@ -127,3 +203,12 @@ void To_Ycc_Row_Plain(const int32_t* rgbYcc, const uint8_t* pixels, uint8_t* y, 
 void Downsample_Row_Plain(const uint8_t* upper, const uint8_t* lower, uint8_t* out, int32_t pairs, int32_t evenBias,
                           int32_t oddBias);
 void Forward_Row_Plain(uint8_t* const* rows, int32_t count, const int16_t* forward, const int16_t* inverse, int32_t* blocks);
+
+size_t Unstuff_Sse2(const uint8_t* data, size_t count, uint8_t* out);
+size_t Unstuff_Avx2(const uint8_t* data, size_t count, uint8_t* out);
+void Decode_Strip_Sse2(StripReader* reader, const StripTables* tables, int16_t* blocks, uint8_t* reach, int32_t macroblocks);
+void Decode_Strip_Avx2(StripReader* reader, const StripTables* tables, int16_t* blocks, uint8_t* reach, int32_t macroblocks);
+void Transform_Strip_Sse2(int16_t* blocks, const uint8_t* reach, int32_t macroblocks, const StripQuant* luma,
+                          const StripQuant* chroma, const uint8_t* rangeLimit, int32_t* predictors, uint8_t* const* rows);
+void Transform_Strip_Avx2(int16_t* blocks, const uint8_t* reach, int32_t macroblocks, const StripQuant* luma,
+                          const StripQuant* chroma, const uint8_t* rangeLimit, int32_t* predictors, uint8_t* const* rows);

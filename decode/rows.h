@@ -1,0 +1,36 @@
+/* The fast road from a frame's bytes to its samples: row of macroblocks by row, without coefficients of the whole frame. The
+ * samples are those of Huff_Decode_Frame and IDCT_Plane (huffman_decode.h, idct.h), which are the plain road. */
+#pragma once
+
+#include "decode/decoder.h"
+#include "kernels/kernels.h"
+
+/** What the road works in, one for each codec. */
+struct RowStore {
+  StripQuant luma, chroma;
+  int16_t* blocks;  ///< Of a strip, zero between two strips; at a multiple of 64 bytes.
+  uint8_t reach[6 * StripMacroblocks];
+  uint8_t* data;  ///< The frame's entropy-coded data without stuffing.
+};
+
+/** Gives null when memory can't be had. */
+RowStore* Row_Store_New();
+/** Null is allowed. */
+void Row_Store_Free(RowStore* store);
+
+/** Takes over the codec's inverse tables. */
+void Row_Store_Set_Tables(RowStore* store, const int16_t* lumaInverse, const int16_t* chromaInverse);
+
+/** 1 if frames are to take this road: the kernels for it are there, and the packed form of the transform isn't asked for. */
+int32_t Rows_Available();
+
+/** What is to happen to each row of macroblocks while its samples are near, and at last to what lies below. */
+struct RowsTaker {
+  void (*take)(void* user, int32_t firstPair, int32_t pairs);  ///< Pairs of picture rows; together all whole pairs.
+  void* user;
+};
+
+/** Decodes the frame in the codec's store, whose size the codec's buffers have, into the sample planes. What lies outside of whole
+ *  macroblocks comes out as on the plain road: columns grey, rows as the coefficient plane holds them. The frame's hidden text
+ *  becomes that of the process. The codec's bit reader stays as it was. */
+void Decode_Rows(JdecCodec* codec, const RowsTaker& taker);
