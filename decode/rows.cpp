@@ -1,6 +1,7 @@
 #include "decode/rows.h"
 
 #include "decode/buffers.h"
+#include "decode/huffman_codes.h"
 #include "decode/idct.h"
 #include "decode/strip_tables.h"
 #include "decode/watermark.h"
@@ -26,6 +27,13 @@ RowStore* Row_Store_New() {
 
 void Row_Store_Free(RowStore* store) { Arena_Free(store); }
 
+/** Sum of sizes that stays within the weight limit wherever among the first scan positions the coefficients are. */
+static uint16_t Size_Limit(const StripQuant& quant, int32_t positions) {
+  int32_t heaviest = 1;
+  for (int32_t k = 1; k < positions; ++k) heaviest = std::max<int32_t>(heaviest, quant.weights[zigzagOrder[k]]);
+  return static_cast<uint16_t>(StripWeightLimit / heaviest);
+}
+
 static void Set_Quant(StripQuant* quant, const int16_t* inverse) {
   for (int32_t i = 0; i < 64; ++i) {
     const int32_t row = i / 8;
@@ -34,6 +42,8 @@ static void Set_Quant(StripQuant* quant, const int16_t* inverse) {
     quant->factors[i] = inverse[i];
     quant->weights[i] = static_cast<int16_t>((inverse[i] * gain + 255) >> 8);
   }
+  quant->narrowLimit = Size_Limit(*quant, StripNarrow);
+  quant->middleLimit = Size_Limit(*quant, StripMiddle);
 }
 
 void Row_Store_Set_Tables(RowStore* store, const int16_t* lumaInverse, const int16_t* chromaInverse) {
@@ -46,7 +56,7 @@ int32_t Rows_Available() { return kernels.decodeStrip != nullptr && useMmxIdct =
 /** Hands the hidden-text positions of a strip's luma blocks over, of those blocks that reach them. */
 static void Take_Hidden_Bits(const RowStore* store, int32_t macroblocks, WatermarkCollector* collector) {
   for (int32_t b = 0; b < 6 * macroblocks; ++b) {
-    if (store->reach[b] <= WatermarkFirst || b % 6 >= 4) continue;
+    if (store->reach.positions[b] <= WatermarkFirst || b % 6 >= 4) continue;
     const int16_t* const block = store->blocks + stripTables.offsets[b];
     int32_t scan[64];
     for (int32_t k = WatermarkFirst; k <= WatermarkLast; ++k) scan[k] = block[stripTables.places[k]];
@@ -82,9 +92,9 @@ static void Decode_Row(JdecCodec* codec, StripReader* reader, int32_t m, int32_t
   MacroblockRows at = Rows_Of(codec->planes, m);
   for (int32_t left = codec->width / 16; left > 0;) {
     const int32_t count = std::min(left, StripMacroblocks);
-    kernels.decodeStrip(reader, &stripTables, store->blocks, store->reach, count);
+    kernels.decodeStrip(reader, &stripTables, store->blocks, &store->reach, count);
     Take_Hidden_Bits(store, count, collector);
-    kernels.transformStrip(store->blocks, store->reach, count, &store->luma, &store->chroma, rangeLimit, predictors, at.rows);
+    kernels.transformStrip(store->blocks, &store->reach, count, &store->luma, &store->chroma, rangeLimit, predictors, at.rows);
     Move_Right(&at, count);
     left -= count;
   }

@@ -9,7 +9,7 @@
 struct RowStore {
   StripQuant luma, chroma;
   int16_t* blocks;  ///< Of a strip, zero between two strips; at a multiple of 64 bytes.
-  uint8_t reach[6 * StripMacroblocks];
+  StripReach reach;
   uint8_t* data;  ///< The frame's entropy-coded data without stuffing.
 };
 
@@ -30,7 +30,7 @@ struct RowsTaker {
   void* user;
 };
 
-/** Decodes the frame in the codec's store, whose size the codec's buffers have, into the sample planes. What lies outside of whole
- *  macroblocks comes out as on the plain road: columns grey, rows as the coefficient plane holds them. The frame's hidden text
- *  becomes that of the process. The codec's bit reader stays as it was. */
+/** Decodes the frame in the codec's store, whose size the codec's buffers have, into the sample planes. What lies outside of
+ * whole macroblocks comes out as on the plain road: columns grey, rows as the coefficient plane holds them. The frame's hidden
+ * text becomes that of the process. The codec's bit reader stays as it was. */
 void Decode_Rows(JdecCodec* codec, const RowsTaker& taker);

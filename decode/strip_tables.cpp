@@ -40,13 +40,14 @@ constexpr int32_t Bits(int32_t index, int32_t from, int32_t count) {
   return index >> (StripLookupBits - from - count) & ((1 << count) - 1);
 }
 
-constexpr void Add_Value(Found* found, int32_t index, int32_t run, int32_t size) {
+constexpr void Add_Value(Found* found, int32_t index, int32_t run, int32_t size, bool isDc) {
   int32_t value = size == 0 ? 0 : Bits(index, found->used, size);
   if (size != 0 && value < 1 << (size - 1)) value += 1 - (1 << size);
   for (int32_t i = found->values; i < 2; ++i) {
     found->symbols.values[i] = static_cast<int16_t>(value);
     found->symbols.positions[i] = static_cast<uint8_t>(found->advance + run);
   }
+  if (!isDc) found->symbols.size = static_cast<uint8_t>(found->symbols.size + (value < 0 ? -value : value));
   ++found->values;
   found->used += size;
   found->advance += run + 1;
@@ -61,7 +62,7 @@ constexpr bool Take_Symbol(Found* found, int32_t index, const ShortCodes& codes,
   if (isDc || size != 0) {
     if (found->values == 2) return false;
     found->used += length;
-    Add_Value(found, index, run, size);
+    Add_Value(found, index, run, size, isDc);
     return true;
   }
   // Sixteen zeros stand alone: rare, and a step without values keeps to where nothing is yet.

@@ -1,7 +1,5 @@
-#include "kernels/kernels.h"
-
 #include "kernels/entropy_body.h"
 
-void Decode_Strip_Avx2(StripReader* reader, const StripTables* tables, int16_t* blocks, uint8_t* reach, int32_t macroblocks) {
+void Decode_Strip_Avx2(StripReader* reader, const StripTables* tables, int16_t* blocks, StripReach* reach, int32_t macroblocks) {
   Decode_Strip(reader, tables, blocks, reach, macroblocks);
 }

@@ -2,6 +2,8 @@
  * for nobody could foretell it. What a lookup can't give goes through Careful_Symbol: long codes, and whatever stands at a
  * block's last positions. */
 
+#include "kernels/kernels.h"
+
 typedef size_t Window;
 static const uint32_t WindowBits = 8 * sizeof(Window);
 
@@ -33,9 +35,9 @@ static int32_t Value_At(const uint8_t* data, size_t position, uint32_t size) {
   return value < 1 << (size - 1) ? value + 1 - (1 << size) : value;
 }
 
-/** One symbol by the rule. Gives a step (StripTables) whose advance stops at the block's end. */
+/** One symbol by the rule; sum: that of sizes. Gives a step (StripTables) whose advance stops at the block's end. */
 __attribute__((noinline)) static uint32_t Careful_Symbol(const StripReader* reader, size_t position, const StripTables* tables,
-                                                         uint32_t luma, uint32_t k, int16_t* block) {
+                                                         uint32_t luma, uint32_t k, int16_t* block, uint16_t* sum) {
   const HuffTables* const codes = tables->symbolwise;
   const Window window = Window_At(reader->data, position);
   uint32_t taken;
@@ -48,7 +50,9 @@ __attribute__((noinline)) static uint32_t Careful_Symbol(const StripReader* read
   const uint32_t run = symbol / 16, size = symbol % 16;
   uint32_t next = k + run + 1;
   if (size != 0) {
-    block[tables->places[k + run]] = (int16_t)Value_At(reader->data, position + taken, size);
+    const int32_t value = Value_At(reader->data, position + taken, size);
+    block[tables->places[k + run]] = (int16_t)value;
+    *sum = (uint16_t)(*sum + (value < 0 ? -value : value));
   } else if (run < 15) {
     return taken | StepEnd;
   }
@@ -57,16 +61,18 @@ __attribute__((noinline)) static uint32_t Careful_Symbol(const StripReader* read
   return (taken + size) | ends | (next - k) << StepAdvance;
 }
 
-static void Decode_Strip(StripReader* reader, const StripTables* tables, int16_t* blocks, uint8_t* reach, int32_t macroblocks) {
+static void Decode_Strip(StripReader* reader, const StripTables* tables, int16_t* blocks, StripReach* reach,
+                         int32_t macroblocks) {
   // A shorter strip is the end of a full one.
   const size_t start = (size_t)(6 * (StripMacroblocks - macroblocks)), stop = 6 * StripMacroblocks;
   blocks -= tables->offsets[start];
-  reach -= start;
+  uint8_t* const positions = reach->positions - start;
+  uint16_t* const sizes = reach->sizes - start;
   const uint8_t* const data = reader->data;
   const uint8_t* const places = tables->places;
   const size_t end = reader->end;
   size_t position = reader->position, b = start;
-  uint32_t k = 0;
+  uint32_t k = 0, size = 0;
   const uint16_t* table = tables->sequence[2 * start];
 
   for (;;) {
@@ -83,14 +89,17 @@ static void Decode_Strip(StripReader* reader, const StripTables* tables, int16_t
       int16_t* const block = blocks + tables->offsets[b];
       block[places[k + symbols->positions[0]]] = symbols->values[0];
       block[places[k + symbols->positions[1]]] = symbols->values[1];
-      reach[b] = (uint8_t)next;
+      positions[b] = (uint8_t)next;
+      size += symbols->size;
+      sizes[b] = (uint16_t)size;
       window <<= step & 63;
       used += step;
       const uint32_t ends = step / StepEnd & 1;
       const uint16_t* const same = tables->sequence[2 * b + 1];
       const uint16_t* const other = tables->sequence[2 * b + 2];
-      table = __builtin_expect_with_probability(ends, 1, 0.5) ? other : same;
+      table = __builtin_expect_with_probability((step & StepEnd) != 0, 1, 0.5) ? other : same;
       k = next & (ends - 1);
+      size &= ends - 1;
       b += ends;
     } while (--left != 0);
     position += used & 63;
@@ -98,13 +107,16 @@ static void Decode_Strip(StripReader* reader, const StripTables* tables, int16_t
 
     if (b == stop) break;
     const uint32_t luma = b % 6 < 4;
-    const uint32_t step = Careful_Symbol(reader, position, tables, luma, k, blocks + tables->offsets[b]);
+    uint16_t sum = (uint16_t)size;
+    const uint32_t step = Careful_Symbol(reader, position, tables, luma, k, blocks + tables->offsets[b], &sum);
     position += step & 63;
     k += step >> StepAdvance;
-    reach[b] = (uint8_t)k;
+    positions[b] = (uint8_t)k;
+    sizes[b] = sum;
     const uint32_t ends = step / StepEnd & 1;
     table = tables->sequence[2 * b + 1 + ends];
     k &= ends - 1;
+    size = sum & (ends - 1);
     b += ends;
   }
   reader->position = position;

@@ -59,7 +59,8 @@ static const int32_t StripPadding = 64;
 struct StripSymbols {
   int16_t values[2];
   uint8_t positions[2];
-  uint8_t unused[2];
+  uint8_t size;  ///< Sum of the sizes of the values, without DC.
+  uint8_t unused;
 };
 
 /** Of a step: bits taken (the low six), whether the block ends, and from StepAdvance on by how many scan positions it goes on. An
@@ -83,10 +84,21 @@ struct StripReader {
   size_t position, end;  ///< In bits.
 };
 
+/** What is known of the blocks of a strip, six a macroblock. */
+struct StripReach {
+  uint8_t positions[6 * StripMacroblocks];  ///< How many scan positions it uses, at least 1.
+  uint16_t sizes[6 * StripMacroblocks];     ///< Sum of the sizes of its coefficients, without DC.
+};
+
+/** Blocks by the scan positions that they use: up to StripNarrow lie in the upper left quarter. */
+static const int32_t StripNarrow = 10, StripMiddle = 28;
+
 /** What the inverse transform of one component reads. */
 struct StripQuant {
-  int16_t factors[64];  ///< Dequantisation, natural order.
-  int16_t weights[64];  ///< How much a coefficient's size can matter to what is multiplied: see StripWeightLimit.
+  int16_t factors[64];   ///< Dequantisation, natural order.
+  int16_t weights[64];   ///< How much a coefficient's size can matter to what is multiplied: see StripWeightLimit.
+  uint16_t narrowLimit;  ///< Up to this sum of sizes a block within StripNarrow can't pass that limit;
+  uint16_t middleLimit;  ///< one within StripMiddle.
 };
 
 /** With a weighted sum of sizes up to this a block can be transformed in 16 bits: then whatever is multiplied fits, and all else
@@ -102,12 +114,12 @@ using UnstuffKernel = size_t (*)(const uint8_t* data, size_t count, uint8_t* out
 
 /** Decodes up to StripMacroblocks macroblocks into blocks, which are zero; DC values are differences. reach: six a macroblock,
  * how many scan positions a block uses, at least 1. Behind the data's end all bits are 0. */
-using DecodeStripKernel = void (*)(StripReader* reader, const StripTables* tables, int16_t* blocks, uint8_t* reach,
+using DecodeStripKernel = void (*)(StripReader* reader, const StripTables* tables, int16_t* blocks, StripReach* reach,
                                    int32_t macroblocks);
 
 /** Transforms those blocks and zeroes them. predictors: DC values of luma, Cb and Cr so far, moved on. rows: 16 of luma, 8 of Cb,
  *  8 of Cr, of which 16 and 8 samples a macroblock are written. */
-using TransformStripKernel = void (*)(int16_t* blocks, const uint8_t* reach, int32_t macroblocks, const StripQuant* luma,
+using TransformStripKernel = void (*)(int16_t* blocks, const StripReach* reach, int32_t macroblocks, const StripQuant* luma,
                                       const StripQuant* chroma, const uint8_t* rangeLimit, int32_t* predictors,
                                       uint8_t* const* rows);
 
@@ -206,9 +218,9 @@ void Forward_Row_Plain(uint8_t* const* rows, int32_t count, const int16_t* forwa
 
 size_t Unstuff_Sse2(const uint8_t* data, size_t count, uint8_t* out);
 size_t Unstuff_Avx2(const uint8_t* data, size_t count, uint8_t* out);
-void Decode_Strip_Sse2(StripReader* reader, const StripTables* tables, int16_t* blocks, uint8_t* reach, int32_t macroblocks);
-void Decode_Strip_Avx2(StripReader* reader, const StripTables* tables, int16_t* blocks, uint8_t* reach, int32_t macroblocks);
-void Transform_Strip_Sse2(int16_t* blocks, const uint8_t* reach, int32_t macroblocks, const StripQuant* luma,
+void Decode_Strip_Sse2(StripReader* reader, const StripTables* tables, int16_t* blocks, StripReach* reach, int32_t macroblocks);
+void Decode_Strip_Avx2(StripReader* reader, const StripTables* tables, int16_t* blocks, StripReach* reach, int32_t macroblocks);
+void Transform_Strip_Sse2(int16_t* blocks, const StripReach* reach, int32_t macroblocks, const StripQuant* luma,
                           const StripQuant* chroma, const uint8_t* rangeLimit, int32_t* predictors, uint8_t* const* rows);
-void Transform_Strip_Avx2(int16_t* blocks, const uint8_t* reach, int32_t macroblocks, const StripQuant* luma,
+void Transform_Strip_Avx2(int16_t* blocks, const StripReach* reach, int32_t macroblocks, const StripQuant* luma,
                           const StripQuant* chroma, const uint8_t* rangeLimit, int32_t* predictors, uint8_t* const* rows);

@@ -38,11 +38,9 @@ static int32_t Exceeds(Lanes sum, int32_t limit) {
 
 /* What 16 bits can't hold: the rule in 32, one block, a row a vector. */
 
-static __m256i Wide_Times(__m256i x, int32_t c) {
-  return _mm256_srai_epi32(_mm256_mullo_epi32(x, _mm256_set1_epi32(c)), 8);
-}
+static __m256i Wide_Times(__m256i x, int32_t c) { return _mm256_srai_epi32(_mm256_mullo_epi32(x, _mm256_set1_epi32(c)), 8); }
 
-static void Wide_Butterfly(__m256i* v) {
+INLINE void Wide_Butterfly(__m256i* v) {
   const __m256i u0 = _mm256_add_epi32(v[0], v[4]), u1 = _mm256_sub_epi32(v[0], v[4]), u3 = _mm256_add_epi32(v[2], v[6]);
   const __m256i u2 = _mm256_sub_epi32(Wide_Times(_mm256_sub_epi32(v[2], v[6]), 362), u3);
   const __m256i e0 = _mm256_add_epi32(u0, u3), e3 = _mm256_sub_epi32(u0, u3);
@@ -59,7 +57,7 @@ static void Wide_Butterfly(__m256i* v) {
   v[3] = _mm256_sub_epi32(e3, o4), v[4] = _mm256_add_epi32(e3, o4);
 }
 
-static void Wide_Transpose(__m256i* v) {
+INLINE void Wide_Transpose(__m256i* v) {
   __m256i a[8], b[8];
   for (int32_t i = 0; i < 8; i += 2) {
     a[i] = _mm256_unpacklo_epi32(v[i], v[i + 1]);
@@ -95,46 +93,64 @@ __attribute__((noinline)) static void Wide_Block(const int16_t* block, int32_t d
   }
 }
 
-static __m128i Flat_Pair(const int32_t* dc, int16_t factor) {
-  const __m128i a = _mm_set1_epi8((char)Flat_Sample(dc[0], factor)), b = _mm_set1_epi8((char)Flat_Sample(dc[1], factor));
-  return _mm_unpacklo_epi64(a, b);
-}
-
 static void Clear(int16_t* pair, int32_t rows) {
   for (int32_t i = 0; i < rows; ++i) _mm256_storeu_si256((__m256i*)(pair + 16 * i), _mm256_setzero_si256());
 }
 
-/** Transforms a pair that has more than DC and clears it. out: rows 2i and 2i + 1 of either block in a half. Gives 0 where 16 bits may
- * not be enough; the pair stays then. */
-static inline int32_t Transform_Pair(int16_t* pair, uint32_t reach, const StripQuant* quant, Lanes* out) {
-  if (reach <= 10) {
-    if (!Transform_Narrow(pair, quant, out)) return 0;
-    Clear(pair, 4);
-    return 1;
+/* Pairs of a strip are numbered from 0, three a macroblock, the third being chroma, and are worked off by class, those of a class
+ * one after the other, for no processor could foretell the class of the next. */
+
+/** A set of pairs, a bit for each. */
+typedef uint64_t Pairs;
+
+/** Every third pair is chroma. */
+static const Pairs ChromaPairs = 0x4924924924924924;
+
+/** What the pairs of one kind have in common. */
+struct Kind {
+  int16_t* blocks;
+  const int32_t* dc;
+  const StripQuant* quant;
+  uint8_t* const* rows;
+};
+
+/** The pairs of which a block reaches `least` scan positions. */
+static Pairs Reaching(const uint8_t* reach, int32_t least) {
+  Pairs pairs = 0;
+  for (int32_t i = 0; i < 6 * StripMacroblocks; i += 32) {
+    const __m256i bytes = _mm256_loadu_si256((const __m256i*)(reach + i));
+    const __m256i reaching = _mm256_cmpgt_epi8(bytes, _mm256_set1_epi8((char)(least - 1)));
+    const __m256i either = _mm256_cmpgt_epi16(_mm256_setzero_si256(), _mm256_or_si256(reaching, _mm256_slli_epi16(reaching, 8)));
+    const __m128i packed = _mm_packs_epi16(_mm256_castsi256_si128(either), _mm256_extracti128_si256(either, 1));
+    pairs |= (Pairs)(uint32_t)_mm_movemask_epi8(packed) << (i / 2);
   }
-  if (!Transform_Full(pair, quant, out)) return 0;
-  Clear(pair, 8);
-  return 1;
+  return pairs;
 }
 
-static uint32_t Larger(const uint8_t* reach) { return reach[0] > reach[1] ? reach[0] : reach[1]; }
+/** The pairs of which a block has a sum of sizes above the limit. */
+static Pairs Exceeding(const uint16_t* sizes, uint16_t limit) {
+  Pairs pairs = 0;
+  for (int32_t i = 0; i < 6 * StripMacroblocks; i += 16) {
+    const __m256i words = _mm256_loadu_si256((const __m256i*)(sizes + i));
+    const __m256i above = _mm256_cmpeq_epi32(_mm256_subs_epu16(words, Words((int16_t)limit)), _mm256_setzero_si256());
+    pairs |= (Pairs)(uint8_t)~_mm256_movemask_ps(_mm256_castsi256_ps(above)) << (i / 2);
+  }
+  return pairs;
+}
 
-static void Luma_Pair(int16_t* pair, const uint8_t* reach, const int32_t* dc, const StripQuant* quant, uint8_t* const* rows,
-                      int32_t left) {
-  const uint32_t larger = Larger(reach);
-  if (larger <= 1) {
-    const __m128i flat = Flat_Pair(dc, quant->factors[0]);
-    for (int32_t i = 0; i < 8; ++i) _mm_storeu_si128((__m128i*)(rows[i] + left), flat);
-    Clear(pair, 1);
-    return;
-  }
-  Lanes out[4];
-  if (!Transform_Pair(pair, larger, quant, out)) {
-    Wide_Block(pair, dc[0], quant, rows, left);
-    Wide_Block(pair + 8, dc[1], quant, rows, left + 8);
-    Clear(pair, 8);
-    return;
-  }
+static int32_t Next(Pairs* pairs) {
+  const int32_t pair = (int32_t)__builtin_ctzll(*pairs);
+  *pairs &= *pairs - 1;
+  return pair;
+}
+
+static int16_t* Blocks_Of(const Kind* kind, int32_t pair) { return kind->blocks + pair * StripPairSize; }
+
+/* Where the samples of a luma pair go: rows from the first or the ninth on, 16 columns a macroblock. */
+
+INLINE void Put_Luma(const Kind* kind, int32_t pair, const Lanes* out) {
+  uint8_t* const* const rows = kind->rows + pair % 3 * 8;
+  const int32_t left = pair / 3 * 16;
   for (int32_t i = 0; i < 4; ++i) {
     const __m256i both = _mm256_permute4x64_epi64(out[i], 0xD8);
     _mm_storeu_si128((__m128i*)(rows[2 * i] + left), _mm256_castsi256_si128(both));
@@ -142,43 +158,131 @@ static void Luma_Pair(int16_t* pair, const uint8_t* reach, const int32_t* dc, co
   }
 }
 
-static void Chroma_Pair(int16_t* pair, const uint8_t* reach, const int32_t* dc, const StripQuant* quant, uint8_t* const* rows,
-                        int32_t left) {
-  uint8_t* const* const crRows = rows + 8;
-  const uint32_t larger = Larger(reach);
-  if (larger <= 1) {
-    const __m128i flat = Flat_Pair(dc, quant->factors[0]);
-    for (int32_t i = 0; i < 8; ++i) {
-      _mm_storel_epi64((__m128i*)(rows[i] + left), flat);
-      _mm_storeh_pd((double*)(crRows[i] + left), _mm_castsi128_pd(flat));
-    }
-    Clear(pair, 1);
-    return;
-  }
-  Lanes out[4];
-  if (!Transform_Pair(pair, larger, quant, out)) {
-    Wide_Block(pair, dc[0], quant, rows, left);
-    Wide_Block(pair + 8, dc[1], quant, crRows, left);
-    Clear(pair, 8);
-    return;
-  }
+INLINE void Put_Chroma(const Kind* kind, int32_t pair, const Lanes* out) {
+  uint8_t *const *const cbRows = kind->rows + 16, *const *const crRows = kind->rows + 24;
+  const int32_t left = pair / 3 * 8;
   for (int32_t i = 0; i < 4; ++i) {
     const __m128i cb = _mm256_castsi256_si128(out[i]), cr = _mm256_extracti128_si256(out[i], 1);
-    _mm_storel_epi64((__m128i*)(rows[2 * i] + left), cb);
-    _mm_storeh_pd((double*)(rows[2 * i + 1] + left), _mm_castsi128_pd(cb));
+    _mm_storel_epi64((__m128i*)(cbRows[2 * i] + left), cb);
+    _mm_storeh_pd((double*)(cbRows[2 * i + 1] + left), _mm_castsi128_pd(cb));
     _mm_storel_epi64((__m128i*)(crRows[2 * i] + left), cr);
     _mm_storeh_pd((double*)(crRows[2 * i + 1] + left), _mm_castsi128_pd(cr));
   }
 }
 
-void Transform_Strip_Avx2(int16_t* blocks, const uint8_t* reach, int32_t macroblocks, const StripQuant* luma,
-                          const StripQuant* chroma, const uint8_t*, int32_t* predictors, uint8_t* const* rows) {
-  int32_t dcs[6 * StripMacroblocks];
-  Sum_Dc(blocks, macroblocks, predictors, dcs);
-  const int32_t* dc = dcs;
-  for (int32_t m = 0; m < macroblocks; ++m, blocks += StripMacroblockSize, reach += 6, dc += 6) {
-    Luma_Pair(blocks, reach, dc, luma, rows, 16 * m);
-    Luma_Pair(blocks + StripPairSize, reach + 2, dc + 2, luma, rows + 8, 16 * m);
-    Chroma_Pair(blocks + (ptrdiff_t)2 * StripPairSize, reach + 4, dc + 4, chroma, rows + 16, 8 * m);
+typedef void (*PutPair)(const Kind* kind, int32_t pair, const Lanes* out);
+
+static void Wide_Pair(const Kind* kind, int32_t pair) {
+  int16_t* const blocks = Blocks_Of(kind, pair);
+  const int32_t* const dc = kind->dc + 2 * pair;
+  const int32_t isChroma = pair % 3 == 2, left = pair / 3 * (isChroma ? 8 : 16);
+  uint8_t* const* const rows = kind->rows + pair % 3 * 8;
+  Wide_Block(blocks, dc[0], kind->quant, rows, left);
+  if (isChroma) {
+    Wide_Block(blocks + 8, dc[1], kind->quant, rows + 8, left);
+  } else {
+    Wide_Block(blocks + 8, dc[1], kind->quant, rows, left + 8);
   }
+  Clear(blocks, 8);
+}
+
+/** Pairs of DC alone. */
+INLINE void Flat_Pairs(const Kind* kind, Pairs pairs, PutPair put) {
+  while (pairs != 0) {
+    const int32_t pair = Next(&pairs);
+    const int32_t* const dc = kind->dc + 2 * pair;
+    const int16_t factor = kind->quant->factors[0];
+    const __m128i a = _mm_set1_epi8((char)Flat_Sample(dc[0], factor)), b = _mm_set1_epi8((char)Flat_Sample(dc[1], factor));
+    const Lanes flat = _mm256_set_m128i(b, a), out[4] = {flat, flat, flat, flat};
+    put(kind, pair, out);
+    Clear(Blocks_Of(kind, pair), 1);
+  }
+}
+
+INLINE void Narrow_Pair(const Kind* kind, int32_t pair, PutPair put) {
+  Lanes out[4];
+  Transform_Narrow(Blocks_Of(kind, pair), kind->quant, out);
+  put(kind, pair, out);
+  Clear(Blocks_Of(kind, pair), 4);
+}
+
+/** Twice four words: of two rows, or a table's once more. */
+static Lanes Join(const int16_t* a, const int16_t* b) { return _mm256_unpacklo_epi64(Load(a), Load(b)); }
+static Lanes Load_Table_Half(const int16_t* p) { return _mm256_broadcastq_epi64(_mm_loadl_epi64((const __m128i*)p)); }
+
+/** Two narrow pairs at once, the first pass in one go. */
+INLINE void Narrow_Pairs_At(const Kind* kind, int32_t first, int32_t second, PutPair put) {
+  int16_t *const a = Blocks_Of(kind, first), *const b = Blocks_Of(kind, second);
+  Lanes v[8], out[4];
+  for (int32_t i = 0; i < 4; ++i) {
+    v[i] = Product(Join(a + 16 * i, b + 16 * i), Load_Table_Half(kind->quant->factors + 8 * i));
+  }
+  Clear(a, 4);
+  Clear(b, 4);
+  Butterfly_Narrow(v);
+  Transpose(v);
+  Lanes w[8] = {v[4], v[5], v[6], v[7]};
+  Butterfly_Narrow(v);
+  Samples(v, out);
+  put(kind, first, out);
+  Butterfly_Narrow(w);
+  Samples(w, out);
+  put(kind, second, out);
+}
+
+INLINE void Narrow_Pairs(const Kind* kind, Pairs pairs, PutPair put) {
+  while (pairs != 0) {
+    const int32_t first = Next(&pairs);
+    if (pairs == 0) {
+      Narrow_Pair(kind, first, put);
+      return;
+    }
+    Narrow_Pairs_At(kind, first, Next(&pairs), put);
+  }
+}
+
+INLINE void Full_Pairs(const Kind* kind, Pairs pairs, PutPair put) {
+  while (pairs != 0) {
+    const int32_t pair = Next(&pairs);
+    Lanes out[4];
+    Transform_Full(Blocks_Of(kind, pair), kind->quant, out);
+    put(kind, pair, out);
+    Clear(Blocks_Of(kind, pair), 8);
+  }
+}
+
+/** The pairs of which the sums of sizes alone don't say that 16 bits are enough: gives those of which a closer look says it, the
+ * rest is done. */
+__attribute__((noinline)) static Pairs Wide_Pairs(const Kind* kind, Pairs pairs) {
+  Pairs fitting = 0;
+  while (pairs != 0) {
+    const int32_t pair = Next(&pairs);
+    if (Fits(Blocks_Of(kind, pair), kind->quant)) {
+      fitting |= (Pairs)1 << pair;
+    } else {
+      Wide_Pair(kind, pair);
+    }
+  }
+  return fitting;
+}
+
+INLINE void Transform_Kind(const Kind* kind, const StripReach* reach, Pairs all, PutPair put) {
+  const Pairs notFlat = all & Reaching(reach->positions, 2), notNarrow = all & Reaching(reach->positions, StripNarrow + 1);
+  const Pairs notMiddle = all & Reaching(reach->positions, StripMiddle + 1);
+  const Pairs narrow = notFlat & ~(notNarrow | Exceeding(reach->sizes, kind->quant->narrowLimit));
+  const Pairs middle = notNarrow & ~(notMiddle | Exceeding(reach->sizes, kind->quant->middleLimit));
+  const Pairs unsure = notFlat & ~(narrow | middle);
+  Flat_Pairs(kind, all & ~notFlat, put);
+  Narrow_Pairs(kind, narrow, put);
+  Full_Pairs(kind, middle | (unsure ? Wide_Pairs(kind, unsure) : 0), put);
+}
+
+void Transform_Strip_Avx2(int16_t* blocks, const StripReach* reach, int32_t macroblocks, const StripQuant* luma,
+                          const StripQuant* chroma, const uint8_t*, int32_t* predictors, uint8_t* const* rows) {
+  int32_t dc[6 * StripMacroblocks];
+  Sum_Dc(blocks, macroblocks, predictors, dc);
+  const Pairs all = ((Pairs)1 << (3 * macroblocks)) - 1;
+  const Kind lumaKind = {blocks, dc, luma, rows}, chromaKind = {blocks, dc, chroma, rows};
+  Transform_Kind(&lumaKind, reach, all & ~ChromaPairs, Put_Luma);
+  Transform_Kind(&chromaKind, reach, all & ChromaPairs, Put_Chroma);
 }

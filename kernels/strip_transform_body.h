@@ -1,6 +1,9 @@
-/* The inverse transform in 16 bits: exact modulo 2^16 as long as whatever is multiplied fits (StripWeightLimit), which is all that
- * the final clamp looks at. The file that includes this defines Lanes, a vector of one block's row or of two blocks' rows side by
- * side, and the operations on it. */
+/* The inverse transform in 16 bits: exact modulo 2^16 as long as whatever is multiplied fits (StripWeightLimit), which is all
+ * that the final clamp looks at. The file that includes this defines Lanes, a vector of one block's row or of two blocks' rows
+ * side by side, and the operations on it. */
+
+/* Vectors must stay in registers from step to step. */
+#define INLINE static inline __attribute__((always_inline))
 
 /* x * c / 256, rounded towards minus infinity: c is split into a small multiple of 256 and a rest that the high half of a product
  * takes care of. */
@@ -10,7 +13,7 @@ static Lanes Times277(Lanes x) { return Add(x, High_Product(x, Words(21 * 256)))
 static Lanes Times_Minus669(Lanes x) { return Sub(High_Product(x, Words(99 * 256)), Add(Add(x, x), x)); }
 
 /** The odd part's end, the same in both butterflies. */
-static void Combine(Lanes* v, Lanes e0, Lanes e1, Lanes e2, Lanes e3, Lanes o7, Lanes q10, Lanes q11, Lanes q12) {
+INLINE void Combine(Lanes* v, Lanes e0, Lanes e1, Lanes e2, Lanes e3, Lanes o7, Lanes q10, Lanes q11, Lanes q12) {
   const Lanes o6 = Sub(q12, o7), o5 = Sub(q11, o6), o4 = Add(q10, o5);
   v[0] = Add(e0, o7), v[7] = Sub(e0, o7);
   v[1] = Add(e1, o6), v[6] = Sub(e1, o6);
@@ -19,7 +22,7 @@ static void Combine(Lanes* v, Lanes e0, Lanes e1, Lanes e2, Lanes e3, Lanes o7, 
 }
 
 /** One 8-point pass in place, as in idct_plain.cpp. */
-static void Butterfly(Lanes* v) {
+INLINE void Butterfly(Lanes* v) {
   const Lanes u0 = Add(v[0], v[4]), u1 = Sub(v[0], v[4]), u3 = Add(v[2], v[6]);
   const Lanes u2 = Sub(Times362(Sub(v[2], v[6])), u3);
   const Lanes z13 = Add(v[5], v[3]), z10 = Sub(v[5], v[3]), z11 = Add(v[1], v[7]), z12 = Sub(v[1], v[7]);
@@ -29,7 +32,7 @@ static void Butterfly(Lanes* v) {
 }
 
 /** The same with v[4] to v[7] zero on entry. */
-static void Butterfly_Narrow(Lanes* v) {
+INLINE void Butterfly_Narrow(Lanes* v) {
   const Lanes u2 = Sub(Times362(v[2]), v[2]), difference = Sub(v[1], v[3]);
   const Lanes z5 = Times473(difference);
   const Lanes q10 = Sub(Times277(v[1]), z5), q11 = Times362(difference), q12 = Add(Times_Minus669(Sub(Words(0), v[3])), z5);
@@ -37,7 +40,7 @@ static void Butterfly_Narrow(Lanes* v) {
 }
 
 /** Rows to columns, of each block by itself. */
-static void Transpose(Lanes* v) {
+INLINE void Transpose(Lanes* v) {
   const Lanes a0 = Low_Words(v[0], v[1]), a1 = High_Words(v[0], v[1]), a2 = Low_Words(v[2], v[3]), a3 = High_Words(v[2], v[3]);
   const Lanes a4 = Low_Words(v[4], v[5]), a5 = High_Words(v[4], v[5]), a6 = Low_Words(v[6], v[7]), a7 = High_Words(v[6], v[7]);
   const Lanes b0 = Low_Doubles(a0, a2), b1 = High_Doubles(a0, a2), b2 = Low_Doubles(a1, a3), b3 = High_Doubles(a1, a3);
@@ -47,15 +50,15 @@ static void Transpose(Lanes* v) {
 }
 
 /** The same of rows whose words 4 to 7 are zero: gives columns 0 to 3. */
-static void Transpose_Narrow(Lanes* v) {
+INLINE void Transpose_Narrow(Lanes* v) {
   const Lanes a0 = Low_Words(v[0], v[1]), a2 = Low_Words(v[2], v[3]), a4 = Low_Words(v[4], v[5]), a6 = Low_Words(v[6], v[7]);
   const Lanes b0 = Low_Doubles(a0, a2), b1 = High_Doubles(a0, a2), b4 = Low_Doubles(a4, a6), b5 = High_Doubles(a4, a6);
   v[0] = Low_Quads(b0, b4), v[1] = High_Quads(b0, b4), v[2] = Low_Quads(b1, b5), v[3] = High_Quads(b1, b5);
 }
 
-/** Columns of results to rows of samples: out[i] holds rows 2i and 2i + 1, 8 bytes each. Saturating what is left of 16 bits to -128
- *  to 127 and turning the sign is the level shift and the clamp that wraps at 10 bits. */
-static void Samples(const Lanes* v, Lanes* out) {
+/** Columns of results to rows of samples: out[i] holds rows 2i and 2i + 1, 8 bytes each. Saturating what is left of 16 bits to
+ * -128 to 127 and turning the sign is the level shift and the clamp that wraps at 10 bits. */
+INLINE void Samples(const Lanes* v, Lanes* out) {
   const Lanes q04 = Pack(Shift6(v[0]), Shift6(v[4])), q15 = Pack(Shift6(v[1]), Shift6(v[5]));
   const Lanes q26 = Pack(Shift6(v[2]), Shift6(v[6])), q37 = Pack(Shift6(v[3]), Shift6(v[7]));
   const Lanes even0 = Low_Bytes(q04, q26), even4 = High_Bytes(q04, q26), odd0 = Low_Bytes(q15, q37), odd4 = High_Bytes(q15, q37);
@@ -66,36 +69,32 @@ static void Samples(const Lanes* v, Lanes* out) {
   out[2] = Xor(Low_Doubles(left4, right4), sign), out[3] = Xor(High_Doubles(left4, right4), sign);
 }
 
-/** Transforms the blocks in the first `rows` rows, 4 or 8; of 4, columns 4 to 7 are zero as well. Gives 0, with nothing done, where
- *  16 bits may not be enough. */
-static int32_t Transform_Narrow(const int16_t* block, const StripQuant* quant, Lanes* out) {
-  Lanes v[8], sum = Words(0);
-  for (int32_t i = 0; i < 4; ++i) {
-    const Lanes row = Load(block + 16 * i);
-    sum = Add_Doubles(sum, Pair_Products(Size(row), Load_Table(quant->weights + 8 * i)));
-    v[i] = Product(row, Load_Table(quant->factors + 8 * i));
-  }
-  if (Exceeds(sum, StripWeightLimit)) return 0;
+/** Transforms blocks within StripNarrow. */
+INLINE void Transform_Narrow(const int16_t* block, const StripQuant* quant, Lanes* out) {
+  Lanes v[8];
+  for (int32_t i = 0; i < 4; ++i) v[i] = Product(Load(block + 16 * i), Load_Table(quant->factors + 8 * i));
   Butterfly_Narrow(v);
   Transpose_Narrow(v);
   Butterfly_Narrow(v);
   Samples(v, out);
-  return 1;
 }
 
-static int32_t Transform_Full(const int16_t* block, const StripQuant* quant, Lanes* out) {
-  Lanes v[8], sum = Words(0);
-  for (int32_t i = 0; i < 8; ++i) {
-    const Lanes row = Load(block + 16 * i);
-    sum = Add_Doubles(sum, Pair_Products(Size(row), Load_Table(quant->weights + 8 * i)));
-    v[i] = Product(row, Load_Table(quant->factors + 8 * i));
-  }
-  if (Exceeds(sum, StripWeightLimit)) return 0;
+INLINE void Transform_Full(const int16_t* block, const StripQuant* quant, Lanes* out) {
+  Lanes v[8];
+  for (int32_t i = 0; i < 8; ++i) v[i] = Product(Load(block + 16 * i), Load_Table(quant->factors + 8 * i));
   Butterfly(v);
   Transpose(v);
   Butterfly(v);
   Samples(v, out);
-  return 1;
+}
+
+/** 1 if 16 bits are enough. */
+static int32_t Fits(const int16_t* block, const StripQuant* quant) {
+  Lanes sum = Words(0);
+  for (int32_t i = 0; i < 8; ++i) {
+    sum = Add_Doubles(sum, Pair_Products(Size(Load(block + 16 * i)), Load_Table(quant->weights + 8 * i)));
+  }
+  return !Exceeds(sum, StripWeightLimit);
 }
 
 /** Differences of DC become DC values: as words in the blocks, whole in dc, six a macroblock. */

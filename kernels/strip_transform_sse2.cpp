@@ -37,51 +37,71 @@ static int32_t Exceeds(Lanes sum, int32_t limit) {
 #include "kernels/strip_transform_body.h"
 
 static void Plain_Block(const int16_t* block, int32_t dc, const StripQuant* quant, const uint8_t* rangeLimit,
-                        uint8_t* const* rows) {
+                        uint8_t* const* rows, int32_t left) {
+  uint8_t* places[8];
+  for (int32_t i = 0; i < 8; ++i) places[i] = rows[i] + left;
   int32_t wide[64];
   for (int32_t i = 0; i < 64; ++i) wide[i] = block[i / 8 * 16 + i % 8];
   wide[0] = dc;
-  Idct_Row_Plain(wide, 1, quant->factors, rangeLimit, rows);
+  Idct_Row_Plain(wide, 1, quant->factors, rangeLimit, places);
 }
 
 static void Clear(int16_t* block, int32_t rows) {
   for (int32_t i = 0; i < rows; ++i) _mm_storeu_si128((__m128i*)(block + 16 * i), _mm_setzero_si128());
 }
 
-static void Transform_Block(int16_t* block, uint32_t reach, int32_t dc, const StripQuant* quant, const uint8_t* rangeLimit,
-                            uint8_t* const* rows, int32_t left) {
-  if (reach <= 1) {
-    const __m128i flat = _mm_set1_epi8((char)Flat_Sample(dc, quant->factors[0]));
-    for (int32_t i = 0; i < 8; ++i) _mm_storel_epi64((__m128i*)(rows[i] + left), flat);
-    Clear(block, 1);
-    return;
-  }
-  Lanes out[4];
-  if (!(reach <= 10 ? Transform_Narrow(block, quant, out) : Transform_Full(block, quant, out))) {
-    uint8_t* places[8];
-    for (int32_t i = 0; i < 8; ++i) places[i] = rows[i] + left;
-    Plain_Block(block, dc, quant, rangeLimit, places);
-    Clear(block, 8);
-    return;
-  }
+static void Put(const Lanes* out, uint8_t* const* rows, int32_t left) {
   for (int32_t i = 0; i < 4; ++i) {
     _mm_storel_epi64((__m128i*)(rows[2 * i] + left), out[i]);
     _mm_storeh_pd((double*)(rows[2 * i + 1] + left), _mm_castsi128_pd(out[i]));
   }
-  Clear(block, reach <= 10 ? 4 : 8);
 }
 
-void Transform_Strip_Sse2(int16_t* blocks, const uint8_t* reach, int32_t macroblocks, const StripQuant* luma,
+static void Flat_Block(int16_t* block, int32_t dc, const StripQuant* quant, uint8_t* const* rows, int32_t left) {
+  const __m128i flat = _mm_set1_epi8((char)Flat_Sample(dc, quant->factors[0]));
+  for (int32_t i = 0; i < 8; ++i) _mm_storel_epi64((__m128i*)(rows[i] + left), flat);
+  Clear(block, 1);
+}
+
+static void Narrow_Block(int16_t* block, const StripQuant* quant, uint8_t* const* rows, int32_t left) {
+  Lanes out[4];
+  Transform_Narrow(block, quant, out);
+  Put(out, rows, left);
+  Clear(block, 4);
+}
+
+static void Full_Block(int16_t* block, const StripQuant* quant, uint8_t* const* rows, int32_t left) {
+  Lanes out[4];
+  Transform_Full(block, quant, out);
+  Put(out, rows, left);
+  Clear(block, 8);
+}
+
+static void Transform_Block(int16_t* block, int32_t positions, int32_t sizes, int32_t dc, const StripQuant* quant,
+                            const uint8_t* rangeLimit, uint8_t* const* rows, int32_t left) {
+  if (positions <= 1) {
+    Flat_Block(block, dc, quant, rows, left);
+  } else if (positions <= StripNarrow && sizes <= quant->narrowLimit) {
+    Narrow_Block(block, quant, rows, left);
+  } else if ((positions <= StripMiddle && sizes <= quant->middleLimit) || Fits(block, quant)) {
+    Full_Block(block, quant, rows, left);
+  } else {
+    Plain_Block(block, dc, quant, rangeLimit, rows, left);
+    Clear(block, 8);
+  }
+}
+
+void Transform_Strip_Sse2(int16_t* blocks, const StripReach* reach, int32_t macroblocks, const StripQuant* luma,
                           const StripQuant* chroma, const uint8_t* rangeLimit, int32_t* predictors, uint8_t* const* rows) {
-  int32_t dcs[6 * StripMacroblocks];
-  Sum_Dc(blocks, macroblocks, predictors, dcs);
-  const int32_t* dc = dcs;
-  for (int32_t m = 0; m < macroblocks; ++m, reach += 6, dc += 6) {
+  int32_t dc[6 * StripMacroblocks];
+  Sum_Dc(blocks, macroblocks, predictors, dc);
+  for (int32_t m = 0; m < macroblocks; ++m) {
     for (int32_t i = 0; i < 6; ++i) {
       const int32_t isLuma = i < 4, left = isLuma ? 16 * m + i % 2 * 8 : 8 * m;
       int16_t* const block = blocks + (ptrdiff_t)m * StripMacroblockSize + i / 2 * StripPairSize + i % 2 * 8;
       uint8_t* const* const blockRows = rows + (isLuma ? i / 2 * 8 : 8 * i - 16);
-      Transform_Block(block, reach[i], dc[i], isLuma ? luma : chroma, rangeLimit, blockRows, left);
+      const int32_t b = 6 * m + i;
+      Transform_Block(block, reach->positions[b], reach->sizes[b], dc[b], isLuma ? luma : chroma, rangeLimit, blockRows, left);
     }
   }
 }
