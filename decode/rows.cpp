@@ -56,7 +56,7 @@ int32_t Rows_Available() { return kernels.decodeStrip != nullptr && useMmxIdct =
 /** Hands the hidden-text positions of a strip's luma blocks over, of those blocks that reach them. */
 static void Take_Hidden_Bits(const RowStore* store, int32_t macroblocks, WatermarkCollector* collector) {
   for (int32_t b = 0; b < 6 * macroblocks; ++b) {
-    if (store->reach.positions[b] <= WatermarkFirst || b % 6 >= 4) continue;
+    if ((store->reach.blocks[b] & 0xFF) <= WatermarkFirst || b % 6 >= 4) continue;
     const int16_t* const block = store->blocks + stripTables.offsets[b];
     int32_t scan[64];
     for (int32_t k = WatermarkFirst; k <= WatermarkLast; ++k) scan[k] = block[stripTables.places[k]];

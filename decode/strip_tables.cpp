@@ -30,7 +30,7 @@ constexpr ShortCodes Short_Codes(const HuffCode& huffCode) {
 
 /** What a lookup has found so far. */
 struct Found {
-  int32_t used = 0, advance = 0, values = 0;
+  int32_t used = 0, advance = 0, values = 0, sizes = 0;
   bool ended = false;
   StripSymbols symbols{};
 };
@@ -47,7 +47,7 @@ constexpr void Add_Value(Found* found, int32_t index, int32_t run, int32_t size,
     found->symbols.values[i] = static_cast<int16_t>(value);
     found->symbols.positions[i] = static_cast<uint8_t>(found->advance + run);
   }
-  if (!isDc) found->symbols.size = static_cast<uint8_t>(found->symbols.size + (value < 0 ? -value : value));
+  if (!isDc) found->sizes += value < 0 ? -value : value;
   ++found->values;
   found->used += size;
   found->advance += run + 1;
@@ -73,15 +73,14 @@ constexpr bool Take_Symbol(Found* found, int32_t index, const ShortCodes& codes,
   return run < 15;
 }
 
-constexpr int32_t NoWholeSymbol = 64 << StepAdvance;
-
 constexpr void Fill_Table(StripTables* tables, int32_t table, const ShortCodes& first, const ShortCodes& ac, bool isDc) {
   for (int32_t index = 0; index < Entries; ++index) {
     Found found;
     bool more = Take_Symbol(&found, index, first, isDc);
     while (more && !found.ended) more = Take_Symbol(&found, index, ac, false);
-    const int32_t step = found.used | (found.ended ? StepEnd : 0) | found.advance << StepAdvance;
-    tables->steps[table][index] = static_cast<uint16_t>(found.used == 0 ? NoWholeSymbol : step);
+    if (found.used == 0) found.advance = StripPastEnd;
+    found.symbols.progress = static_cast<uint16_t>(found.sizes << StripSizeShift | found.advance);
+    tables->steps[table][index] = static_cast<uint8_t>(found.used | (found.ended ? StepEnd : 0));
     tables->symbols[table][index] = found.symbols;
   }
 }
@@ -105,7 +104,7 @@ constexpr StripTables Make_Tables(const StripTables* at) {
   Fill_Table(&tables, 1, acLuma, acLuma, false);
   Fill_Table(&tables, 2, Short_Codes(dcChromaCode), acChroma, true);
   Fill_Table(&tables, 3, acChroma, acChroma, false);
-  for (uint16_t& step : tables.steps[4]) step = NoWholeSymbol;
+  for (StripSymbols& symbols : tables.symbols[4]) symbols.progress = StripPastEnd;
   for (int32_t k = 0; k < 96; ++k) {
     const int32_t natural = zigzagOrder[k < 63 ? k : 63];
     tables.places[k] = static_cast<uint8_t>(natural / 8 * 16 + natural % 8);

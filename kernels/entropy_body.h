@@ -35,30 +35,30 @@ static int32_t Value_At(const uint8_t* data, size_t position, uint32_t size) {
   return value < 1 << (size - 1) ? value + 1 - (1 << size) : value;
 }
 
-/** One symbol by the rule; sum: that of sizes. Gives a step (StripTables) whose advance stops at the block's end. */
+/** One symbol by the rule. Gives a step (StripTables) and moves *progress on, to the block's end at most. */
 __attribute__((noinline)) static uint32_t Careful_Symbol(const StripReader* reader, size_t position, const StripTables* tables,
-                                                         uint32_t luma, uint32_t k, int16_t* block, uint16_t* sum) {
+                                                         uint32_t luma, StripProgress* progress, int16_t* block) {
   const HuffTables* const codes = tables->symbolwise;
   const Window window = Window_At(reader->data, position);
+  const uint32_t k = *progress & 0xFF;
   uint32_t taken;
   if (k == 0) {
     const uint32_t size = Symbol_At(window, luma ? codes->dcLuma : codes->dcChroma, &taken);
     if (size != 0) block[0] = (int16_t)Value_At(reader->data, position + taken, size);
-    return (taken + size) | 1u << StepAdvance;
+    *progress += 1;
+    return taken + size;
   }
   const uint32_t symbol = Symbol_At(window, luma ? codes->acLuma : codes->acChroma, &taken);
   const uint32_t run = symbol / 16, size = symbol % 16;
-  uint32_t next = k + run + 1;
+  if (size == 0 && run < 15) return taken | StepEnd;
   if (size != 0) {
     const int32_t value = Value_At(reader->data, position + taken, size);
     block[tables->places[k + run]] = (int16_t)value;
-    *sum = (uint16_t)(*sum + (value < 0 ? -value : value));
-  } else if (run < 15) {
-    return taken | StepEnd;
+    *progress += (uint32_t)(value < 0 ? -value : value) << StripSizeShift;
   }
-  const uint32_t ends = next > 63 ? StepEnd : 0;
-  if (next > 64) next = 64;
-  return (taken + size) | ends | (next - k) << StepAdvance;
+  const uint32_t next = k + run + 1;
+  *progress += (next > 64 ? 64 : next) - k;
+  return (taken + size) | (next > 63 ? StepEnd : 0);
 }
 
 static void Decode_Strip(StripReader* reader, const StripTables* tables, int16_t* blocks, StripReach* reach,
@@ -66,14 +66,12 @@ static void Decode_Strip(StripReader* reader, const StripTables* tables, int16_t
   // A shorter strip is the end of a full one.
   const size_t start = (size_t)(6 * (StripMacroblocks - macroblocks)), stop = 6 * StripMacroblocks;
   blocks -= tables->offsets[start];
-  uint8_t* const positions = reach->positions - start;
-  uint16_t* const sizes = reach->sizes - start;
+  StripProgress* const ends = reach->blocks - start;
   const uint8_t* const data = reader->data;
-  const uint8_t* const places = tables->places;
   const size_t end = reader->end;
   size_t position = reader->position, b = start;
-  uint32_t k = 0, size = 0;
-  const uint16_t* table = tables->sequence[2 * start];
+  StripProgress progress = 0;
+  const uint8_t* table = tables->sequence[2 * start];
 
   for (;;) {
     if (position > end) position = end;
@@ -83,41 +81,34 @@ static void Decode_Strip(StripReader* reader, const StripTables* tables, int16_t
     do {
       const size_t index = window >> (WindowBits - StripLookupBits);
       const uint32_t step = table[index];
-      const uint32_t next = k + (step >> StepAdvance);
-      if (next > 63) break;
       const StripSymbols* const symbols = &tables->symbols[0][(size_t)(table - tables->steps[0]) + index];
+      const StripProgress next = progress + symbols->progress;
+      if (next & StripPastEnd) break;
+      const uint8_t* const places = tables->places + (progress & 0xFF);
       int16_t* const block = blocks + tables->offsets[b];
-      block[places[k + symbols->positions[0]]] = symbols->values[0];
-      block[places[k + symbols->positions[1]]] = symbols->values[1];
-      positions[b] = (uint8_t)next;
-      size += symbols->size;
-      sizes[b] = (uint16_t)size;
+      block[places[symbols->positions[0]]] = symbols->values[0];
+      block[places[symbols->positions[1]]] = symbols->values[1];
+      ends[b] = next;
       window <<= step & 63;
       used += step;
-      const uint32_t ends = step / StepEnd & 1;
-      const uint16_t* const same = tables->sequence[2 * b + 1];
-      const uint16_t* const other = tables->sequence[2 * b + 2];
+      const uint8_t* const same = tables->sequence[2 * b + 1];
+      const uint8_t* const other = tables->sequence[2 * b + 2];
       table = __builtin_expect_with_probability((step & StepEnd) != 0, 1, 0.5) ? other : same;
-      k = next & (ends - 1);
-      size &= ends - 1;
-      b += ends;
+      const uint32_t ended = step / StepEnd;
+      progress = next & (ended - 1);
+      b += ended;
     } while (--left != 0);
     position += used & 63;
     if (left == 0) continue;
 
     if (b == stop) break;
-    const uint32_t luma = b % 6 < 4;
-    uint16_t sum = (uint16_t)size;
-    const uint32_t step = Careful_Symbol(reader, position, tables, luma, k, blocks + tables->offsets[b], &sum);
+    const uint32_t step = Careful_Symbol(reader, position, tables, b % 6 < 4, &progress, blocks + tables->offsets[b]);
     position += step & 63;
-    k += step >> StepAdvance;
-    positions[b] = (uint8_t)k;
-    sizes[b] = sum;
-    const uint32_t ends = step / StepEnd & 1;
-    table = tables->sequence[2 * b + 1 + ends];
-    k &= ends - 1;
-    size = sum & (ends - 1);
-    b += ends;
+    ends[b] = progress;
+    const uint32_t ended = step / StepEnd;
+    table = tables->sequence[2 * b + 1 + ended];
+    progress &= ended - 1;
+    b += ended;
   }
   reader->position = position;
 }

@@ -59,22 +59,26 @@ static const int32_t StripPadding = 64;
 struct StripSymbols {
   int16_t values[2];
   uint8_t positions[2];
-  uint8_t size;  ///< Sum of the sizes of the values, without DC.
-  uint8_t unused;
+  uint16_t progress;  ///< What is to be added to the block's StripProgress.
 };
 
-/** Of a step: bits taken (the low six), whether the block ends, and from StepAdvance on by how many scan positions it goes on. An
- *  advance beyond the block says that these bits are no whole symbol. */
-static const int32_t StepEnd = 0x40, StepAdvance = 8;
+/** How far a block has come, in one number: the next scan position, above it the sum of the sizes of its coefficients without DC.
+ * A position beyond the block says that the bits looked up were no whole symbol, or that the block ends among them. */
+using StripProgress = uint32_t;
+static const int32_t StripSizeShift = 8;
+static const uint32_t StripPastEnd = 0xC0;
+
+/** Of a step: bits taken (the low six), and whether the block ends. */
+static const int32_t StepEnd = 0x40;
 
 /** Tables of the fast decoding, indexed by table and the next StripLookupBits bits. Never change. */
 struct StripTables {
-  uint16_t steps[5][1 << StripLookupBits];  ///< Luma DC, luma AC, chroma DC, chroma AC; the last stops a strip.
-  StripSymbols symbols[4][1 << StripLookupBits];
+  uint8_t steps[5][1 << StripLookupBits];  ///< Luma DC, luma AC, chroma DC, chroma AC; the last stops a strip.
+  StripSymbols symbols[5][1 << StripLookupBits];
   uint8_t places[96];            ///< Scan position to word of a block; from 63 on the last one.
   const HuffTables* symbolwise;  ///< For codes that are longer.
   /** By block of a full strip: table of its DC value and of what follows. One more DC table stops the strip. */
-  const uint16_t* sequence[2 * (6 * StripMacroblocks + 1)];
+  const uint8_t* sequence[2 * (6 * StripMacroblocks + 1)];
   uint16_t offsets[6 * StripMacroblocks + 1];  ///< By block of a full strip: its first word.
 };
 
@@ -84,10 +88,9 @@ struct StripReader {
   size_t position, end;  ///< In bits.
 };
 
-/** What is known of the blocks of a strip, six a macroblock. */
+/** How far the blocks of a strip have come in the end, six a macroblock; the positions are at least 1. */
 struct StripReach {
-  uint8_t positions[6 * StripMacroblocks];  ///< How many scan positions it uses, at least 1.
-  uint16_t sizes[6 * StripMacroblocks];     ///< Sum of the sizes of its coefficients, without DC.
+  StripProgress blocks[6 * StripMacroblocks];
 };
 
 /** Blocks by the scan positions that they use: up to StripNarrow lie in the upper left quarter. */

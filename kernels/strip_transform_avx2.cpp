@@ -114,28 +114,51 @@ struct Kind {
   uint8_t* const* rows;
 };
 
-/** The pairs of which a block reaches `least` scan positions. */
-static Pairs Reaching(const uint8_t* reach, int32_t least) {
-  Pairs pairs = 0;
-  for (int32_t i = 0; i < 6 * StripMacroblocks; i += 32) {
-    const __m256i bytes = _mm256_loadu_si256((const __m256i*)(reach + i));
-    const __m256i reaching = _mm256_cmpgt_epi8(bytes, _mm256_set1_epi8((char)(least - 1)));
-    const __m256i either = _mm256_cmpgt_epi16(_mm256_setzero_si256(), _mm256_or_si256(reaching, _mm256_slli_epi16(reaching, 8)));
-    const __m128i packed = _mm_packs_epi16(_mm256_castsi256_si128(either), _mm256_extracti128_si256(either, 1));
-    pairs |= (Pairs)(uint32_t)_mm_movemask_epi8(packed) << (i / 2);
-  }
-  return pairs;
+/** The pairs of a strip by class: beyond DC, beyond StripNarrow, and those of which the sum of sizes doesn't say that 16 bits are
+ *  enough. */
+struct Classes {
+  Pairs notFlat, notNarrow, unsure;
+};
+
+/** Bits of 32 blocks to bits of 16 pairs: set where either block's is. */
+static uint32_t Either(uint32_t blocks) { return _pext_u32(blocks | blocks >> 1, 0x55555555); }
+
+static uint32_t Bits(__m256i doubles) { return (uint32_t)_mm256_movemask_ps(_mm256_castsi256_ps(doubles)); }
+
+/** What each of eight blocks in turn is held to, the first of which is the `first` of its macroblock. */
+static __m256i Limits(int32_t luma, int32_t chroma, int32_t first) {
+  int32_t limits[8];
+  for (int32_t i = 0; i < 8; ++i) limits[i] = (first + i) % 6 < 4 ? luma : chroma;
+  return _mm256_loadu_si256((const __m256i*)limits);
 }
 
-/** The pairs of which a block has a sum of sizes above the limit. */
-static Pairs Exceeding(const uint16_t* sizes, uint16_t limit) {
-  Pairs pairs = 0;
-  for (int32_t i = 0; i < 6 * StripMacroblocks; i += 16) {
-    const __m256i words = _mm256_loadu_si256((const __m256i*)(sizes + i));
-    const __m256i above = _mm256_cmpeq_epi32(_mm256_subs_epu16(words, Words((int16_t)limit)), _mm256_setzero_si256());
-    pairs |= (Pairs)(uint8_t)~_mm256_movemask_ps(_mm256_castsi256_ps(above)) << (i / 2);
+static Classes Classify(const StripReach* reach, const StripQuant* luma, const StripQuant* chroma) {
+  // Eight blocks a vector: which component one is repeats itself after three.
+  __m256i narrow[3], middle[3];
+  for (int32_t i = 0; i < 3; ++i) {
+    narrow[i] = Limits(luma->narrowLimit, chroma->narrowLimit, 8 * i);
+    middle[i] = Limits(luma->middleLimit, chroma->middleLimit, 8 * i);
   }
-  return pairs;
+  Classes classes = {0, 0, 0};
+  for (int32_t i = 0; i < 6 * StripMacroblocks; i += 32) {
+    uint32_t notFlat = 0, notNarrow = 0, unsure = 0;
+    for (int32_t j = 0; j < 32; j += 8) {
+      const int32_t phase = (i + j) / 8 % 3;
+      const __m256i progress = _mm256_loadu_si256((const __m256i*)(reach->blocks + i + j));
+      const __m256i positions = _mm256_and_si256(progress, _mm256_set1_epi32(0xFF));
+      const __m256i sizes = _mm256_srli_epi32(progress, StripSizeShift);
+      const __m256i wide = _mm256_cmpgt_epi32(positions, _mm256_set1_epi32(StripNarrow));
+      const __m256i limit = _mm256_blendv_epi8(narrow[phase], middle[phase], wide);
+      const __m256i beyond = _mm256_cmpgt_epi32(positions, _mm256_set1_epi32(StripMiddle));
+      notFlat |= Bits(_mm256_cmpgt_epi32(positions, _mm256_set1_epi32(1))) << j;
+      notNarrow |= Bits(wide) << j;
+      unsure |= Bits(_mm256_or_si256(beyond, _mm256_cmpgt_epi32(sizes, limit))) << j;
+    }
+    classes.notFlat |= (Pairs)Either(notFlat) << (i / 2);
+    classes.notNarrow |= (Pairs)Either(notNarrow) << (i / 2);
+    classes.unsure |= (Pairs)Either(unsure) << (i / 2);
+  }
+  return classes;
 }
 
 static int32_t Next(Pairs* pairs) {
@@ -266,15 +289,11 @@ __attribute__((noinline)) static Pairs Wide_Pairs(const Kind* kind, Pairs pairs)
   return fitting;
 }
 
-INLINE void Transform_Kind(const Kind* kind, const StripReach* reach, Pairs all, PutPair put) {
-  const Pairs notFlat = all & Reaching(reach->positions, 2), notNarrow = all & Reaching(reach->positions, StripNarrow + 1);
-  const Pairs notMiddle = all & Reaching(reach->positions, StripMiddle + 1);
-  const Pairs narrow = notFlat & ~(notNarrow | Exceeding(reach->sizes, kind->quant->narrowLimit));
-  const Pairs middle = notNarrow & ~(notMiddle | Exceeding(reach->sizes, kind->quant->middleLimit));
-  const Pairs unsure = notFlat & ~(narrow | middle);
-  Flat_Pairs(kind, all & ~notFlat, put);
-  Narrow_Pairs(kind, narrow, put);
-  Full_Pairs(kind, middle | (unsure ? Wide_Pairs(kind, unsure) : 0), put);
+INLINE void Transform_Kind(const Kind* kind, const Classes* classes, Pairs all, PutPair put) {
+  const Pairs unsure = classes->unsure & all, sure = all & ~unsure;
+  Flat_Pairs(kind, sure & ~classes->notFlat, put);
+  Narrow_Pairs(kind, sure & classes->notFlat & ~classes->notNarrow, put);
+  Full_Pairs(kind, (sure & classes->notNarrow) | (unsure ? Wide_Pairs(kind, unsure) : 0), put);
 }
 
 void Transform_Strip_Avx2(int16_t* blocks, const StripReach* reach, int32_t macroblocks, const StripQuant* luma,
@@ -282,7 +301,8 @@ void Transform_Strip_Avx2(int16_t* blocks, const StripReach* reach, int32_t macr
   int32_t dc[6 * StripMacroblocks];
   Sum_Dc(blocks, macroblocks, predictors, dc);
   const Pairs all = ((Pairs)1 << (3 * macroblocks)) - 1;
+  const Classes classes = Classify(reach, luma, chroma);
   const Kind lumaKind = {blocks, dc, luma, rows}, chromaKind = {blocks, dc, chroma, rows};
-  Transform_Kind(&lumaKind, reach, all & ~ChromaPairs, Put_Luma);
-  Transform_Kind(&chromaKind, reach, all & ChromaPairs, Put_Chroma);
+  Transform_Kind(&lumaKind, &classes, all & ~ChromaPairs, Put_Luma);
+  Transform_Kind(&chromaKind, &classes, all & ChromaPairs, Put_Chroma);
 }

@@ -77,8 +77,9 @@ static void Full_Block(int16_t* block, const StripQuant* quant, uint8_t* const* 
   Clear(block, 8);
 }
 
-static void Transform_Block(int16_t* block, int32_t positions, int32_t sizes, int32_t dc, const StripQuant* quant,
+static void Transform_Block(int16_t* block, StripProgress progress, int32_t dc, const StripQuant* quant,
                             const uint8_t* rangeLimit, uint8_t* const* rows, int32_t left) {
+  const int32_t positions = progress & 0xFF, sizes = (int32_t)(progress >> StripSizeShift);
   if (positions <= 1) {
     Flat_Block(block, dc, quant, rows, left);
   } else if (positions <= StripNarrow && sizes <= quant->narrowLimit) {
@@ -101,7 +102,7 @@ void Transform_Strip_Sse2(int16_t* blocks, const StripReach* reach, int32_t macr
       int16_t* const block = blocks + (ptrdiff_t)m * StripMacroblockSize + i / 2 * StripPairSize + i % 2 * 8;
       uint8_t* const* const blockRows = rows + (isLuma ? i / 2 * 8 : 8 * i - 16);
       const int32_t b = 6 * m + i;
-      Transform_Block(block, reach->positions[b], reach->sizes[b], dc[b], isLuma ? luma : chroma, rangeLimit, blockRows, left);
+      Transform_Block(block, reach->blocks[b], dc[b], isLuma ? luma : chroma, rangeLimit, blockRows, left);
     }
   }
 }
