@@ -30,7 +30,8 @@ struct StripKernel : LibraryTest {
   /** A block as a stream can bring it, in scan order: flat, quarter, seven diagonals, all; small values, or a few large ones. */
   std::array<int32_t, 64> Any_Block(const StripQuant& quant) {
     std::array<int32_t, 64> scan{};
-    const int32_t shape = (int32_t)noise.Next() % 8, limits[8] = {1, StripNarrow, StripNarrow, StripMiddle, StripMiddle, 64, 64, 64};
+    const int32_t shape = (int32_t)noise.Next() % 8,
+                  limits[8] = {1, StripNarrow, StripNarrow, StripMiddle, StripMiddle, 64, 64, 64};
     scan[0] = noise.Between(-2047, 2047);
     for (int32_t n = noise.Between(1, limits[shape]); n > 0 && limits[shape] > 1; --n) {
       scan[(size_t)noise.Between(1, limits[shape] - 1)] = shape == 7 ? noise.Between(-1023, 1023) : noise.Between(-8, 8);
