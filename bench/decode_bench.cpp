@@ -1,9 +1,8 @@
-// The kernels alone, a picture's row of 640 pixels at a time, on data as photographs bring it.
+// Kernels of decoding alone, a picture's row of 640 pixels at a time, on data as photographs bring it.
+#include "bench/levels.h"
 #include "decode/quant.h"
-#include "kernels/kernels.h"
 #include "pixel/color_tables.h"
 
-#include <benchmark/benchmark.h>
 #include <vector>
 #include <velarto.h>
 
@@ -59,10 +58,11 @@ void Convert(benchmark::State& state, ConvertRowsKernel kernel) {
   JDEC_Exit();
 }
 
-BENCHMARK_CAPTURE(Idct, plain, Idct_Row_Plain);
-BENCHMARK_CAPTURE(Idct, packed_plain, Idct_Row_Packed_Plain);
-BENCHMARK_CAPTURE(Convert, rgb24_plain, To_Rgb24_Plain);
-BENCHMARK_CAPTURE(Convert, rgb32_plain, To_Rgb32_Plain);
-BENCHMARK_CAPTURE(Convert, rgb565_plain, To_Rgb565_Plain);
+const bool registered[] = {Bench_Levels("Idct", &Kernels::idctRow, Idct),
+                           Bench_Levels("Idct_Packed", &Kernels::idctRowPacked, Idct),
+                           Bench_Levels("Convert_Rgb24", &Kernels::toRgb24, Convert),
+                           Bench_Levels("Convert_Rgb32", &Kernels::toRgb32, Convert),
+                           Bench_Levels("Convert_Rgb565", &Kernels::toRgb565, Convert),
+                           Bench_Levels("Convert_Rgb555", &Kernels::toRgb555, Convert)};
 
 }  // namespace
