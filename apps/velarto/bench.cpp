@@ -35,10 +35,9 @@ static bool Read_Recording(const std::string& source, Recording* recording, std:
     if (Frame_Decodable(frame)) recording->frames.push_back(frame);
     return true;
   };
-  const ReadOptions reading = {
-      .reconnect = false, .onLost = {}, .onBytes = [recording](std::span<const uint8_t> bytes) {
-        recording->bytes.insert(recording->bytes.end(), bytes.begin(), bytes.end());
-      }};
+  const ReadOptions reading = {.reconnect = false, .onLost = {}, .onBytes = [recording](std::span<const uint8_t> bytes) {
+                                 recording->bytes.insert(recording->bytes.end(), bytes.begin(), bytes.end());
+                               }};
   FrameWalk walk;
   if (!Read_Frames(source, &stop, &walk, take, error, reading)) return false;
   for (WalkedFrame& frame : recording->frames) {
@@ -119,8 +118,7 @@ static int Run_Bench(const BenchOptions& options) {
   Work work;
   StageTimes times;
   std::string error;
-  if (!Read_Recording(options.source, &recording, &error) ||
-      !Decode_Frames(recording, options.seconds, &work, &error) ||
+  if (!Read_Recording(options.source, &recording, &error) || !Decode_Frames(recording, options.seconds, &work, &error) ||
       !Time_Stages(recording, work.seconds * StagesPart, &times, &error)) {
     return Report(error);
   }
