@@ -44,25 +44,7 @@ void Idct(benchmark::State& state, IdctRowKernel kernel) {
   JDEC_Exit();
 }
 
-void Convert(benchmark::State& state, ConvertRowsKernel kernel) {
-  JDEC_Init();
-  std::vector<uint8_t> planes(3 * Width), out(2 * Width * 4);
-  for (size_t i = 0; i < planes.size(); ++i) planes[i] = (uint8_t)(i * 37 >> 3);
-  const ColorTables tables = {rangeLimit, yccRgbTable};
-  const uint8_t* const chroma = &planes[2 * Width];
-  for (auto _ : state) {
-    kernel(&tables, &planes[0], &planes[Width], chroma, chroma + Width / 2, &out[0], &out[Width * 4], Width / 2);
-    benchmark::ClobberMemory();
-  }
-  state.counters["pixels"] = benchmark::Counter(2 * Width, benchmark::Counter::kIsIterationInvariantRate);
-  JDEC_Exit();
-}
-
 const bool registered[] = {Bench_Levels("Idct", &Kernels::idctRow, Idct),
-                           Bench_Levels("Idct_Packed", &Kernels::idctRowPacked, Idct),
-                           Bench_Levels("Convert_Rgb24", &Kernels::toRgb24, Convert),
-                           Bench_Levels("Convert_Rgb32", &Kernels::toRgb32, Convert),
-                           Bench_Levels("Convert_Rgb565", &Kernels::toRgb565, Convert),
-                           Bench_Levels("Convert_Rgb555", &Kernels::toRgb555, Convert)};
+                           Bench_Levels("Idct_Packed", &Kernels::idctRowPacked, Idct)};
 
 }  // namespace

@@ -1,8 +1,8 @@
 // velarto beside libjpeg-turbo and FFmpeg: whole frames, one thread, in turn, in one program.
 #include "apps/velarto/output.h"
 #include "apps/velarto/stream.h"
-#include "bench/compare/measures.h"
 #include "bench/compare/ffmpeg.h"
+#include "bench/compare/measures.h"
 
 #include <CLI/CLI.hpp>
 
@@ -18,7 +18,8 @@ struct Size {
   int32_t width, height;
 };
 
-static const std::vector<Size> allSizes = {{320, 240}, {640, 480}, {1280, 720}, {1920, 1072}}, quickSizes = {{320, 240}, {640, 480}};
+static const std::vector<Size> allSizes = {{320, 240}, {640, 480}, {1280, 720}, {1920, 1072}},
+                               quickSizes = {{320, 240}, {640, 480}};
 static const std::vector<int32_t> allQualities = {30, 50, 80}, quickQualities = {50};
 /** Pictures of a subject that take turns. */
 static constexpr size_t PictureCount = 4;
@@ -49,7 +50,8 @@ static bool Hold_Matches(const Options& options, const Gallery& gallery, Results
 static bool Write_Stream(const Options& options, const Gallery& gallery, std::string* error) {
   const size_t distinct = std::min(options.frames, gallery.street.size());
   std::vector<std::vector<uint8_t>> frames;
-  if (Frames_Make(Subject_Make(gallery, "street", options.width, options.height, distinct), 50, &frames, error) != MatchEnd::Held) return false;
+  if (Frames_Make(Subject_Make(gallery, "street", options.width, options.height, distinct), 50, &frames, error) != MatchEnd::Held)
+    return false;
   FILE* const file = std::fopen(options.stream.c_str(), "wb");
   bool good = file != nullptr;
   for (size_t i = 0; good && i < options.frames; ++i) {
@@ -68,9 +70,8 @@ static bool Measure(const Options& options, const Gallery& gallery, std::string*
   }
   Results_About(results);
   const double seconds = options.quick ? 0.1 : 0.3;
-  const bool good = Hold_Matches(options, gallery, &results, error) &&
-                    Measure_Growth(results, gallery, seconds, error) && Measure_Threads(results, gallery, seconds, error) &&
-                    Measure_Delay(results, gallery, 3 * seconds, error);
+  const bool good = Hold_Matches(options, gallery, &results, error) && Measure_Growth(results, gallery, seconds, error) &&
+                    Measure_Threads(results, gallery, seconds, error) && Measure_Delay(results, gallery, 3 * seconds, error);
   Results_Summary(results);
   if (results.lines) std::fclose(results.lines);
   return good;

@@ -8,8 +8,8 @@
 
 struct Contestant {
   std::string name;
-  std::function<bool(size_t frame)> run;       ///< What is timed: the work on one of the frames. False: it could not be done.
-  std::function<void(size_t frame)> prepare{}; ///< May be empty: called ahead of each run, not timed.
+  std::function<bool(size_t frame)> run;        ///< What is timed: the work on one of the frames. False: it could not be done.
+  std::function<void(size_t frame)> prepare{};  ///< May be empty: called ahead of each run, not timed.
 };
 
 /** Seconds, an entry a round. */

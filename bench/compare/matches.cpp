@@ -75,7 +75,7 @@ static bool Try_All(const std::vector<Contestant>& contestants, std::string* err
 }
 
 static MatchEnd Run_Match(const std::vector<Contestant>& contestants, size_t frames, const MatchOptions& options, Match* match,
-                      std::string* error) {
+                          std::string* error) {
   for (const Contestant& contestant : contestants) match->names.push_back(contestant.name);
   std::string failed;
   if (Contest_Run(contestants, frames, options.seconds, Processor_Seconds, &match->times, &failed)) return MatchEnd::Held;
@@ -84,7 +84,7 @@ static MatchEnd Run_Match(const std::vector<Contestant>& contestants, size_t fra
 }
 
 static MatchEnd Match_Decoding(const Subject& subject, int32_t quality, const MatchOptions& options, Match* match,
-                           std::string* error) {
+                               std::string* error) {
   std::vector<Bytes> frames;
   const MatchEnd made = Frames_Make(subject, quality, &frames, error);
   if (made != MatchEnd::Held) return made;
@@ -109,7 +109,9 @@ static MatchEnd Match_Decoding(const Subject& subject, int32_t quality, const Ma
   if (!Try_All(contestants, error)) return MatchEnd::Failed;
   const double allowed = JDEC_Get_Quality(decoder.get()) == quality ? RoundingOnly : QualityOff;
   std::memcpy(own.pixels.data(), JDEC_get_decompressed_bitmap(decoder.get()), own.pixels.size());
-  if (!Near(own, byTurbo, allowed, "velarto", error) || (options.ffmpeg && !Near(byFfmpeg, byTurbo, RoundingOnly, "FFmpeg", error))) return MatchEnd::Failed;
+  if (!Near(own, byTurbo, allowed, "velarto", error) ||
+      (options.ffmpeg && !Near(byFfmpeg, byTurbo, RoundingOnly, "FFmpeg", error)))
+    return MatchEnd::Failed;
   match->bytes.assign(contestants.size(), frames[0].size());
   return Run_Match(contestants, frames.size(), options, match, error);
 }
@@ -126,7 +128,7 @@ static bool Check_Encoded(const Subject& subject, const Bytes& own, const Bytes&
 }
 
 static MatchEnd Match_Encoding(const Subject& subject, int32_t quality, const MatchOptions& options, Match* match,
-                           std::string* error) {
+                               std::string* error) {
   const auto& pictures = subject.pictures;
   const auto decoder = Headless_Decoder(pictures[0]);
   const Turbo turbo;
@@ -157,13 +159,14 @@ static MatchEnd Match_Encoding(const Subject& subject, int32_t quality, const Ma
   for (size_t i = 0; i < options.levels.size(); ++i) match->bytes.push_back(ownSize);
   match->bytes.insert(match->bytes.end(), {turboSize, ffmpegSize});
   own.resize(ownSize);
-  if (!Check_Encoded(subject, own, {theirs.begin(), theirs.begin() + static_cast<std::ptrdiff_t>(turboSize)}, error)) return MatchEnd::Failed;
+  if (!Check_Encoded(subject, own, {theirs.begin(), theirs.begin() + static_cast<std::ptrdiff_t>(turboSize)}, error))
+    return MatchEnd::Failed;
   own.resize(FrameStoreSize);
   return Run_Match(contestants, pictures.size(), options, match, error);
 }
 
 MatchEnd Match_Hold(Work work, const Subject& subject, int32_t quality, const MatchOptions& options, Match* match,
-                std::string* error) {
+                    std::string* error) {
   if (work == Work::Decode) return Match_Decoding(subject, quality, options, match, error);
   return Match_Encoding(subject, quality, options, match, error);
 }

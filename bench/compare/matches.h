@@ -27,9 +27,10 @@ struct Match {
 /** What became of a match; what Frames_Make has to say too. TooLong: a frame doesn't fit a frame store. */
 enum class MatchEnd { Held, TooLong, Failed };
 
-/** Holds a match on the pictures of a subject. quality: that of the frames' tables, 10 to 90. Each side's result is looked at once.
- *  Failed, with *error, when someone can't do the work or results differ by more than rounding. */
-MatchEnd Match_Hold(Work work, const Subject& subject, int32_t quality, const MatchOptions& options, Match* match, std::string* error);
+/** Holds a match on the pictures of a subject. quality: that of the frames' tables, 10 to 90. Each side's result is looked at
+ * once. Failed, with *error, when someone can't do the work or results differ by more than rounding. */
+MatchEnd Match_Hold(Work work, const Subject& subject, int32_t quality, const MatchOptions& options, Match* match,
+                    std::string* error);
 
 /** Frames of the fixed JFIF form, one a picture, made by libjpeg-turbo. */
 MatchEnd Frames_Make(const Subject& subject, int32_t quality, std::vector<std::vector<uint8_t>>* frames, std::string* error);

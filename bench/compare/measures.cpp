@@ -104,8 +104,9 @@ bool Measure_Threads(const Results& results, const Gallery& gallery, double seco
     std::fprintf(results.text, "%9s: %.0f and %.0f frames a second, ratio %.2f; of processor time %.2f\n",
                  Size_Text(size).c_str(), Median(two), Median(one), ratio, ofProcessor);
     if (!results.lines) continue;
-    std::fprintf(results.lines, R"({"type":"threads","width":%d,"height":%d,"one":%.1f,"two":%.1f,"ratio":%.3f,"ofProcessor":%.3f})",
-                 size.width, size.height, Median(one), Median(two), ratio, ofProcessor);
+    std::fprintf(results.lines,
+                 R"({"type":"threads","width":%d,"height":%d,"one":%.1f,"two":%.1f,"ratio":%.3f,"ofProcessor":%.3f})", size.width,
+                 size.height, Median(one), Median(two), ratio, ofProcessor);
     std::fputc('\n', results.lines);
   }
   return true;
@@ -160,12 +161,13 @@ bool Measure_Delay(const Results& results, const Gallery& gallery, double second
                       [=, &frames](size_t i) { Push_Ahead(decoder, frames[i]); }};
   };
   std::vector<Times> times;
-  if (!Contest_Run({contestant("window", shown.get()), contestant("headless", headless.get())}, frames.size(), seconds, Wall_Seconds, &times,
-                   error)) {
+  if (!Contest_Run({contestant("window", shown.get()), contestant("headless", headless.get())}, frames.size(), seconds,
+                   Wall_Seconds, &times, error)) {
     return false;
   }
   const double delay = Median(times[0]) * 1e3, decoding = Median(times[1]) * 1e3, ratio = Median_Ratio(times[0], times[1]);
-  std::fprintf(results.text, "\nFrom the last byte to the window %.3f ms, decoding alone %.3f ms, ratio %.2f\n", delay, decoding, ratio);
+  std::fprintf(results.text, "\nFrom the last byte to the window %.3f ms, decoding alone %.3f ms, ratio %.2f\n", delay, decoding,
+               ratio);
   if (!results.lines) return true;
   std::fprintf(results.lines, R"({"type":"delay","width":%d,"height":%d,"ms":%.4f,"decodingMs":%.4f,"ratio":%.3f})", size.width,
                size.height, delay, decoding, ratio);

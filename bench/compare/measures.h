@@ -11,6 +11,6 @@ bool Measure_Growth(const Results& results, const Gallery& gallery, double secon
  *  of processor time brings them, beside one thread: how much they hinder each other on a machine that others use as well. */
 bool Measure_Threads(const Results& results, const Gallery& gallery, double seconds, std::string* error);
 
-/** From the last byte of a frame given to the decoder until the window's pixels are the picture's, beside decoding alone. A window
- *  of 640x480 on a screen of 32 bits, DirectDraw form. */
+/** From the last byte of a frame given to the decoder until the window's pixels are the picture's, beside decoding alone. A
+ * window of 640x480 on a screen of 32 bits, DirectDraw form. */
 bool Measure_Delay(const Results& results, const Gallery& gallery, double seconds, std::string* error);

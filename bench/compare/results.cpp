@@ -20,8 +20,8 @@ void Results_About(const Results& results) {
 }
 
 void Results_Head(const Results& results) {
-  std::fprintf(results.text, "\nMilliseconds a frame, then time of the peer / time of velarto\n%-6s %-11s %9s %3s %7s", "", "", "",
-               "q", "KB");
+  std::fprintf(results.text, "\nMilliseconds a frame, then time of the peer / time of velarto\n%-6s %-11s %9s %3s %7s", "", "",
+               "", "q", "KB");
   for (const NamedKernelLevel& level : results.levels) std::fprintf(results.text, "%8s", level.name);
   std::fprintf(results.text, "%8s%8s", "turbo", "FFmpeg");
   for (const std::string peer : {"turbo/", "FFmpeg/"}) {

@@ -55,8 +55,8 @@ static Picture Shrunk(const Picture& picture, const Part& part, int32_t width, i
 static Picture Photograph_View(const Picture& photograph, int32_t width, int32_t height, size_t number, size_t count) {
   const double scale = ShownPart * std::min(double(photograph.width) / width, double(photograph.height) / height);
   const double place = static_cast<double>(number) / static_cast<double>(std::max<size_t>(count - 1, 1));
-  const Part part = {(photograph.width - scale * width) * place, (photograph.height - scale * height) * (1 - place), scale * width,
-                     scale * height};
+  const Part part = {(photograph.width - scale * width) * place, (photograph.height - scale * height) * (1 - place),
+                     scale * width, scale * height};
   return Shrunk(photograph, part, width, height);
 }
 

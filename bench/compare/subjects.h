@@ -16,7 +16,8 @@ struct Gallery {
 };
 
 /** Reads the photographs, "NAME=FILE" each, and the recording. False, with *error. The library must have been started. */
-bool Gallery_Read(const std::vector<std::string>& photographs, const std::string& recording, Gallery* gallery, std::string* error);
+bool Gallery_Read(const std::vector<std::string>& photographs, const std::string& recording, Gallery* gallery,
+                  std::string* error);
 
 /** Names of all subjects: the photographs, "street", "harbour". */
 std::vector<std::string> Subject_Names(const Gallery& gallery);
