@@ -38,6 +38,7 @@ static int Run(int argc, char** argv) {
   Record_Command(&app, &code);
   View_Command(&app, &code);
   Camera_Command(&app, &code);
+  Bench_Command(&app, &code);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
