@@ -4,7 +4,6 @@
 #include "decode/huffman_codes.h"
 #include "decode/idct.h"
 #include "decode/strip_tables.h"
-#include "decode/watermark.h"
 #include "pixel/color_tables.h"
 
 #include <algorithm>
@@ -64,64 +63,69 @@ static void Take_Hidden_Bits(const RowStore* store, int32_t macroblocks, Waterma
   }
 }
 
-/** The sample rows that a row of macroblocks writes: 16 of luma, 8 of Cb, 8 of Cr. */
-struct MacroblockRows {
-  uint8_t* rows[32];
-};
-
-static MacroblockRows Rows_Of(const JdecPlanes* planes, int32_t m) {
-  MacroblockRows at{};
-  std::copy_n(planes->yRows + static_cast<ptrdiff_t>(16) * m, 16, at.rows);
-  std::copy_n(planes->cbRows + static_cast<ptrdiff_t>(8) * m, 8, at.rows + 16);
-  std::copy_n(planes->crRows + static_cast<ptrdiff_t>(8) * m, 8, at.rows + 24);
-  return at;
+static void Point_To_Row(RowsRun* run) {
+  const JdecPlanes* const planes = run->codec->planes;
+  const int32_t m = run->row;
+  std::copy_n(planes->yRows + static_cast<ptrdiff_t>(16) * m, 16, run->rows);
+  std::copy_n(planes->cbRows + static_cast<ptrdiff_t>(8) * m, 8, run->rows + 16);
+  std::copy_n(planes->crRows + static_cast<ptrdiff_t>(8) * m, 8, run->rows + 24);
 }
 
-static void Move_Right(MacroblockRows* at, int32_t macroblocks) {
-  for (int32_t i = 0; i < 32; ++i) at->rows[i] += (i < 16 ? 16 : 8) * macroblocks;
+void Rows_Open(RowsRun* run, JdecCodec* codec) {
+  const JdecFrameBuffer* const frame = codec->frame;
+  const int32_t start = std::min(frame->position, frame->length);
+  uint8_t* const data = codec->rows->data;
+  const size_t count = kernels.unstuff(frame->data + start, static_cast<size_t>(frame->length - start), data);
+  run->codec = codec;
+  run->reader = {data, 0, 8 * count};
+  run->predictors[0] = run->predictors[1] = run->predictors[2] = 0;
+  run->collector.length = run->collector.bitIndex = run->collector.byte = 0;
+  run->row = run->column = run->strip = 0;
 }
 
-/** A luma block beyond the last macroblock has no coefficients. */
-static void Fill_Last_Column(const MacroblockRows& behind, int32_t width) {
-  if (width / 8 % 2 == 0) return;
-  for (int32_t i = 0; i < 16; ++i) std::memset(behind.rows[i], 128, 8);
-}
-
-static void Decode_Row(JdecCodec* codec, StripReader* reader, int32_t m, int32_t* predictors, WatermarkCollector* collector) {
+int32_t Rows_Decode_Strip(RowsRun* run) {
+  const JdecCodec* const codec = run->codec;
+  if (run->row == codec->height / 16) return 0;
   RowStore* const store = codec->rows;
-  MacroblockRows at = Rows_Of(codec->planes, m);
-  for (int32_t left = codec->width / 16; left > 0;) {
-    const int32_t count = std::min(left, StripMacroblocks);
-    kernels.decodeStrip(reader, &stripTables, store->blocks, &store->reach, count);
-    Take_Hidden_Bits(store, count, collector);
-    kernels.transformStrip(store->blocks, &store->reach, count, &store->luma, &store->chroma, rangeLimit, predictors, at.rows);
-    Move_Right(&at, count);
-    left -= count;
-  }
-  Fill_Last_Column(at, codec->width);
+  if (run->column == 0) Point_To_Row(run);
+  run->strip = std::min(codec->width / 16 - run->column, StripMacroblocks);
+  kernels.decodeStrip(&run->reader, &stripTables, store->blocks, &store->reach, run->strip);
+  Take_Hidden_Bits(store, run->strip, &run->collector);
+  return 1;
 }
 
-/** A luma row of blocks below the last macroblock keeps its coefficients from frame to frame. */
-static void Transform_Last_Row(const JdecCodec* codec, int32_t blockRow) {
-  if (codec->height / 8 <= blockRow) return;
-  uint8_t* const* const rows = codec->planes->yRows + static_cast<ptrdiff_t>(8) * blockRow;
-  kernels.idctRow(codec->coefY[blockRow], codec->width / 8, codec->lumaInverse, rangeLimit, rows);
+int32_t Rows_Transform_Strip(RowsRun* run) {
+  const JdecCodec* const codec = run->codec;
+  RowStore* const store = codec->rows;
+  kernels.transformStrip(store->blocks, &store->reach, run->strip, &store->luma, &store->chroma, rangeLimit, run->predictors,
+                         run->rows);
+  for (int32_t i = 0; i < 32; ++i) run->rows[i] += (i < 16 ? 16 : 8) * run->strip;
+  run->column += run->strip;
+  if (run->column < codec->width / 16) return 0;
+  // A luma block beyond the last macroblock has no coefficients.
+  for (int32_t i = 0; codec->width / 8 % 2 != 0 && i < 16; ++i) std::memset(run->rows[i], 128, 8);
+  run->column = 0;
+  ++run->row;
+  return 1;
+}
+
+void Rows_Close(RowsRun* run) {
+  const JdecCodec* const codec = run->codec;
+  Watermark_Publish(run->collector);
+  // A luma row of blocks below the last macroblock keeps its coefficients from frame to frame.
+  const int32_t last = 2 * run->row;
+  if (codec->height / 8 <= last) return;
+  uint8_t* const* const rows = codec->planes->yRows + static_cast<ptrdiff_t>(8) * last;
+  kernels.idctRow(codec->coefY[last], codec->width / 8, codec->lumaInverse, rangeLimit, rows);
 }
 
 void Decode_Rows(JdecCodec* codec, const RowsTaker& taker) {
-  const JdecFrameBuffer* const frame = codec->frame;
-  const int32_t start = std::min(frame->position, frame->length);
-  RowStore* const store = codec->rows;
-  const size_t count = kernels.unstuff(frame->data + start, static_cast<size_t>(frame->length - start), store->data);
-  StripReader reader = {store->data, 0, 8 * count};
-  int32_t predictors[3] = {0, 0, 0};
-  WatermarkCollector collector;
-  const int32_t rows = codec->height / 16;
-  for (int32_t m = 0; m < rows; ++m) {
-    Decode_Row(codec, &reader, m, predictors, &collector);
-    taker.take(taker.user, 8 * m, 8);
+  RowsRun run;
+  Rows_Open(&run, codec);
+  while (Rows_Decode_Strip(&run)) {
+    if (Rows_Transform_Strip(&run)) taker.take(taker.user, 8 * (run.row - 1), 8);
   }
-  Watermark_Publish(collector);
-  Transform_Last_Row(codec, 2 * rows);
-  if (codec->height / 2 > 8 * rows) taker.take(taker.user, 8 * rows, codec->height / 2 - 8 * rows);
+  Rows_Close(&run);
+  const int32_t done = 8 * run.row, all = codec->height / 2;
+  if (all > done) taker.take(taker.user, done, all - done);
 }

@@ -3,6 +3,7 @@
 #include "decode/framing.h"
 #include "decode/huffman_decode.h"
 #include "decode/idct.h"
+#include "decode/rows.h"
 #include "pixel/convert.h"
 
 #include <chrono>
@@ -22,28 +23,46 @@ static int32_t Data_Offset(const WalkedFrame& frame) {
   return frame.form == FrameForm::Prefixed ? PrefixSize + CompactHeadSize : CompactHeadSize;
 }
 
+static void Time_Rows(JdecCodec* codec, StageTimes* times) {
+  auto mark = Clock::now();
+  RowsRun run;
+  Rows_Open(&run, codec);
+  while (Rows_Decode_Strip(&run)) {
+    times->entropy += Lap(&mark);
+    Rows_Transform_Strip(&run);
+    times->transform += Lap(&mark);
+  }
+  Rows_Close(&run);
+  times->transform += Lap(&mark);
+}
+
+static void Time_Planes(JdecCodec* codec, StageTimes* times) {
+  auto mark = Clock::now();
+  const JdecPlanes* const planes = codec->planes;
+  const int32_t width = codec->width, height = codec->height;
+  Huff_Decode_Frame(codec, codec->coefY, codec->coefCb, codec->coefCr, width, height, codec->frame);
+  times->entropy += Lap(&mark);
+  IDCT_Plane(planes->yRows, codec->coefY, width, height, codec->lumaInverse);
+  IDCT_Plane(planes->crRows, codec->coefCr, width / 2, height / 2, codec->chromaInverse);
+  IDCT_Plane(planes->cbRows, codec->coefCb, width / 2, height / 2, codec->chromaInverse);
+  times->transform += Lap(&mark);
+}
+
 void Stages_Time(JdecDecoder* decoder, const WalkedFrame& frame, StageTimes* times) {
   JdecCodec* const codec = decoder->codec;
-  const JdecPlanes* const planes = codec->planes;
   const int32_t offset = Data_Offset(frame);
   Codec_Set_Quality(codec, frame.quality);
-  auto mark = Clock::now();
 
   // A hidden decoder takes frames out of the stream and leaves it at that.
+  auto mark = Clock::now();
   JDEC_show(decoder, 0);
   Picture_Push(decoder, frame);
   JDEC_show(decoder, 1);
   times->search += Lap(&mark);
 
   codec->frame->position = offset;
-  Huff_Decode_Frame(codec, codec->coefY, codec->coefCb, codec->coefCr, frame.width, frame.height, codec->frame);
-  times->entropy += Lap(&mark);
-
-  IDCT_Plane(planes->yRows, codec->coefY, frame.width, frame.height, codec->lumaInverse);
-  IDCT_Plane(planes->crRows, codec->coefCr, frame.width / 2, frame.height / 2, codec->chromaInverse);
-  IDCT_Plane(planes->cbRows, codec->coefCb, frame.width / 2, frame.height / 2, codec->chromaInverse);
-  times->transform += Lap(&mark);
-
-  YCC_To_RGB24(planes, codec->raster);
+  Rows_Available() ? Time_Rows(codec, times) : Time_Planes(codec, times);
+  mark = Clock::now();
+  YCC_To_RGB24(codec->planes, codec->raster);
   times->color += Lap(&mark);
 }

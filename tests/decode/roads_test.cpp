@@ -1,5 +1,5 @@
-// Frames by rows of macroblocks, at every level, against frames by whole planes: the same samples, pixels and hidden text, whatever
-// the size, the bytes, and what the buffers held before.
+// Frames by rows of macroblocks, at every level, against frames by whole planes: the same samples, pixels and hidden text,
+// whatever the size, the bytes, and what the buffers held before.
 #include "decode/idct.h"
 #include "decode/watermark.h"
 #include "support/levels.h"
@@ -64,7 +64,8 @@ struct Roads : LibraryTest {
 
 TEST_F(Roads, GiveTheSamePictures) {
   size_t longest = 0;
-  for (const auto& [width, height] : {std::pair{16, 16}, {17, 31}, {9, 40}, {40, 9}, {24, 24}, {56, 72}, {330, 57}, {95, 65}, {1, 1}, {608, 16}}) {
+  for (const auto& [width, height] :
+       {std::pair{16, 16}, {17, 31}, {9, 40}, {40, 9}, {24, 24}, {56, 72}, {330, 57}, {95, 65}, {1, 1}, {608, 16}}) {
     const std::vector<Bytes> bodies = Bodies(width, height);
     const Bytes pixels = noise.Some((size_t)(width * height * 3));
     const Seen expected = Run(KernelPlain, width, height, bodies, pixels);
