@@ -16,5 +16,8 @@ inline constexpr NamedKernelLevel kernelLevels[] = {
 /** Mask of the levels that this processor and this system can run: for AVX2 the system must keep its registers. */
 uint32_t Cpu_Levels();
 
+/** Bytes of the processor's largest cache; 4 MB where it does not tell. */
+int64_t Cpu_Cache_Bytes();
+
 /** Mask of the levels that this build lets JDEC_Init choose. All; a build with fewer is what tests a lower level from outside. */
 extern const uint32_t kernelsAllowed;

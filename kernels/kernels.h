@@ -93,6 +93,9 @@ struct Kernels {
   ConvertRowsKernel toRgb32;    ///< B, G, R, 0.
   ConvertRowsKernel toRgb565;   ///< Little-endian words.
   ConvertRowsKernel toRgb555;
+  ConvertRowsKernel toRgb24Stream;  ///< As toRgb24, past the cache where the rows' addresses allow it.
+  ConvertRowsKernel toRgb32Stream;
+  void (*endStream)();  ///< Called behind the last of those: from then on other threads can be told of the pixels.
   DitherRowKernel ditherRow;
   ToYccRowKernel toYccRow;
   DownsampleRowKernel downsampleRow;
@@ -127,3 +130,9 @@ void To_Ycc_Row_Plain(const int32_t* rgbYcc, const uint8_t* pixels, uint8_t* y, 
 void Downsample_Row_Plain(const uint8_t* upper, const uint8_t* lower, uint8_t* out, int32_t pairs, int32_t evenBias,
                           int32_t oddBias);
 void Forward_Row_Plain(uint8_t* const* rows, int32_t count, const int16_t* forward, const int16_t* inverse, int32_t* blocks);
+
+/** Put a subject's kernels of a level into a record. */
+void Overlay_Convert_Sse2(Kernels* record);
+void Overlay_Convert_Avx2(Kernels* record);
+void Overlay_Dither_Sse2(Kernels* record);
+void Overlay_Dither_Avx2(Kernels* record);
