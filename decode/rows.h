@@ -47,7 +47,7 @@ void Rows_Close(RowsRun* run);
 
 /** What is to happen to each row of macroblocks while its samples are near, and at last to what lies below. */
 struct RowsTaker {
-  void (*take)(void* user, int32_t firstPair, int32_t pairs);  ///< Pairs of picture rows; together all whole pairs.
+  void (*take)(void* user, int32_t firstPair, int32_t pairs);  ///< Pairs of picture rows; together all, also half a pair.
   void* user;
 };
 

@@ -1,5 +1,3 @@
 #include "kernels/entropy_body.h"
 
-void Decode_Strip_Sse2(StripReader* reader, const StripTables* tables, int16_t* blocks, StripReach* reach, int32_t macroblocks) {
-  Decode_Strip(reader, tables, blocks, reach, macroblocks);
-}
+void Overlay_Entropy_Sse2(Kernels* record) { record->decodeStrip = Decode_Strip; }

@@ -2,6 +2,8 @@
 
 Kernels kernels = Kernels_Select(KernelPlain);
 
+static void End_Stream_Plain() {}
+
 static constexpr Kernels plainKernels = {
     .decodeRow = Decode_Row_Plain,
     .idctRow = Idct_Row_Plain,
@@ -10,6 +12,9 @@ static constexpr Kernels plainKernels = {
     .toRgb32 = To_Rgb32_Plain,
     .toRgb565 = To_Rgb565_Plain,
     .toRgb555 = To_Rgb555_Plain,
+    .toRgb24Stream = To_Rgb24_Plain,
+    .toRgb32Stream = To_Rgb32_Plain,
+    .endStream = End_Stream_Plain,
     .ditherRow = Dither_Row_Plain,
     .toYccRow = To_Ycc_Row_Plain,
     .downsampleRow = Downsample_Row_Plain,
@@ -22,15 +27,19 @@ static constexpr Kernels plainKernels = {
 #if defined(__i386__) || defined(__x86_64__)
 
 static void Overlay_Sse2(Kernels* record) {
-  record->unstuff = Unstuff_Sse2;
-  record->decodeStrip = Decode_Strip_Sse2;
-  record->transformStrip = Transform_Strip_Sse2;
+  Overlay_Convert_Sse2(record);
+  Overlay_Dither_Sse2(record);
+  Overlay_Unstuff_Sse2(record);
+  Overlay_Entropy_Sse2(record);
+  Overlay_Strip_Transform_Sse2(record);
 }
 
 static void Overlay_Avx2(Kernels* record) {
-  record->unstuff = Unstuff_Avx2;
-  record->decodeStrip = Decode_Strip_Avx2;
-  record->transformStrip = Transform_Strip_Avx2;
+  Overlay_Convert_Avx2(record);
+  Overlay_Dither_Avx2(record);
+  Overlay_Unstuff_Avx2(record);
+  Overlay_Entropy_Avx2(record);
+  Overlay_Strip_Transform_Avx2(record);
 }
 
 Kernels Kernels_Select(uint32_t mask) {

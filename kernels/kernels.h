@@ -181,6 +181,9 @@ struct Kernels {
   ConvertRowsKernel toRgb32;    ///< B, G, R, 0.
   ConvertRowsKernel toRgb565;   ///< Little-endian words.
   ConvertRowsKernel toRgb555;
+  ConvertRowsKernel toRgb24Stream;  ///< As toRgb24, past the cache where the rows' addresses allow it.
+  ConvertRowsKernel toRgb32Stream;
+  void (*endStream)();  ///< Called behind the last of those: from then on other threads can be told of the pixels.
   DitherRowKernel ditherRow;
   ToYccRowKernel toYccRow;
   DownsampleRowKernel downsampleRow;
@@ -219,11 +222,14 @@ void Downsample_Row_Plain(const uint8_t* upper, const uint8_t* lower, uint8_t* o
                           int32_t oddBias);
 void Forward_Row_Plain(uint8_t* const* rows, int32_t count, const int16_t* forward, const int16_t* inverse, int32_t* blocks);
 
-size_t Unstuff_Sse2(const uint8_t* data, size_t count, uint8_t* out);
-size_t Unstuff_Avx2(const uint8_t* data, size_t count, uint8_t* out);
-void Decode_Strip_Sse2(StripReader* reader, const StripTables* tables, int16_t* blocks, StripReach* reach, int32_t macroblocks);
-void Decode_Strip_Avx2(StripReader* reader, const StripTables* tables, int16_t* blocks, StripReach* reach, int32_t macroblocks);
-void Transform_Strip_Sse2(int16_t* blocks, const StripReach* reach, int32_t macroblocks, const StripQuant* luma,
-                          const StripQuant* chroma, const uint8_t* rangeLimit, int32_t* predictors, uint8_t* const* rows);
-void Transform_Strip_Avx2(int16_t* blocks, const StripReach* reach, int32_t macroblocks, const StripQuant* luma,
-                          const StripQuant* chroma, const uint8_t* rangeLimit, int32_t* predictors, uint8_t* const* rows);
+/** Put a subject's kernels of a level into a record. */
+void Overlay_Convert_Sse2(Kernels* record);
+void Overlay_Convert_Avx2(Kernels* record);
+void Overlay_Dither_Sse2(Kernels* record);
+void Overlay_Dither_Avx2(Kernels* record);
+void Overlay_Unstuff_Sse2(Kernels* record);
+void Overlay_Unstuff_Avx2(Kernels* record);
+void Overlay_Entropy_Sse2(Kernels* record);
+void Overlay_Entropy_Avx2(Kernels* record);
+void Overlay_Strip_Transform_Sse2(Kernels* record);
+void Overlay_Strip_Transform_Avx2(Kernels* record);

@@ -296,8 +296,8 @@ INLINE void Transform_Kind(const Kind* kind, const Classes* classes, Pairs all, 
   Full_Pairs(kind, (sure & classes->notNarrow) | (unsure ? Wide_Pairs(kind, unsure) : 0), put);
 }
 
-void Transform_Strip_Avx2(int16_t* blocks, const StripReach* reach, int32_t macroblocks, const StripQuant* luma,
-                          const StripQuant* chroma, const uint8_t*, int32_t* predictors, uint8_t* const* rows) {
+static void Transform_Strip(int16_t* blocks, const StripReach* reach, int32_t macroblocks, const StripQuant* luma,
+                            const StripQuant* chroma, const uint8_t*, int32_t* predictors, uint8_t* const* rows) {
   int32_t dc[6 * StripMacroblocks];
   Sum_Dc(blocks, macroblocks, predictors, dc);
   const Pairs all = ((Pairs)1 << (3 * macroblocks)) - 1;
@@ -306,3 +306,5 @@ void Transform_Strip_Avx2(int16_t* blocks, const StripReach* reach, int32_t macr
   Transform_Kind(&lumaKind, &classes, all & ~ChromaPairs, Put_Luma);
   Transform_Kind(&chromaKind, &classes, all & ChromaPairs, Put_Chroma);
 }
+
+void Overlay_Strip_Transform_Avx2(Kernels* record) { record->transformStrip = Transform_Strip; }

@@ -92,8 +92,8 @@ static void Transform_Block(int16_t* block, StripProgress progress, int32_t dc, 
   }
 }
 
-void Transform_Strip_Sse2(int16_t* blocks, const StripReach* reach, int32_t macroblocks, const StripQuant* luma,
-                          const StripQuant* chroma, const uint8_t* rangeLimit, int32_t* predictors, uint8_t* const* rows) {
+static void Transform_Strip(int16_t* blocks, const StripReach* reach, int32_t macroblocks, const StripQuant* luma,
+                            const StripQuant* chroma, const uint8_t* rangeLimit, int32_t* predictors, uint8_t* const* rows) {
   int32_t dc[6 * StripMacroblocks];
   Sum_Dc(blocks, macroblocks, predictors, dc);
   for (int32_t m = 0; m < macroblocks; ++m) {
@@ -106,3 +106,5 @@ void Transform_Strip_Sse2(int16_t* blocks, const StripReach* reach, int32_t macr
     }
   }
 }
+
+void Overlay_Strip_Transform_Sse2(Kernels* record) { record->transformStrip = Transform_Strip; }

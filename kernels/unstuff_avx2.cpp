@@ -12,4 +12,4 @@ static uint32_t Copy_Wide(const uint8_t* data, uint8_t* out) {
 
 #include "kernels/unstuff_body.h"
 
-size_t Unstuff_Avx2(const uint8_t* data, size_t count, uint8_t* out) { return Unstuff(data, count, out); }
+void Overlay_Unstuff_Avx2(Kernels* record) { record->unstuff = Unstuff; }
