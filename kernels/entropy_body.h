@@ -63,15 +63,13 @@ __attribute__((noinline)) static uint32_t Careful_Symbol(const StripReader* read
 
 static void Decode_Strip(StripReader* reader, const StripTables* tables, int16_t* blocks, StripReach* reach,
                          int32_t macroblocks) {
-  // A shorter strip is the end of a full one.
-  const size_t start = (size_t)(6 * (StripMacroblocks - macroblocks)), stop = 6 * StripMacroblocks;
-  blocks -= tables->offsets[start];
-  StripProgress* const ends = reach->blocks - start;
+  // For a shorter strip the end of a full one's sequence.
+  const uint8_t* const* const sequence = tables->sequence + (ptrdiff_t)2 * 6 * (StripMacroblocks - macroblocks);
+  const size_t stop = (size_t)(6 * macroblocks), end = reader->end;
   const uint8_t* const data = reader->data;
-  const size_t end = reader->end;
-  size_t position = reader->position, b = start;
+  size_t position = reader->position, b = 0;
   StripProgress progress = 0;
-  const uint8_t* table = tables->sequence[2 * start];
+  const uint8_t* table = sequence[0];
 
   for (;;) {
     if (position > end) position = end;
@@ -81,18 +79,18 @@ static void Decode_Strip(StripReader* reader, const StripTables* tables, int16_t
     do {
       const size_t index = window >> (WindowBits - StripLookupBits);
       const uint32_t step = table[index];
-      const StripSymbols* const symbols = &tables->symbols[0][(size_t)(table - tables->steps[0]) + index];
+      const StripSymbols* const symbols = &tables->symbols[(size_t)(table - tables->steps) + index];
       const StripProgress next = progress + symbols->progress;
       if (next & StripPastEnd) break;
       const uint8_t* const places = tables->places + (progress & 0xFF);
       int16_t* const block = blocks + tables->offsets[b];
       block[places[symbols->positions[0]]] = symbols->values[0];
       block[places[symbols->positions[1]]] = symbols->values[1];
-      ends[b] = next;
+      reach->blocks[b] = next;
       window <<= step & 63;
       used += step;
-      const uint8_t* const same = tables->sequence[2 * b + 1];
-      const uint8_t* const other = tables->sequence[2 * b + 2];
+      const uint8_t* const same = sequence[2 * b + 1];
+      const uint8_t* const other = sequence[2 * b + 2];
       table = __builtin_expect_with_probability((step & StepEnd) != 0, 1, 0.5) ? other : same;
       const uint32_t ended = step / StepEnd;
       progress = next & (ended - 1);
@@ -104,9 +102,9 @@ static void Decode_Strip(StripReader* reader, const StripTables* tables, int16_t
     if (b == stop) break;
     const uint32_t step = Careful_Symbol(reader, position, tables, b % 6 < 4, &progress, blocks + tables->offsets[b]);
     position += step & 63;
-    ends[b] = progress;
+    reach->blocks[b] = progress;
     const uint32_t ended = step / StepEnd;
-    table = tables->sequence[2 * b + 1 + ended];
+    table = sequence[2 * b + 1 + ended];
     progress &= ended - 1;
     b += ended;
   }
