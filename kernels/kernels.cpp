@@ -14,13 +14,21 @@ static constexpr Kernels plainKernels = {
     .toYccRow = To_Ycc_Row_Plain,
     .downsampleRow = Downsample_Row_Plain,
     .forwardRow = Forward_Row_Plain,
+    .toPlanes = nullptr,
+    .encodeRow = nullptr,
 };
 
 #if defined(__i386__) || defined(__x86_64__)
 
-static void Overlay_Sse2([[maybe_unused]] Kernels* record) {}
+static void Overlay_Sse2(Kernels* record) {
+  record->toPlanes = To_Planes_Sse2;
+  record->encodeRow = Encode_Row_Sse2;
+}
 
-static void Overlay_Avx2([[maybe_unused]] Kernels* record) {}
+static void Overlay_Avx2(Kernels* record) {
+  record->toPlanes = To_Planes_Avx2;
+  record->encodeRow = Encode_Row_Avx2;
+}
 
 Kernels Kernels_Select(uint32_t mask) {
   Kernels record = plainKernels;

@@ -85,6 +85,51 @@ using DownsampleRowKernel = void (*)(const uint8_t* upper, const uint8_t* lower,
 using ForwardRowKernel = void (*)(uint8_t* const* rows, int32_t count, const int16_t* forward, const int16_t* inverse,
                                   int32_t* blocks);
 
+/** From pixels to 4:2:0 planes: two rows of `count` pixels become as many samples of luma each, and count / 2 of Cb and Cr; these
+ *  are averages as of DownsampleRowKernel, of samples rounded one by one. */
+using ToPlanesKernel = void (*)(const uint8_t* upper, const uint8_t* lower, uint8_t* yUpper, uint8_t* yLower, uint8_t* cb,
+                                uint8_t* cr, int32_t count, int32_t evenBias, int32_t oddBias);
+
+/** One Huffman code by symbol. */
+struct JdecHuffEncode {
+  uint32_t code[256];
+  int8_t size[256];  ///< Bits of the code, 1 to 16; 0 for a symbol without one.
+};
+
+/** Furthest that a DC level may be from the one before. */
+constexpr int32_t HuffDcReach = 2048;
+
+/** What the encoding of a component's blocks reads. An entry holds the bits to write, at most 24, and in its low byte their number;
+ *  it is 0 where the code by symbol has to be taken. */
+struct HuffEncodeTables {
+  const uint32_t* dc;  ///< By difference plus HuffDcReach.
+  const uint32_t* ac;  ///< By distance from the last level, 1 to 16, and level as a byte. The first is the end of block.
+  const JdecHuffEncode *dcCode, *acCode;
+  /** By row of a block and which of its 8 levels are not 0: the same by scan position. */
+  const uint64_t (*scanMasks)[256];
+};
+
+/** A row of macroblocks to encode: 16 rows of luma, 8 of Cb and Cr each, and for luma and chroma what ForwardRowKernel takes. */
+struct EncodeSource {
+  uint8_t* const *y, *const *cb, *const *cr;
+  const int16_t *lumaForward, *lumaInverse, *chromaForward, *chromaInverse;
+};
+
+/** Writer of entropy-coded bytes. */
+struct HuffWriter {
+  uint8_t* next;          ///< Where the next byte goes.
+  uint8_t* end;           ///< One past the last that may be written.
+  uint64_t bits;          ///< Bits that are no whole byte yet, newest in the low bits; what is above them has no meaning.
+  int32_t bitCount;       ///< How many: 0 to 7.
+  int32_t predictors[3];  ///< DC levels of luma, Cb and Cr so far.
+};
+
+/** Encodes `columns` macroblocks, from samples to bytes with their stuffing: forward transform and quantisation as of
+ *  ForwardRowKernel, then Huffman coding. tables: of luma, of chroma. Gives 1; or 0, with the writer spoilt, when the bytes would
+ *  pass the writer's end. */
+using EncodeRowKernel = int32_t (*)(const HuffEncodeTables* tables, const EncodeSource* source, int32_t columns,
+                                    HuffWriter* writer);
+
 struct Kernels {
   DecodeRowKernel decodeRow;
   IdctRowKernel idctRow;
@@ -97,6 +142,8 @@ struct Kernels {
   ToYccRowKernel toYccRow;
   DownsampleRowKernel downsampleRow;
   ForwardRowKernel forwardRow;
+  ToPlanesKernel toPlanes;    ///< This and the next are the encoder's fast road; null at the plain level, which has none.
+  EncodeRowKernel encodeRow;
 };
 
 /** Levels, to be combined into a mask. Plain needs no bit. */
@@ -127,3 +174,10 @@ void To_Ycc_Row_Plain(const int32_t* rgbYcc, const uint8_t* pixels, uint8_t* y, 
 void Downsample_Row_Plain(const uint8_t* upper, const uint8_t* lower, uint8_t* out, int32_t pairs, int32_t evenBias,
                           int32_t oddBias);
 void Forward_Row_Plain(uint8_t* const* rows, int32_t count, const int16_t* forward, const int16_t* inverse, int32_t* blocks);
+
+void To_Planes_Sse2(const uint8_t* upper, const uint8_t* lower, uint8_t* yUpper, uint8_t* yLower, uint8_t* cb, uint8_t* cr,
+                    int32_t count, int32_t evenBias, int32_t oddBias);
+void To_Planes_Avx2(const uint8_t* upper, const uint8_t* lower, uint8_t* yUpper, uint8_t* yLower, uint8_t* cb, uint8_t* cr,
+                    int32_t count, int32_t evenBias, int32_t oddBias);
+int32_t Encode_Row_Sse2(const HuffEncodeTables* tables, const EncodeSource* source, int32_t columns, HuffWriter* writer);
+int32_t Encode_Row_Avx2(const HuffEncodeTables* tables, const EncodeSource* source, int32_t columns, HuffWriter* writer);

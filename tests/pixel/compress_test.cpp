@@ -1,4 +1,5 @@
 // What the encoder writes, read by the decoder and by djpeg.
+#include "pixel/compress.h"
 #include "support/djpeg.h"
 
 namespace {
@@ -34,6 +35,7 @@ TEST_F(LibraryTest, WhatIsCompressedComesBack) {
     EXPECT_EQ(Saved(encoder.get()), jfif);
     for (const Bytes& frame : {jfif, compact}) {
       EXPECT_EQ(Push(decoder.get(), frame), (int32_t)frame.size());
+      Codec_Transform_RGB888(encoder->codec, given, pixels.data(), false);
       const JdecCodec &in = *encoder->codec, &out = *decoder->codec;
       for (int32_t r = 0; r < height / 16 * 2; ++r) {
         const int32_t units = width / 16 * 64;

@@ -1,0 +1,108 @@
+/* Pixels to 4:2:0 planes, 16 of each row at a time. A pixel is a sum of two pairs of products: blue and red, green and a constant
+ * that brings the rounding half along. */
+#include "kernels/kernels.h"
+
+#include <emmintrin.h>
+
+namespace {
+
+/** Every second of eight pixels. */
+struct Four {
+  __m128i blueRed;
+  __m128i green;  ///< With -32768 beside it.
+};
+
+struct Eight {
+  Four even, odd;
+};
+
+}  // namespace
+
+static inline Four Split_Four(__m128i pixels) {
+  const __m128i green = _mm_and_si128(_mm_srli_epi32(pixels, 8), _mm_set1_epi32(0xFF));
+  return {_mm_and_si128(pixels, _mm_set1_epi32(0xFF00FF)), _mm_or_si128(green, _mm_set1_epi32((int)0x80000000))};
+}
+
+static inline __m128i Load_Two(const uint8_t* low, const uint8_t* high) {
+  const __m128i lower = _mm_loadl_epi64((const __m128i*)low);
+  return _mm_castpd_si128(_mm_loadh_pd(_mm_castsi128_pd(lower), (const double*)high));
+}
+
+static inline __m128i First_Of_Each(__m128i a, __m128i b) {
+  return _mm_castps_si128(_mm_shuffle_ps(_mm_castsi128_ps(a), _mm_castsi128_ps(b), 0x88));
+}
+
+/** Each half of the two begins with the next two pixels. */
+static inline Eight Split_Eight(__m128i a, __m128i b) {
+  return {Split_Four(First_Of_Each(a, b)), Split_Four(First_Of_Each(_mm_srli_epi64(a, 24), _mm_srli_epi64(b, 24)))};
+}
+
+static inline Eight Load_Eight(const uint8_t* pixels) {
+  return Split_Eight(Load_Two(pixels, pixels + 6), Load_Two(pixels + 12, pixels + 18));
+}
+
+/** Reads no byte behind the pixels. */
+static inline Eight Load_Last_Eight(const uint8_t* pixels) {
+  const __m128i last = _mm_srli_epi64(_mm_loadl_epi64((const __m128i*)(pixels + 16)), 16);
+  return Split_Eight(Load_Two(pixels, pixels + 6), _mm_unpacklo_epi64(_mm_loadl_epi64((const __m128i*)(pixels + 12)), last));
+}
+
+static inline __m128i Factors(int low, int high) { return _mm_set1_epi32((int)((uint32_t)high << 16 | (low & 0xFFFF))); }
+
+static inline __m128i Weighted(const Four& four, __m128i blueRed, __m128i green) {
+  return _mm_add_epi32(_mm_madd_epi16(four.blueRed, blueRed), _mm_madd_epi16(four.green, green));
+}
+
+static inline __m128i Luma(const Eight& pixels) {
+  // Green's factor is 65536 too small, which the upper half makes good by adding green itself.
+  const __m128i blueRed = Factors(7471, 19595), green = Factors(38470 - 65536, -1), upper = _mm_set1_epi32((int)0xFFFF0000);
+  const __m128i even = _mm_srli_epi32(Weighted(pixels.even, blueRed, green), 16);
+  const __m128i odd = _mm_and_si128(Weighted(pixels.odd, blueRed, green), upper);
+  const __m128i greens = _mm_or_si128(_mm_and_si128(pixels.even.green, _mm_set1_epi32(0xFF)), _mm_slli_epi32(pixels.odd.green, 16));
+  return _mm_add_epi16(_mm_or_si128(even, odd), greens);
+}
+
+/** Sums of the upper halves of two neighbours each. */
+static inline __m128i Upper_Halves(const Eight& pixels, __m128i blueRed, __m128i green) {
+  return _mm_add_epi32(_mm_srai_epi32(Weighted(pixels.even, blueRed, green), 16),
+                       _mm_srai_epi32(Weighted(pixels.odd, blueRed, green), 16));
+}
+
+/** What Cb and Cr lack to 127, as sums of two neighbours each. */
+static inline __m128i Blue_Chroma(const Eight& pixels) {
+  return Upper_Halves(pixels, Factors(-32768, 11059), Factors(21709, 1));
+}
+static inline __m128i Red_Chroma(const Eight& pixels) {
+  return Upper_Halves(pixels, Factors(5329, -32768), Factors(27439, 1));
+}
+
+enum { Step = 16 };
+typedef __m128i Bias;
+
+static inline Bias Bias_Of(int32_t even, int32_t odd) { return _mm_set1_epi32((4 * 127 + odd) << 16 | (4 * 127 + even)); }
+
+/** Averages of four from the sums of two in two rows: a and c, b and d. */
+static inline __m128i Average(__m128i a, __m128i b, __m128i c, __m128i d, Bias bias) {
+  return _mm_srli_epi16(_mm_sub_epi16(bias, _mm_packs_epi32(_mm_add_epi32(a, c), _mm_add_epi32(b, d))), 2);
+}
+
+static inline void Convert_Step(const uint8_t* upper, const uint8_t* lower, uint8_t* yUpper, uint8_t* yLower, uint8_t* cb,
+                                uint8_t* cr, Bias bias) {
+  const Eight a = Load_Eight(upper), b = Load_Last_Eight(upper + 24);
+  _mm_storeu_si128((__m128i*)yUpper, _mm_packus_epi16(Luma(a), Luma(b)));
+  const __m128i blueA = Blue_Chroma(a), blueB = Blue_Chroma(b), redA = Red_Chroma(a), redB = Red_Chroma(b);
+  const Eight c = Load_Eight(lower), d = Load_Last_Eight(lower + 24);
+  _mm_storeu_si128((__m128i*)yLower, _mm_packus_epi16(Luma(c), Luma(d)));
+  const __m128i blue = Average(blueA, blueB, Blue_Chroma(c), Blue_Chroma(d), bias);
+  const __m128i red = Average(redA, redB, Red_Chroma(c), Red_Chroma(d), bias);
+  const __m128i packed = _mm_packus_epi16(blue, red);
+  _mm_storel_epi64((__m128i*)cb, packed);
+  _mm_storel_epi64((__m128i*)cr, _mm_unpackhi_epi64(packed, packed));
+}
+
+#include "kernels/to_planes_body.h"
+
+void To_Planes_Sse2(const uint8_t* upper, const uint8_t* lower, uint8_t* yUpper, uint8_t* yLower, uint8_t* cb, uint8_t* cr,
+                    int32_t count, int32_t evenBias, int32_t oddBias) {
+  Convert_Rows(upper, lower, yUpper, yLower, cb, cr, count, evenBias, oddBias);
+}

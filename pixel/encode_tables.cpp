@@ -1,0 +1,68 @@
+#include "pixel/encode_tables.h"
+
+#include "decode/huffman_tables.h"
+
+#include <array>
+#include <bit>
+
+namespace {
+
+JdecHuffEncode Huff_Build_Encode_Table(const HuffCode& huffCode) {
+  JdecHuffEncode table{};
+  uint32_t code = 0;
+  size_t next = 0;
+  for (int8_t length = 1; length <= 16; ++length, code <<= 1) {
+    for (uint32_t n = huffCode.bits[length - 1]; n > 0; --n) {
+      const uint8_t symbol = huffCode.values[next++];
+      table.code[symbol] = code++;
+      table.size[symbol] = length;
+    }
+  }
+  return table;
+}
+
+/** A code with the low bits of its value behind it. */
+uint32_t Entry(const JdecHuffEncode& code, int32_t run, int32_t value) {
+  const int32_t size = std::bit_width(static_cast<uint32_t>(value < 0 ? -value : value)), symbol = run * 16 + size;
+  const uint32_t low = static_cast<uint32_t>(value < 0 ? value - 1 : value) & ((1u << size) - 1);
+  return (code.code[symbol] << size | low) << 8 | static_cast<uint32_t>(code.size[symbol] + size);
+}
+
+struct EntryStore {
+  uint32_t dc[2 * HuffDcReach], ac[17][256];
+
+  EntryStore(const JdecHuffEncode& dcCode, const JdecHuffEncode& acCode) : dc{}, ac{} {
+    for (int32_t d = 1 - HuffDcReach; d < HuffDcReach; ++d) dc[d + HuffDcReach] = Entry(dcCode, 0, d);
+    // A byte of 127 or -128 may stand for any larger level.
+    for (int32_t distance = 1; distance <= 16; ++distance) {
+      for (int32_t level = -127; level < 127; ++level) {
+        if (level != 0) ac[distance][static_cast<uint8_t>(level)] = Entry(acCode, distance - 1, level);
+      }
+    }
+    ac[0][0] = Entry(acCode, 0, 0);
+  }
+};
+
+using ScanMasks = std::array<uint64_t[256], 8>;
+
+ScanMasks Build_Scan_Masks() {
+  ScanMasks masks{};
+  for (int32_t k = 0; k < 64; ++k) {
+    const int32_t row = zigzagOrder[k] / 8, column = zigzagOrder[k] % 8;
+    for (uint32_t levels = 0; levels < 256; ++levels) {
+      masks[static_cast<size_t>(row)][levels] |= static_cast<uint64_t>(levels >> column & 1) << k;
+    }
+  }
+  return masks;
+}
+
+const JdecHuffEncode lumaDc = Huff_Build_Encode_Table(dcLumaCode), lumaAc = Huff_Build_Encode_Table(acLumaCode),
+                     chromaDc = Huff_Build_Encode_Table(dcChromaCode), chromaAc = Huff_Build_Encode_Table(acChromaCode);
+const EntryStore lumaEntries(lumaDc, lumaAc), chromaEntries(chromaDc, chromaAc);
+const ScanMasks scanMasks = Build_Scan_Masks();
+
+}  // namespace
+
+const HuffEncodeTables huffEncodeTables[2] = {
+    {lumaEntries.dc, lumaEntries.ac[0], &lumaDc, &lumaAc, scanMasks.data()},
+    {chromaEntries.dc, chromaEntries.ac[0], &chromaDc, &chromaAc, scanMasks.data()}};
