@@ -23,15 +23,19 @@ static T* Carve(uint8_t** arena, size_t count) {
   return static_cast<T*>(Arena_Alloc(count * sizeof(T), arena));
 }
 
+/** The pixels of a raster start at a multiple of this: kernels write them by vectors. */
+static constexpr size_t CacheLine = 64;
+
 static size_t Size(int32_t n) { return static_cast<size_t>(n); }
 
 JdecRaster* Raster_New(int32_t width, int32_t height, int32_t bitsPerPixel) {
   const int32_t pitch = bitsPerPixel / 8 * width;
-  const size_t size = sizeof(JdecRaster) + Size(height) * (sizeof(uint8_t*) + Size(pitch));
+  const size_t size = sizeof(JdecRaster) + Size(height) * (sizeof(uint8_t*) + Size(pitch)) + CacheLine;
   auto* arena = static_cast<uint8_t*>(Arena_Alloc_Zeroed(size));
   if (!arena) return nullptr;
   auto* const raster = Carve<JdecRaster>(&arena, 1);
   *raster = {width, height, bitsPerPixel, pitch, Carve<uint8_t*>(&arena, Size(height))};
+  arena += (CacheLine - reinterpret_cast<uintptr_t>(arena) % CacheLine) % CacheLine;
   for (int32_t i = height - 1; i >= 0; --i) raster->rows[i] = Carve<uint8_t>(&arena, Size(pitch));
   return raster;
 }

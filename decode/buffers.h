@@ -14,7 +14,8 @@ void* Arena_Alloc_Zeroed(size_t size);
 /** Frees a block from the heap. Null is allowed. */
 void Arena_Free(void* block);
 
-/** Makes a zero-filled raster; bitsPerPixel a multiple of 8. Gives null when memory can't be had. Freed by Arena_Free. */
+/** Makes a zero-filled raster, its pixels at a multiple of 64 bytes; bitsPerPixel a multiple of 8. Gives null when memory can't
+ * be had. Freed by Arena_Free. */
 JdecRaster* Raster_New(int32_t width, int32_t height, int32_t bitsPerPixel);
 
 /** Makes planes of undefined content. Factors 4, 4: chroma of full size; 4, 1: of half width and height. Gives null when memory

@@ -5,6 +5,7 @@
 #include "decode/frame.h"
 #include "decode/huffman_tables.h"
 #include "decode/quant.h"
+#include "decode/rows.h"
 #include "display/context.h"
 #include "kernels/cpu.h"
 #include "pixel/color_tables.h"
@@ -83,9 +84,10 @@ JdecCodec* Codec_New(int32_t width, int32_t height) {
   codec->coefCb = Coef_Plane_New(width / 2, height / 2);
   codec->coefCr = Coef_Plane_New(width / 2, height / 2);
   codec->frame = Frame_Buffer_New();
+  codec->rows = Row_Store_New();
   const bool complete = codec->lumaQuant && codec->chromaQuant && codec->lumaForward && codec->chromaForward &&
                         codec->lumaInverse && codec->chromaInverse && codec->coefY && codec->coefCb && codec->coefCr &&
-                        codec->frame && codec->frame->data;
+                        codec->frame && codec->frame->data && codec->rows;
   if (complete) return codec;
   Codec_Free(codec);
   return nullptr;
@@ -95,6 +97,7 @@ void Codec_Free(JdecCodec* codec) {
   if (!codec) return;
   if (codec->frame) Arena_Free(codec->frame->data);
   Arena_Free(codec->frame);
+  Row_Store_Free(codec->rows);
   Coef_Plane_Free(codec->coefY);
   Coef_Plane_Free(codec->coefCb);
   Coef_Plane_Free(codec->coefCr);
@@ -116,6 +119,7 @@ void Codec_Set_Quality(JdecCodec* codec, int32_t quality) {
   Quant_Build_Forward(codec->chromaForward, codec->chromaQuant, scaleBits);
   Quant_Build_Inverse(codec->lumaInverse, codec->lumaQuant, scaleBits);
   Quant_Build_Inverse(codec->chromaInverse, codec->chromaQuant, scaleBits);
+  Row_Store_Set_Tables(codec->rows, codec->lumaInverse, codec->chromaInverse);
 }
 
 /** Gives the decoder all that it owns, which Decoder_Release can take back however far this came. 0 when something can't be had.

@@ -11,6 +11,7 @@
 #include <cstdint>
 
 struct JdecDisplay;      // display/context.h
+struct RowStore;         // decode/rows.h
 struct JdecSpeedHolder;  // api/speed.h
 struct NPStream;         // the browser's records
 struct NPInstance;
@@ -77,6 +78,7 @@ struct JdecCodec {
   int32_t writeCount;
   uint8_t* streamPtr;   ///< Where the entropy decoder stands in frame->data.
   int32_t streamCount;  ///< Bytes taken from it.
+  RowStore* rows;       ///< Work store of the fast road, owned.
 };
 
 struct JdecDecoder {

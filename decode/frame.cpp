@@ -3,6 +3,7 @@
 #include "decode/framing.h"
 #include "decode/huffman_decode.h"
 #include "decode/idct.h"
+#include "decode/rows.h"
 #include "decode/watermark.h"
 #include "display/present.h"
 #include "pixel/convert.h"
@@ -35,14 +36,49 @@ static void Transform_Planes(const JdecCodec* codec, int32_t width, int32_t heig
   IDCT_Plane(planes->cbRows, codec->coefCb, width / 2, height / 2, codec->chromaInverse);
 }
 
-/** From the planes to the window. */
-static void Show_Planes(JdecDecoder* decoder) {
+/** Where samples are to go. */
+struct Conversion {
+  const JdecPlanes* planes;
+  JdecRaster* raster;
+  int32_t format;  ///< -1: nowhere.
+  int32_t ditherMode;
+  RasterUse use;
+};
+
+/** The conversion for the decoder's window. */
+static Conversion For_Window(const JdecDecoder* decoder) {
   const JdecCodec* const codec = decoder->codec;
   RECT client = {};
   GetClientRect(decoder->display->window, &client);
   const DitherMode mode = client.right - client.left < decoder->width ? DitherShrink : DitherNormal;
-  Convert_Planes(decoder->display->pixelFormat, codec->planes, codec->raster, mode);
-  Display_Present(decoder->display, codec->raster, 0, 0, decoder->width, decoder->height, decoder->mdMode);
+  return {codec->planes, codec->raster, decoder->display->pixelFormat, mode, RasterRead};
+}
+
+static Conversion For_Frame(const JdecDecoder* decoder, int32_t draw) {
+  const JdecCodec* const codec = decoder->codec;
+  if (decoder->headless) return {codec->planes, codec->raster, PixelRgb24, DitherNormal, RasterLeft};
+  if (draw && decoder->display) return For_Window(decoder);
+  return {codec->planes, codec->raster, -1, DitherNormal, RasterLeft};
+}
+
+static void Convert_Rows_Of(void* user, int32_t firstPair, int32_t pairs) {
+  const auto* const to = static_cast<const Conversion*>(user);
+  if (to->format >= 0) Convert_Plane_Rows(to->format, to->planes, to->raster, to->ditherMode, to->use, firstPair, pairs);
+}
+
+static void Present(JdecDecoder* decoder) {
+  Display_Present(decoder->display, decoder->codec->raster, 0, 0, decoder->width, decoder->height, decoder->mdMode);
+}
+
+/** From bytes to the raster, by the road that the kernels have. */
+static void Decode_Picture(JdecCodec* codec, Conversion to) {
+  if (Rows_Available()) {
+    Decode_Rows(codec, {Convert_Rows_Of, &to});
+    return;
+  }
+  Huff_Decode_Frame(codec, codec->coefY, codec->coefCb, codec->coefCr, codec->width, codec->height, codec->frame);
+  Transform_Planes(codec, codec->width, codec->height);
+  if (to.format >= 0) Convert_Planes(to.format, to.planes, to.raster, to.ditherMode);
 }
 
 /** Reads the head and brings the decoder to the size that it tells. 0, with the decoder as it was, for a frame that can't be
@@ -64,31 +100,28 @@ int32_t Decode_Frame(JdecDecoder* decoder, int32_t isJfif, int32_t draw) {
   JdecCodec* const codec = decoder->codec;
   Codec_Set_Quality(codec, head.quality);
   codec->frame->position += head.dataOffset;
-
-  Huff_Decode_Frame(codec, codec->coefY, codec->coefCb, codec->coefCr, head.width, head.height, codec->frame);
-  Transform_Planes(codec, head.width, head.height);
-  if (decoder->headless) {
-    YCC_To_RGB24(codec->planes, codec->raster);
-    return 1;
-  }
-  if (!draw) return 1;
+  Decode_Picture(codec, For_Frame(decoder, draw));
+  if (decoder->headless || !draw) return 1;
   if (!decoder->display) {
     OutputDebugStringA("jdec, decompress, DDRAW=NULL!!\n");
     return 0;
   }
-  Show_Planes(decoder);
+  Present(decoder);
   return 1;
 }
 
 void Redraw_Frame(JdecDecoder* decoder) {
-  if (decoder->display && !decoder->headless) Show_Planes(decoder);
+  if (!decoder->display || decoder->headless) return;
+  const Conversion to = For_Window(decoder);
+  Convert_Planes(to.format, to.planes, to.raster, to.ditherMode);
+  Present(decoder);
 }
 
 int32_t* VELARTO_CDECL JDEC_Access_SrcRect(JdecDecoder* decoder, const int32_t* rect) {
   if (!decoder || !rect) return nullptr;
   SetRect(&decoder->srcRect, rect[0], rect[1], rect[2], rect[3]);
   if (decoder->display && !decoder->headless) {
-    Display_Present(decoder->display, decoder->codec->raster, 0, 0, decoder->width, decoder->height, decoder->mdMode);
+    Present(decoder);
   }
   return reinterpret_cast<int32_t*>(&decoder->srcRect);
 }

@@ -20,7 +20,9 @@ static inline Words Top_Bit(Words a) { return _mm256_srli_epi16(a, 15); }
 static inline Words Halved(Words a) { return _mm256_srai_epi16(a, 1); }
 static inline Words Size_Of(Words a) { return _mm256_abs_epi16(a); }
 static inline Words With_Sign(Words size, Words a) { return _mm256_sign_epi16(size, a); }
-static inline Words Zero_Below(Words a, Words size, Words least) { return _mm256_andnot_si256(_mm256_cmpgt_epi16(least, size), a); }
+static inline Words Zero_Below(Words a, Words size, Words least) {
+  return _mm256_andnot_si256(_mm256_cmpgt_epi16(least, size), a);
+}
 
 static inline void Transpose(const Words* x, int16_t (*to)[Lanes][8]) {
   const Words a0 = _mm256_unpacklo_epi16(x[0], x[1]), a1 = _mm256_unpackhi_epi16(x[0], x[1]);
@@ -60,7 +62,9 @@ static inline uint32_t Copy_And_Find(const uint8_t* from, uint8_t* to) {
 
 #include "kernels/encode_body.h"
 
-static inline __m256i Lanes_Of(__m128i low, __m128i high) { return _mm256_inserti128_si256(_mm256_castsi128_si256(low), high, 1); }
+static inline __m256i Lanes_Of(__m128i low, __m128i high) {
+  return _mm256_inserti128_si256(_mm256_castsi128_si256(low), high, 1);
+}
 
 /** Rows i and i + 4 of two neighbours, those of the left one first. */
 static inline __m256i Load_Neighbours(uint8_t* const* rows, ptrdiff_t left) {
@@ -114,10 +118,10 @@ static void Sort_Levels(const HuffEncodeTables* tables, BlockSet* set) {
   const __m256i s0 = OR(OR(PICK(p[0], 0, 1, 8, N, 9, 2, 3, 10, N, N, N, N, N, 11, 4, 5),
                            PICK(p[1], N, N, N, 0, N, N, N, N, 1, 8, N, 9, 2, N, N, N)),
                         PICK(p[2], N, N, N, N, N, N, N, N, N, N, 0, N, N, N, N, N));
-  const __m256i s1 = OR(OR(PICK(p[0], 12, N, N, N, N, N, N, N, N, N, 13, 6, 7, 14, N, N),
-                           PICK(p[1], N, 3, 10, N, N, N, N, N, 11, 4, N, N, N, N, 5, 12)),
-                        OR(PICK(p[2], N, N, N, 1, 8, N, 9, 2, N, N, N, N, N, N, N, N),
-                           PICK(p[3], N, N, N, N, N, 0, N, N, N, N, N, N, N, N, N, N)));
+  const __m256i s1 = OR(
+      OR(PICK(p[0], 12, N, N, N, N, N, N, N, N, N, 13, 6, 7, 14, N, N),
+         PICK(p[1], N, 3, 10, N, N, N, N, N, 11, 4, N, N, N, N, 5, 12)),
+      OR(PICK(p[2], N, N, N, 1, 8, N, 9, 2, N, N, N, N, N, N, N, N), PICK(p[3], N, N, N, N, N, 0, N, N, N, N, N, N, N, N, N, N)));
   const __m256i s2 = OR(OR(PICK(p[0], N, N, N, N, N, N, N, N, N, N, 15, N, N, N, N, N),
                            PICK(p[1], N, N, N, N, N, N, N, N, 13, 6, N, 7, 14, N, N, N)),
                         OR(PICK(p[2], 3, 10, N, N, N, N, 11, 4, N, N, N, N, N, 5, 12, N),
@@ -129,6 +133,4 @@ static void Sort_Levels(const HuffEncodeTables* tables, BlockSet* set) {
   Keep_Bytes(set, 1, _mm256_permute2x128_si256(s0, s1, 0x31), _mm256_permute2x128_si256(s2, s3, 0x31));
 }
 
-int32_t Encode_Row_Avx2(const HuffEncodeTables* tables, const EncodeSource* source, int32_t columns, HuffWriter* writer) {
-  return Encode_Units(tables, source, columns, writer);
-}
+void Overlay_Encode_Avx2(Kernels* record) { record->encodeRow = Encode_Units; }

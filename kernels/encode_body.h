@@ -2,14 +2,12 @@
  * stuffing. A macroblock goes stage by stage, each a short chain that the processor can run several of at once.
  *
  * A level brings ahead of this file:
- *   Lanes, the blocks in a vector, and Words, a vector of 8 words of each, with Load_Words, Store_Words, Same_Row (one row for all
- *     blocks) and All (one number);
- *   Add, Sub, High_Product, Low_Product, Top_Bit, Halved, Size_Of, With_Sign, Zero_Below: their arithmetic, in 16 bits;
- *   Transpose: of 8x8 words of each block, registers to memory;
- *   Split_Columns: sums and differences of opposite columns, from what Load_Set left in four vectors;
- *   Byte_Index: where the level at a scan position stands among the bytes of a block;
- *   CopyWidth and Copy_And_Find: copies so many bytes and gives a mask of the 0xFF among them.
- * Behind this file it brings Load_Set and Sort_Levels. */
+ *   Lanes, the blocks in a vector, and Words, a vector of 8 words of each, with Load_Words, Store_Words, Same_Row (one row for
+ * all blocks) and All (one number); Add, Sub, High_Product, Low_Product, Top_Bit, Halved, Size_Of, With_Sign, Zero_Below: their
+ * arithmetic, in 16 bits; Transpose: of 8x8 words of each block, registers to memory; Split_Columns: sums and differences of
+ * opposite columns, from what Load_Set left in four vectors; Byte_Index: where the level at a scan position stands among the
+ * bytes of a block; CopyWidth and Copy_And_Find: copies so many bytes and gives a mask of the 0xFF among them. Behind this file
+ * it brings Load_Set and Sort_Levels. */
 
 #define INLINE static inline __attribute__((always_inline))
 

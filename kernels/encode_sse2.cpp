@@ -99,6 +99,4 @@ static void Sort_Levels(const HuffEncodeTables* tables, BlockSet* set) {
   set->nonZero[0] = nonZero;
 }
 
-int32_t Encode_Row_Sse2(const HuffEncodeTables* tables, const EncodeSource* source, int32_t columns, HuffWriter* writer) {
-  return Encode_Units(tables, source, columns, writer);
-}
+void Overlay_Encode_Sse2(Kernels* record) { record->encodeRow = Encode_Units; }

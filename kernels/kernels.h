@@ -38,6 +38,94 @@ struct HuffTables {
 /** Takes the 64 coefficients of a luma block in scan order, as the stream brought them. user: the hookUser of the call. */
 using ScanHook = void (*)(void* user, const int32_t* scan);
 
+/* The road by rows, from bytes to samples without coefficients of a whole frame: the data is freed of its stuffing once, then for
+ * each row of macroblocks one strip after the other is decoded, transformed, and cleared for the next, all in the innermost
+ * cache.
+ *
+ * A block of a strip is 64 words of 16 bits in natural order. Two blocks lie side by side, row by row: 8 words of one, 8 words of
+ * the other. A macroblock is three such pairs: upper luma, lower luma, Cb with Cr. */
+
+/** Most macroblocks of a strip. */
+static const int32_t StripMacroblocks = 16;
+/** Words of a macroblock, and of a pair of blocks in it. */
+static const int32_t StripMacroblockSize = 384, StripPairSize = 128;
+/** Bits that one step of the decoding looks up. */
+static const int32_t StripLookupBits = 11;
+/** Zero bytes that must follow data without stuffing. */
+static const int32_t StripPadding = 64;
+
+/** What the next bits stand for: at most two values and an end of block. Values go to positions counted from the block's next
+ *  scan position; where there is only one, it stands twice, where there is none, a zero goes to where nothing is yet. */
+struct StripSymbols {
+  int16_t values[2];
+  uint8_t positions[2];
+  uint16_t progress;  ///< What is to be added to the block's StripProgress.
+};
+
+/** How far a block has come, in one number: the next scan position, above it the sum of the sizes of its coefficients without DC.
+ * A position beyond the block says that the bits looked up were no whole symbol, or that the block ends among them. */
+using StripProgress = uint32_t;
+static const int32_t StripSizeShift = 8;
+static const uint32_t StripPastEnd = 0xC0;
+
+/** Of a step: bits taken (the low six), and whether the block ends. */
+static const int32_t StepEnd = 0x40;
+
+/** Tables of the fast decoding, indexed by table and the next StripLookupBits bits. Never change. */
+struct StripTables {
+  uint8_t steps[5][1 << StripLookupBits];  ///< Luma DC, luma AC, chroma DC, chroma AC; the last stops a strip.
+  StripSymbols symbols[5][1 << StripLookupBits];
+  uint8_t places[96];            ///< Scan position to word of a block; from 63 on the last one.
+  const HuffTables* symbolwise;  ///< For codes that are longer.
+  /** By block of a full strip: table of its DC value and of what follows. One more DC table stops the strip. */
+  const uint8_t* sequence[2 * (6 * StripMacroblocks + 1)];
+  uint16_t offsets[6 * StripMacroblocks + 1];  ///< By block of a full strip: its first word.
+};
+
+/** Where the decoding of a frame stands in data without stuffing, StripPadding zero bytes behind it. */
+struct StripReader {
+  const uint8_t* data;
+  size_t position, end;  ///< In bits.
+};
+
+/** How far the blocks of a strip have come in the end, six a macroblock; the positions are at least 1. */
+struct StripReach {
+  StripProgress blocks[6 * StripMacroblocks];
+};
+
+/** Blocks by the scan positions that they use: up to StripNarrow lie in the upper left quarter. */
+static const int32_t StripNarrow = 10, StripMiddle = 28;
+
+/** What the inverse transform of one component reads. */
+struct StripQuant {
+  int16_t factors[64];   ///< Dequantisation, natural order.
+  int16_t weights[64];   ///< How much a coefficient's size can matter to what is multiplied: see StripWeightLimit.
+  uint16_t narrowLimit;  ///< Up to this sum of sizes a block within StripNarrow can't pass that limit;
+  uint16_t middleLimit;  ///< one within StripMiddle.
+};
+
+/** With a weighted sum of sizes up to this a block can be transformed in 16 bits: then whatever is multiplied fits, and all else
+ *  counts modulo 2^16 alone, since the final clamp looks at no higher bit. The gains are the largest of the first pass for a
+ *  coefficient in that row, in 8 fractional bits; up to 24 can come from rounding. DC, and whatever else meets additions alone,
+ *  weighs nothing. */
+static const int32_t StripWeightLimit = 32700;
+static const int32_t StripRowGains[8] = {256, 256, 256, 302, 256, 452, 618, 1287};
+
+/** Copies entropy-coded data, without its stuffing and with StripPadding zero bytes behind it. A run of FF counts as one; FF 00
+ * is FF, any other byte behind FF stands for itself. out: room for count + 2 * StripPadding. Gives the number of bytes. */
+using UnstuffKernel = size_t (*)(const uint8_t* data, size_t count, uint8_t* out);
+
+/** Decodes up to StripMacroblocks macroblocks into blocks, which are zero; DC values are differences. reach: six a macroblock,
+ * how many scan positions a block uses, at least 1. Behind the data's end all bits are 0. */
+using DecodeStripKernel = void (*)(StripReader* reader, const StripTables* tables, int16_t* blocks, StripReach* reach,
+                                   int32_t macroblocks);
+
+/** Transforms those blocks and zeroes them. predictors: DC values of luma, Cb and Cr so far, moved on. rows: 16 of luma, 8 of Cb,
+ *  8 of Cr, of which 16 and 8 samples a macroblock are written. */
+using TransformStripKernel = void (*)(int16_t* blocks, const StripReach* reach, int32_t macroblocks, const StripQuant* luma,
+                                      const StripQuant* chroma, const uint8_t* rangeLimit, int32_t* predictors,
+                                      uint8_t* const* rows);
+
 /** What the converters read: tables that never change. */
 struct ColorTables {
   const uint8_t* rangeLimit;  ///< Clamp table, indices -256 to 1151.
@@ -96,11 +184,11 @@ struct JdecHuffEncode {
   int8_t size[256];  ///< Bits of the code, 1 to 16; 0 for a symbol without one.
 };
 
-/** Furthest that a DC level may be from the one before. */
-constexpr int32_t HuffDcReach = 2048;
+/** DC levels differ by less than this; qualities up to 90 see to it. */
+constexpr int32_t HuffDcReach = 1024;
 
-/** What the encoding of a component's blocks reads. An entry holds the bits to write, at most 24, and in its low byte their number;
- *  it is 0 where the code by symbol has to be taken. */
+/** What the encoding of a component's blocks reads. An entry holds the bits to write, at most 24, and in its low byte their
+ * number; it is 0 where the code by symbol has to be taken. */
 struct HuffEncodeTables {
   const uint32_t* dc;  ///< By difference plus HuffDcReach.
   const uint32_t* ac;  ///< By distance from the last level, 1 to 16, and level as a byte. The first is the end of block.
@@ -111,7 +199,7 @@ struct HuffEncodeTables {
 
 /** A row of macroblocks to encode: 16 rows of luma, 8 of Cb and Cr each, and for luma and chroma what ForwardRowKernel takes. */
 struct EncodeSource {
-  uint8_t* const *y, *const *cb, *const *cr;
+  uint8_t *const *y, *const *cb, *const *cr;
   const int16_t *lumaForward, *lumaInverse, *chromaForward, *chromaInverse;
 };
 
@@ -138,11 +226,17 @@ struct Kernels {
   ConvertRowsKernel toRgb32;    ///< B, G, R, 0.
   ConvertRowsKernel toRgb565;   ///< Little-endian words.
   ConvertRowsKernel toRgb555;
+  ConvertRowsKernel toRgb24Stream;  ///< As toRgb24, past the cache where the rows' addresses allow it.
+  ConvertRowsKernel toRgb32Stream;
+  void (*endStream)();  ///< Called behind the last of those: from then on other threads can be told of the pixels.
   DitherRowKernel ditherRow;
   ToYccRowKernel toYccRow;
   DownsampleRowKernel downsampleRow;
   ForwardRowKernel forwardRow;
-  ToPlanesKernel toPlanes;    ///< This and the next are the encoder's fast road; null at the plain level, which has none.
+  UnstuffKernel unstuff;  ///< This and the two below: null at the plain level, where frames take the road by whole planes.
+  DecodeStripKernel decodeStrip;
+  TransformStripKernel transformStrip;
+  ToPlanesKernel toPlanes;  ///< This and the next: null at the plain level, where pictures are compressed by whole planes.
   EncodeRowKernel encodeRow;
 };
 
@@ -175,9 +269,18 @@ void Downsample_Row_Plain(const uint8_t* upper, const uint8_t* lower, uint8_t* o
                           int32_t oddBias);
 void Forward_Row_Plain(uint8_t* const* rows, int32_t count, const int16_t* forward, const int16_t* inverse, int32_t* blocks);
 
-void To_Planes_Sse2(const uint8_t* upper, const uint8_t* lower, uint8_t* yUpper, uint8_t* yLower, uint8_t* cb, uint8_t* cr,
-                    int32_t count, int32_t evenBias, int32_t oddBias);
-void To_Planes_Avx2(const uint8_t* upper, const uint8_t* lower, uint8_t* yUpper, uint8_t* yLower, uint8_t* cb, uint8_t* cr,
-                    int32_t count, int32_t evenBias, int32_t oddBias);
-int32_t Encode_Row_Sse2(const HuffEncodeTables* tables, const EncodeSource* source, int32_t columns, HuffWriter* writer);
-int32_t Encode_Row_Avx2(const HuffEncodeTables* tables, const EncodeSource* source, int32_t columns, HuffWriter* writer);
+/** Put a subject's kernels of a level into a record. */
+void Overlay_Convert_Sse2(Kernels* record);
+void Overlay_Convert_Avx2(Kernels* record);
+void Overlay_Dither_Sse2(Kernels* record);
+void Overlay_Dither_Avx2(Kernels* record);
+void Overlay_Unstuff_Sse2(Kernels* record);
+void Overlay_Unstuff_Avx2(Kernels* record);
+void Overlay_Entropy_Sse2(Kernels* record);
+void Overlay_Entropy_Avx2(Kernels* record);
+void Overlay_Strip_Transform_Sse2(Kernels* record);
+void Overlay_Strip_Transform_Avx2(Kernels* record);
+void Overlay_To_Planes_Sse2(Kernels* record);
+void Overlay_To_Planes_Avx2(Kernels* record);
+void Overlay_Encode_Sse2(Kernels* record);
+void Overlay_Encode_Avx2(Kernels* record);

@@ -1,5 +1,5 @@
-/* Pixels to 4:2:0 planes, 32 of each row at a time. Two pixels' products stand in one sum of 32 bits: b and g, r and g; a bit that
- * is always set beside the second g brings the rounding half along. */
+/* Pixels to 4:2:0 planes, 32 of each row at a time. Two pixels' products stand in one sum of 32 bits: b and g, r and g; a bit
+ * that is always set beside the second g brings the rounding half along. */
 #include "kernels/kernels.h"
 
 #include <immintrin.h>
@@ -102,7 +102,4 @@ static inline void Convert_Step(const uint8_t* upper, const uint8_t* lower, uint
 
 #include "kernels/to_planes_body.h"
 
-void To_Planes_Avx2(const uint8_t* upper, const uint8_t* lower, uint8_t* yUpper, uint8_t* yLower, uint8_t* cb, uint8_t* cr,
-                    int32_t count, int32_t evenBias, int32_t oddBias) {
-  Convert_Rows(upper, lower, yUpper, yLower, cb, cr, count, evenBias, oddBias);
-}
+void Overlay_To_Planes_Avx2(Kernels* record) { record->toPlanes = Convert_Rows; }

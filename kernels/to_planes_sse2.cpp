@@ -58,7 +58,8 @@ static inline __m128i Luma(const Eight& pixels) {
   const __m128i blueRed = Factors(7471, 19595), green = Factors(38470 - 65536, -1), upper = _mm_set1_epi32((int)0xFFFF0000);
   const __m128i even = _mm_srli_epi32(Weighted(pixels.even, blueRed, green), 16);
   const __m128i odd = _mm_and_si128(Weighted(pixels.odd, blueRed, green), upper);
-  const __m128i greens = _mm_or_si128(_mm_and_si128(pixels.even.green, _mm_set1_epi32(0xFF)), _mm_slli_epi32(pixels.odd.green, 16));
+  const __m128i greens =
+      _mm_or_si128(_mm_and_si128(pixels.even.green, _mm_set1_epi32(0xFF)), _mm_slli_epi32(pixels.odd.green, 16));
   return _mm_add_epi16(_mm_or_si128(even, odd), greens);
 }
 
@@ -69,12 +70,8 @@ static inline __m128i Upper_Halves(const Eight& pixels, __m128i blueRed, __m128i
 }
 
 /** What Cb and Cr lack to 127, as sums of two neighbours each. */
-static inline __m128i Blue_Chroma(const Eight& pixels) {
-  return Upper_Halves(pixels, Factors(-32768, 11059), Factors(21709, 1));
-}
-static inline __m128i Red_Chroma(const Eight& pixels) {
-  return Upper_Halves(pixels, Factors(5329, -32768), Factors(27439, 1));
-}
+static inline __m128i Blue_Chroma(const Eight& pixels) { return Upper_Halves(pixels, Factors(-32768, 11059), Factors(21709, 1)); }
+static inline __m128i Red_Chroma(const Eight& pixels) { return Upper_Halves(pixels, Factors(5329, -32768), Factors(27439, 1)); }
 
 enum { Step = 16 };
 typedef __m128i Bias;
@@ -102,7 +99,4 @@ static inline void Convert_Step(const uint8_t* upper, const uint8_t* lower, uint
 
 #include "kernels/to_planes_body.h"
 
-void To_Planes_Sse2(const uint8_t* upper, const uint8_t* lower, uint8_t* yUpper, uint8_t* yLower, uint8_t* cb, uint8_t* cr,
-                    int32_t count, int32_t evenBias, int32_t oddBias) {
-  Convert_Rows(upper, lower, yUpper, yLower, cb, cr, count, evenBias, oddBias);
-}
+void Overlay_To_Planes_Sse2(Kernels* record) { record->toPlanes = Convert_Rows; }

@@ -3,9 +3,9 @@
 
 #include "decode/decoder.h"
 
-/** Brings the caller's picture (as of JDEC_Compress_RGB888) into the codec's planes and encodes it as Huff_Encode_Frame does. Needs
- *  the kernels of this road, and no memory.
+/** Brings the caller's picture (as of JDEC_Compress_RGB888) into the codec's planes and encodes it as Huff_Encode_Frame does.
+ * Needs the kernels of this road, and no memory.
  *
- *  The bytes and the planes are those of the plain road. Of the coefficient planes it fills only what no decoding clears: the luma
- *  row that lies below the last whole macroblocks. */
+ *  The bytes and the planes are those of the plain road. Of the coefficient planes it fills only what no decoding clears: the
+ * luma row that lies below the last whole macroblocks. */
 void Compress_Rows(JdecCodec* codec, const uint8_t* pixels, bool doubleRows);

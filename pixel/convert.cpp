@@ -4,31 +4,65 @@
 #include "pixel/color_tables.h"
 #include "pixel/dither.h"
 
-static void Convert_Rows(const JdecPlanes* planes, JdecRaster* raster, ConvertRowsKernel convert) {
+#include <algorithm>
+
+/** A raster of this many bytes or more that nobody reads at once goes past the cache. One that fits the caches nearest to the
+ * processor is better left there for whoever reads it later. */
+static constexpr int64_t LargeRaster = 2 << 20;
+
+/** Of a format: the kernel, and the one for large rasters. */
+struct Converter {
+  int32_t bitsPerPixel;
+  ConvertRowsKernel Kernels::*convert;
+  ConvertRowsKernel Kernels::*stream;
+};
+
+static constexpr Converter converters[] = {{8, nullptr, nullptr},
+                                           {16, &Kernels::toRgb555, &Kernels::toRgb555},
+                                           {16, &Kernels::toRgb565, &Kernels::toRgb565},
+                                           {24, &Kernels::toRgb24, &Kernels::toRgb24Stream},
+                                           {32, &Kernels::toRgb32, &Kernels::toRgb32Stream}};
+
+static void Convert_Rows(int32_t pixelFormat, const JdecPlanes* planes, JdecRaster* raster, RasterUse use, int32_t first,
+                         int32_t count) {
+  const Converter& converter = converters[pixelFormat];
+  const bool large = use == RasterLeft && static_cast<int64_t>(raster->pitch) * raster->height >= LargeRaster;
+  const ConvertRowsKernel kernel = kernels.*(large ? converter.stream : converter.convert);
   const ColorTables tables = {rangeLimit, yccRgbTable};
-  const int32_t pairs = planes->yWidth / 2;
-  for (int32_t r = 0; r < planes->yHeight / 2; ++r) {
-    convert(&tables, planes->yRows[2 * r], planes->yRows[2 * r + 1], planes->cbRows[r], planes->crRows[r], raster->rows[2 * r],
-            raster->rows[2 * r + 1], pairs);
+  const int32_t pairs = planes->yWidth / 2, end = first + std::min(count, planes->yHeight / 2 - first);
+  for (int32_t r = first; r < end; ++r) {
+    kernel(&tables, planes->yRows[2 * r], planes->yRows[2 * r + 1], planes->cbRows[r], planes->crRows[r], raster->rows[2 * r],
+           raster->rows[2 * r + 1], pairs);
+  }
+  if (large) kernels.endStream();
+}
+
+/** More than a picture has. */
+static constexpr int32_t AllRows = MaxPictureSide;
+
+void YCC_To_RGB24(const JdecPlanes* planes, JdecRaster* raster) {
+  Convert_Rows(PixelRgb24, planes, raster, RasterRead, 0, AllRows);
+}
+void YCC_To_RGB32(const JdecPlanes* planes, JdecRaster* raster) {
+  Convert_Rows(PixelRgb32, planes, raster, RasterRead, 0, AllRows);
+}
+void YCC_To_RGB565(const JdecPlanes* planes, JdecRaster* raster) {
+  Convert_Rows(PixelRgb565, planes, raster, RasterRead, 0, AllRows);
+}
+void YCC_To_RGB555(const JdecPlanes* planes, JdecRaster* raster) {
+  Convert_Rows(PixelRgb555, planes, raster, RasterRead, 0, AllRows);
+}
+
+void Convert_Plane_Rows(int32_t pixelFormat, const JdecPlanes* planes, JdecRaster* raster, int32_t ditherMode, RasterUse use,
+                        int32_t first, int32_t count) {
+  if (converters[pixelFormat].bitsPerPixel != raster->bitsPerPixel) return;
+  if (pixelFormat == PixelPalette8) {
+    YCC_To_Palette8_Rows(planes, raster, ditherMode, first, count);
+  } else {
+    Convert_Rows(pixelFormat, planes, raster, use, first, count);
   }
 }
 
-void YCC_To_RGB24(const JdecPlanes* planes, JdecRaster* raster) { Convert_Rows(planes, raster, kernels.toRgb24); }
-void YCC_To_RGB32(const JdecPlanes* planes, JdecRaster* raster) { Convert_Rows(planes, raster, kernels.toRgb32); }
-void YCC_To_RGB565(const JdecPlanes* planes, JdecRaster* raster) { Convert_Rows(planes, raster, kernels.toRgb565); }
-void YCC_To_RGB555(const JdecPlanes* planes, JdecRaster* raster) { Convert_Rows(planes, raster, kernels.toRgb555); }
-
 void Convert_Planes(int32_t pixelFormat, const JdecPlanes* planes, JdecRaster* raster, int32_t ditherMode) {
-  if (pixelFormat == PixelPalette8) {
-    if (raster->bitsPerPixel == 8) YCC_To_Palette8(planes, raster, ditherMode);
-    return;
-  }
-  struct Converter {
-    int32_t bitsPerPixel;
-    void (*convert)(const JdecPlanes*, JdecRaster*);
-  };
-  static constexpr Converter converters[] = {
-      {8, nullptr}, {16, YCC_To_RGB555}, {16, YCC_To_RGB565}, {24, YCC_To_RGB24}, {32, YCC_To_RGB32}};
-  const Converter& converter = converters[pixelFormat];
-  if (converter.bitsPerPixel == raster->bitsPerPixel) converter.convert(planes, raster);
+  Convert_Plane_Rows(pixelFormat, planes, raster, ditherMode, RasterRead, 0, AllRows);
 }

@@ -15,3 +15,12 @@ void YCC_To_RGB555(const JdecPlanes* planes, JdecRaster* raster);
 /** Converts by format; a raster of another depth than the format's stays as it was. ditherMode: a DitherMode, for palette
  * indices. */
 void Convert_Planes(int32_t pixelFormat, const JdecPlanes* planes, JdecRaster* raster, int32_t ditherMode);
+
+/** What comes next for a raster: it is read at once, to be shown, or it is left for later, and may go past the cache. */
+enum RasterUse : int32_t { RasterRead = 0, RasterLeft = 1 };
+
+/** Convert_Planes on some of the rows: those of `count` pairs of rows from pair `first` on, pair i being rows 2 * i and 2 * i
+ * + 1. What is below the picture is left out. So a picture can be converted piece by piece, while its samples are still at hand.
+ */
+void Convert_Plane_Rows(int32_t pixelFormat, const JdecPlanes* planes, JdecRaster* raster, int32_t ditherMode, RasterUse use,
+                        int32_t first, int32_t count);

@@ -34,20 +34,28 @@ void Init_Dither_Tables() {
   ditherCr = crStore.data();
 }
 
-void YCC_To_Palette8(const JdecPlanes* planes, JdecRaster* raster, int32_t mode) {
+static void Dither_Row(const DitherTables& tables, const JdecPlanes* planes, JdecRaster* raster, const uint8_t* matrixRow,
+                       int32_t y) {
+  const int32_t width = planes->yWidth, pairs = width / 2, chromaRow = std::min(y / 2, planes->cbHeight - 1);
+  const uint8_t *const cb = planes->cbRows[chromaRow], *const cr = planes->crRows[chromaRow];
+  const uint8_t* const luma = planes->yRows[y];
+  kernels.ditherRow(&tables, luma, cb, cr, matrixRow, raster->rows[y], pairs);
+  if (width % 2 == 0) return;
+  const uint8_t last[2] = {luma[width - 1], luma[width - 1]};
+  uint8_t out[2];
+  kernels.ditherRow(&tables, last, cb + pairs - 1, cr + pairs - 1, matrixRow + (width - 1) % 4, out, 1);
+  raster->rows[y][width - 1] = out[0];
+}
+
+void YCC_To_Palette8_Rows(const JdecPlanes* planes, JdecRaster* raster, int32_t mode, int32_t first, int32_t count) {
   if (planes->cbWidth == 0 || planes->cbHeight == 0) return;
   const DitherTables tables = {ditherY, ditherCb, ditherCr};
   const auto& matrix = mode == DitherShrink ? ditherMatrixShrink : ditherMatrixNormal;
-  const int32_t width = planes->yWidth, pairs = width / 2;
-  for (int32_t y = 0; y < planes->yHeight; ++y) {
-    const int32_t chromaRow = std::min(y / 2, planes->cbHeight - 1);
-    const uint8_t *const cb = planes->cbRows[chromaRow], *const cr = planes->crRows[chromaRow];
-    const uint8_t* const luma = planes->yRows[y];
-    kernels.ditherRow(&tables, luma, cb, cr, matrix[y & 3], raster->rows[y], pairs);
-    if (width % 2 == 0) continue;
-    const uint8_t last[2] = {luma[width - 1], luma[width - 1]};
-    uint8_t out[2];
-    kernels.ditherRow(&tables, last, cb + pairs - 1, cr + pairs - 1, matrix[y & 3] + (width - 1) % 4, out, 1);
-    raster->rows[y][width - 1] = out[0];
-  }
+  const int32_t endPair = first + std::min(count, (planes->yHeight + 1) / 2 - first);
+  const int32_t end = std::min(2 * endPair, planes->yHeight);
+  for (int32_t y = 2 * first; y < end; ++y) Dither_Row(tables, planes, raster, matrix[y & 3], y);
+}
+
+void YCC_To_Palette8(const JdecPlanes* planes, JdecRaster* raster, int32_t mode) {
+  YCC_To_Palette8_Rows(planes, raster, mode, 0, MaxPictureSide);
 }

@@ -16,3 +16,6 @@ void Init_Dither_Tables();
  * an odd width and the last row of an odd height take the chroma beside them; a picture one pixel wide or high has none and stays
  * as it was. */
 void YCC_To_Palette8(const JdecPlanes* planes, JdecRaster* raster, int32_t mode);
+
+/** The same for `count` pairs of rows from pair `first` on; the last row of an odd height is a pair by itself. */
+void YCC_To_Palette8_Rows(const JdecPlanes* planes, JdecRaster* raster, int32_t mode, int32_t first, int32_t count);

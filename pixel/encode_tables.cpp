@@ -1,13 +1,13 @@
 #include "pixel/encode_tables.h"
 
-#include "decode/huffman_tables.h"
+#include "decode/huffman_codes.h"
 
 #include <array>
 #include <bit>
 
 namespace {
 
-JdecHuffEncode Huff_Build_Encode_Table(const HuffCode& huffCode) {
+constexpr JdecHuffEncode Huff_Build_Encode_Table(const HuffCode& huffCode) {
   JdecHuffEncode table{};
   uint32_t code = 0;
   size_t next = 0;
@@ -22,7 +22,7 @@ JdecHuffEncode Huff_Build_Encode_Table(const HuffCode& huffCode) {
 }
 
 /** A code with the low bits of its value behind it. */
-uint32_t Entry(const JdecHuffEncode& code, int32_t run, int32_t value) {
+constexpr uint32_t Entry(const JdecHuffEncode& code, int32_t run, int32_t value) {
   const int32_t size = std::bit_width(static_cast<uint32_t>(value < 0 ? -value : value)), symbol = run * 16 + size;
   const uint32_t low = static_cast<uint32_t>(value < 0 ? value - 1 : value) & ((1u << size) - 1);
   return (code.code[symbol] << size | low) << 8 | static_cast<uint32_t>(code.size[symbol] + size);
@@ -31,7 +31,7 @@ uint32_t Entry(const JdecHuffEncode& code, int32_t run, int32_t value) {
 struct EntryStore {
   uint32_t dc[2 * HuffDcReach], ac[17][256];
 
-  EntryStore(const JdecHuffEncode& dcCode, const JdecHuffEncode& acCode) : dc{}, ac{} {
+  constexpr EntryStore(const JdecHuffEncode& dcCode, const JdecHuffEncode& acCode) : dc{}, ac{} {
     for (int32_t d = 1 - HuffDcReach; d < HuffDcReach; ++d) dc[d + HuffDcReach] = Entry(dcCode, 0, d);
     // A byte of 127 or -128 may stand for any larger level.
     for (int32_t distance = 1; distance <= 16; ++distance) {
@@ -45,7 +45,7 @@ struct EntryStore {
 
 using ScanMasks = std::array<uint64_t[256], 8>;
 
-ScanMasks Build_Scan_Masks() {
+constexpr ScanMasks Build_Scan_Masks() {
   ScanMasks masks{};
   for (int32_t k = 0; k < 64; ++k) {
     const int32_t row = zigzagOrder[k] / 8, column = zigzagOrder[k] % 8;
@@ -56,13 +56,12 @@ ScanMasks Build_Scan_Masks() {
   return masks;
 }
 
-const JdecHuffEncode lumaDc = Huff_Build_Encode_Table(dcLumaCode), lumaAc = Huff_Build_Encode_Table(acLumaCode),
-                     chromaDc = Huff_Build_Encode_Table(dcChromaCode), chromaAc = Huff_Build_Encode_Table(acChromaCode);
-const EntryStore lumaEntries(lumaDc, lumaAc), chromaEntries(chromaDc, chromaAc);
-const ScanMasks scanMasks = Build_Scan_Masks();
+constexpr JdecHuffEncode lumaDc = Huff_Build_Encode_Table(dcLumaCode), lumaAc = Huff_Build_Encode_Table(acLumaCode),
+                         chromaDc = Huff_Build_Encode_Table(dcChromaCode), chromaAc = Huff_Build_Encode_Table(acChromaCode);
+constexpr EntryStore lumaEntries(lumaDc, lumaAc), chromaEntries(chromaDc, chromaAc);
+constexpr ScanMasks scanMasks = Build_Scan_Masks();
 
 }  // namespace
 
-const HuffEncodeTables huffEncodeTables[2] = {
-    {lumaEntries.dc, lumaEntries.ac[0], &lumaDc, &lumaAc, scanMasks.data()},
-    {chromaEntries.dc, chromaEntries.ac[0], &chromaDc, &chromaAc, scanMasks.data()}};
+const HuffEncodeTables huffEncodeTables[2] = {{lumaEntries.dc, lumaEntries.ac[0], &lumaDc, &lumaAc, scanMasks.data()},
+                                              {chromaEntries.dc, chromaEntries.ac[0], &chromaDc, &chromaAc, scanMasks.data()}};

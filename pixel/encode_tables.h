@@ -3,5 +3,5 @@
 
 #include "kernels/kernels.h"
 
-/** Of luma and of chroma. Made when the library is loaded, read-only. */
+/** Of luma and of chroma. */
 extern const HuffEncodeTables huffEncodeTables[2];

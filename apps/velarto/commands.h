@@ -9,6 +9,7 @@ void Export_Command(CLI::App* app, int* code);
 void Make_Command(CLI::App* app, int* code);
 void Record_Command(CLI::App* app, int* code);
 void View_Command(CLI::App* app, int* code);
+void Bench_Command(CLI::App* app, int* code);
 /** Adds nothing where the camera isn't built. */
 void Camera_Command(CLI::App* app, int* code);
 

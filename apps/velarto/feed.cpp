@@ -11,7 +11,7 @@
 
 using Clock = std::chrono::steady_clock;
 
-/** Frames held for the window's thread; the reader waits when there are as many. */
+/** Frames of a recording held for the window's thread; the reader waits when there are as many. */
 static constexpr size_t QueueLength = 4;
 /** For a stopped reader to let go of its connection; it looks at the stop flag more often than that. */
 static constexpr std::chrono::milliseconds EndWait{100};
@@ -36,6 +36,12 @@ static void Notify(const Feed& feed) {
   if (feed.window) PostMessageA(feed.window, feed.message, 0, 0);
 }
 
+static void Put_Bytes(const WalkedFrame& frame, FedFrame* fed) {
+  fed->bytes.assign(frame.bytes.begin(), frame.bytes.end());
+  fed->frame = frame;
+  fed->frame.bytes = fed->bytes;
+}
+
 /** Waits for the moment of the next frame of a recording. A reader that came late starts counting anew. */
 static void Await_Due(Feed* feed, std::unique_lock<std::mutex>* held) {
   const auto period =
@@ -50,15 +56,30 @@ static void Await_Due(Feed* feed, std::unique_lock<std::mutex>* held) {
   feed->due = std::max(feed->due + period, Clock::now() - period);
 }
 
-/** Queues a frame, and waits for its time and for room first. False once stopped. */
-static bool Queue_Frame(Feed* feed, const WalkedFrame& frame) {
+/** Queues a frame of a recording, and waits for its time and for room first. False once stopped. */
+static bool Queue_Recorded(Feed* feed, const WalkedFrame& frame) {
   std::unique_lock held(feed->lock);
-  if (!feed->live) Await_Due(feed, &held);
-  feed->changed.wait(held, [&] { return feed->stop || feed->queue.size() < QueueLength || (feed->live && feed->paused); });
+  Await_Due(feed, &held);
+  feed->changed.wait(held, [&] { return feed->stop || feed->queue.size() < QueueLength; });
   if (feed->stop) return false;
-  if (feed->live && feed->paused) return true;
-  feed->queue.push_back({frame, {frame.bytes.begin(), frame.bytes.end()}});
-  feed->queue.back().frame.bytes = feed->queue.back().bytes;
+  Put_Bytes(frame, &feed->queue.emplace_back());
+  feed->changed.notify_all();
+  Notify(*feed);
+  return true;
+}
+
+/** Queues a live frame. It takes the place of one that still waits: that is late, and would not be seen for long. */
+static bool Queue_Live(Feed* feed, const WalkedFrame& frame) {
+  const std::lock_guard held(feed->lock);
+  if (feed->stop) return false;
+  if (feed->paused || !Frame_Decodable(frame)) return true;
+  if (!feed->queue.empty()) {
+    // Its message is still to come.
+    ++feed->queue.back().skipped;
+    Put_Bytes(frame, &feed->queue.back());
+    return true;
+  }
+  Put_Bytes(frame, &feed->queue.emplace_back());
   feed->changed.notify_all();
   Notify(*feed);
   return true;
@@ -72,7 +93,8 @@ static void Set_Reconnecting(Feed* feed, bool lost) {
 
 static void Run_Feed(const std::shared_ptr<Feed>& feed) {
   const std::string& source = feed->options.source;
-  const auto take = [&](const WalkedFrame& frame) { return Queue_Frame(feed.get(), frame); };
+  const auto queue = feed->live ? Queue_Live : Queue_Recorded;
+  const auto take = [&](const WalkedFrame& frame) { return queue(feed.get(), frame); };
   const ReadOptions reading = {
       .reconnect = true, .onLost = [&](bool lost) { Set_Reconnecting(feed.get(), lost); }, .onBytes = {}};
   std::string error;
@@ -138,6 +160,7 @@ bool Feed_Reconnecting(Feed* feed) {
 void Feed_Pause(Feed* feed, bool paused) {
   const std::lock_guard held(feed->lock);
   feed->paused = paused;
+  if (paused && feed->live) feed->queue.clear();
   feed->changed.notify_all();
 }
 

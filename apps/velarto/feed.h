@@ -1,5 +1,6 @@
-/* The viewer's supply of frames: a thread reads the source, paces a recording, and queues a few frames for the window's thread,
- * which never waits for the source. */
+/* The viewer's supply of frames: a thread reads the source and hands its frames to the window's thread, which never waits for the
+ * source. Of a recording each frame comes, in its time. Of a live source only the newest is kept: one that comes faster than it
+ * can be shown loses frames, undecoded, instead of falling behind. */
 #pragma once
 
 #include "apps/velarto/frame_walk.h"
@@ -19,6 +20,7 @@ struct FeedOptions {
 struct FedFrame {
   WalkedFrame frame;
   std::vector<uint8_t> bytes;
+  int64_t skipped = 0;  ///< Frames that would have come ahead of it and made way.
 };
 
 enum class FeedState { Running, Ended, Failed };

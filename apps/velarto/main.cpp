@@ -1,5 +1,5 @@
-#include "apps/velarto/commands.h"
 #include "apps/velarto/output.h"
+#include "apps/velarto/program.h"
 #include "apps/velarto/stream.h"
 
 #include <sstream>
@@ -32,12 +32,7 @@ static int Run(int argc, char** argv) {
   app.require_subcommand(1);
   app.allow_windows_style_options(false);  // A path may begin with a slash there too.
   int code = ExitDone;
-  Info_Command(&app, &code);
-  Export_Command(&app, &code);
-  Make_Command(&app, &code);
-  Record_Command(&app, &code);
-  View_Command(&app, &code);
-  Camera_Command(&app, &code);
+  Add_Commands(&app, &code);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
@@ -48,7 +43,8 @@ static int Run(int argc, char** argv) {
 
 int main(int argc, char** argv) {
   try {
-    return Run(argc, argv);
+    std::string failure;
+    return Keep_Or_Pass_On(argc, argv, &failure) ? Run(argc, argv) : Report(failure);
   } catch (const std::exception& error) {
     std::fprintf(stderr, "velarto: %s\n", error.what());
     return ExitFailed;

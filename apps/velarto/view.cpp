@@ -33,7 +33,8 @@ void View_Command(CLI::App* app, int* code) {
   ViewerOptions* const viewer = &options->viewer;
   Add_Common_Options(command, &viewer->feed.source, &options->kernelName);
   command
-      ->add_option("--fps", viewer->feed.framesPerSecond, "Frames a second of a file (25); live sources are shown as they come")
+      ->add_option("--fps", viewer->feed.framesPerSecond,
+                   "Frames a second of a file (25); of a live source the newest frame is shown as it comes")
       ->check(CLI::Range(0.01, 1000.0));
   command->add_flag("--loop", viewer->feed.loop, "Play a file again and again");
   command->add_option("--frames", viewer->frames, "End after so many frames, or at the end of the source")

@@ -24,13 +24,13 @@ struct Viewer {
   HWND window = nullptr;
   JdecDecoder* decoder = nullptr;
   int32_t width = 0, height = 0;  ///< Of the picture, 0 before the first.
-  int64_t shown = 0;
+  int64_t shown = 0, passed = 0;  ///< Frames shown, and those with the skipped ones.
   Overlays overlays;
   int32_t quality = 0;
   double rate = 0;         ///< Frames a second, 0 while not known;
   DWORD rateStart = 0;     ///< counted from this tick,
   int64_t rateFrames = 0;  ///< and this value of `shown` on.
-  bool paused = false, reconnecting = false, keysInTitle = false;
+  bool paused = false, reconnecting = false, ended = false, keysInTitle = false;
   bool fullScreen = false;
   LONG_PTR windowedStyle = 0;
   RECT windowedRect = {};
@@ -193,7 +193,7 @@ static bool Adopt_Size(Viewer* viewer, int32_t width, int32_t height) {
   return false;
 }
 
-/** Once a second the title tells how many frames came in it; another quality is told at once. */
+/** Once a second the title tells how many frames were shown in it; another quality is told at once. */
 static void Count_Frame(Viewer* viewer) {
   constexpr DWORD Period = 1000;
   ++viewer->shown;
@@ -222,7 +222,8 @@ static void Show_Frame(Viewer* viewer, const FedFrame& fed) {
     Overlays_Apply(viewer->overlays, viewer->decoder);
     Repaint(viewer);
   }
-  if (viewer->shown == viewer->options.frames) DestroyWindow(viewer->window);
+  viewer->passed += 1 + fed.skipped;
+  if (viewer->options.frames > 0 && viewer->passed >= viewer->options.frames) DestroyWindow(viewer->window);
 }
 
 static void Repaint(Viewer* viewer) {
@@ -238,7 +239,8 @@ static void Repaint(Viewer* viewer) {
 static void On_End(Viewer* viewer) {
   std::string error;
   const FeedState state = Feed_State(viewer->feed.get(), &error);
-  if (state == FeedState::Running) return;
+  if (state == FeedState::Running || viewer->ended) return;
+  viewer->ended = true;
   if (state == FeedState::Failed) viewer->code = Report(error);
   if (viewer->shown == 0 && state == FeedState::Ended) viewer->code = Report("no frame of the source can be decoded");
   if (viewer->shown == 0 || viewer->options.frames > 0) {

@@ -6,7 +6,7 @@
 
 struct ViewerOptions {
   FeedOptions feed;
-  int64_t frames = 0;     ///< End after so many shown frames, or at the end of the source; 0: only the user ends it.
+  int64_t frames = 0;     ///< End after so many frames, or at the end of the source; 0: only the user ends it.
   std::string snapshots;  ///< Folder for snapshots; empty: the working folder.
   Overlays overlays;      ///< As they are at the start.
 };

@@ -38,7 +38,9 @@ bool Formats_Equal(const ColorFormat& a, const ColorFormat& b);
 uint32_t Color_From_Pixel(const ColorFormat& format, uint32_t pixel);
 uint32_t Pixel_From_Color(const ColorFormat& format, uint32_t color);
 
-/** Where a pixel lies, or null outside of the view. */
+/** Where a pixel of the view lies. */
+uint8_t* Row_Of(const PixelView& view, int32_t x, int32_t y);
+/** The same, or null outside of the view. */
 uint8_t* Pixel_At(const PixelView& view, int32_t x, int32_t y);
 uint32_t Load_Pixel(const uint8_t* at, int32_t bits);
 void Store_Pixel(uint8_t* at, int32_t bits, uint32_t pixel);

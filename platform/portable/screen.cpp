@@ -238,16 +238,11 @@ uint32_t Screen_Window_Color(HWND window, int32_t x, int32_t y) {
   return at ? Color_From_Pixel(view.format, Load_Pixel(at, view.format.bits)) : 0xFFFFFFFF;
 }
 
-void Screen_Window_Colors(HWND window, std::vector<uint32_t>* colors) {
-  colors->clear();
+void Screen_Copy_Colors(HWND window, const RECT& part, uint32_t* to, ptrdiff_t pitch) {
   if (!Window_Find(window)) return;
-  const PixelView view = Window_View(window);
-  if (!view.pixels) return;
-  colors->resize(static_cast<size_t>(view.width) * static_cast<size_t>(view.height));
-  const RECT whole = {0, 0, view.width, view.height};
-  const PixelView target = {
-      reinterpret_cast<uint8_t*>(colors->data()), view.width, view.height, ptrdiff_t{4} * view.width, {32, 0, 0, 0, nullptr}};
-  Copy_Pixels({target, whole, view, whole, false});
+  const RECT place = {0, 0, part.right - part.left, part.bottom - part.top};
+  const PixelView target = {reinterpret_cast<uint8_t*>(to), place.right, place.bottom, pitch, {32, 0, 0, 0, nullptr}};
+  Copy_Pixels({target, place, Window_View(window), part, false});
 }
 
 const uint8_t* Screen_Surface_Pixels(IDirectDrawSurface* surface, int32_t* width, int32_t* height, int32_t* pitch) {

@@ -96,8 +96,9 @@ void Screen_Move(HWND window, int32_t x, int32_t y);
 const uint8_t* Screen_Window_Pixels(HWND window, int32_t* width, int32_t* height, int32_t* pitch);
 /** Colour of a client pixel as 0xRRGGBB; 0xFFFFFFFF outside. */
 uint32_t Screen_Window_Color(HWND window, int32_t x, int32_t y);
-/** All of them: rows of the window's width, top row first. Empty if it has no pixels. */
-void Screen_Window_Colors(HWND window, std::vector<uint32_t>* colors);
+/** Copies those of a part of the client area to rows at `pitch` bytes, if the window has pixels; on a screen of 32 bits the words
+ * as they are, whose upper byte may hold anything. */
+void Screen_Copy_Colors(HWND window, const RECT& part, uint32_t* to, ptrdiff_t pitch);
 /** The pixels of a surface, top row first. */
 const uint8_t* Screen_Surface_Pixels(IDirectDrawSurface* surface, int32_t* width, int32_t* height, int32_t* pitch);
 /** Whether everything around an off-screen surface's pixels still holds what it was filled with: nothing was written between

@@ -22,8 +22,7 @@ static void On_Window_Event(const ShownWindow& shown, uint8_t event) {
       Follow_Size(shown);
       break;
     case SDL_WINDOWEVENT_EXPOSED:
-      Show_Pixels(shown);
-      InvalidateRect(shown.portable, nullptr, FALSE);
+      Mark_Changed(shown);  // The portable window still has its pixels: nothing is to be painted.
       break;
     case SDL_WINDOWEVENT_MINIMIZED:
     case SDL_WINDOWEVENT_RESTORED:
@@ -68,6 +67,7 @@ static void On_Event(const SDL_Event& event) {
 }
 
 static void Pump_Events(uint32_t milliseconds) {
+  Show_Changes();
   SDL_Event event;
   const uint32_t longest = std::min(milliseconds, Pointer_Rests());
   const int wait = longest > INT32_MAX ? -1 : static_cast<int>(longest);
@@ -83,6 +83,7 @@ static void Wake() {
 /* ---- Messages ------------------------------------------------------------------------------------------------------------- */
 
 static void Show_Message(HWND owner, const char* text, const char* caption, UINT type) {
+  Show_Changes();
   const ShownWindow* const shown = Shown_As(Top_Of(owner));
   const uint32_t kind = (type & MB_ICONERROR) ? SDL_MESSAGEBOX_ERROR : SDL_MESSAGEBOX_INFORMATION;
   if (SDL_ShowSimpleMessageBox(kind, caption, text, shown ? shown->real : nullptr) != 0) {
@@ -112,7 +113,7 @@ bool Sdl_Desktop_Start(int bits, std::string* error) {
   setup.height = mode.h;
   Screen_Set_Up(setup);
   ScreenDesktop desktop = {};
-  Windows_Hook_In(&desktop, setup.bits);
+  Windows_Hook_In(&desktop);
   desktop.pumpEvents = Pump_Events;
   desktop.wake = Wake;
   desktop.cursorChanged = Pointer_Show_Cursor;

@@ -2,9 +2,12 @@
  * with its children in it.
  *
  * What the user does there reaches the portable window: a new place and size, keys as WM_KEYDOWN, mouse buttons, WM_SETCURSOR
- * when the pointer moves, the close button as WM_CLOSE, being minimised, and WM_PAINT when a part is uncovered. The other way
- * round go place, size, title, visibility, the cursor and style: a window with WS_POPUP is shown on the full screen, or, if it is
- * owned, without a border. Tooltips open where the pointer rests; message boxes and questions for a file are asked.
+ * when the pointer moves, the close button as WM_CLOSE, and being minimised. A part that is uncovered is shown again from the
+ * pixels that the portable window keeps, without a WM_PAINT. The other way round go place, size, title, visibility, the cursor
+ * and style: a window with WS_POPUP is shown on the full screen, or, if it is owned, without a border. Tooltips open where the
+ * pointer rests; message boxes and questions for a file are asked.
+ *
+ * Pixels go to the desktop whenever messages are looked for, what has changed until then in one copy a window.
  *
  * The portable screen takes the size of the desktop. All of it belongs to the thread that started it. */
 #pragma once

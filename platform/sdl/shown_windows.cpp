@@ -1,12 +1,11 @@
 #include "platform/sdl/shown_windows.h"
 
 #include <algorithm>
+#include <utility>
 #include <vector>
 
 /** In the order in which they were made. */
 static std::vector<ShownWindow> shownWindows;
-/** Depth of the portable screen. */
-static int32_t screenBits = 32;
 
 static ShownWindow* Find_Shown(HWND portable) {
   const auto found = std::ranges::find(shownWindows, portable, &ShownWindow::portable);
@@ -47,66 +46,77 @@ void Window_Raise(HWND top) {
 
 static SDL_Rect To_Sdl(const RECT& rect) { return {rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top}; }
 
-/** Copies a window's own pixels, limited to the target's clip and what is seen of it. */
-static void Show_Part(const ScreenPart& part, const SDL_Rect& dirty, SDL_Surface* target) {
-  const SDL_Rect seen = To_Sdl(part.seen);
-  SDL_Rect limit;
-  if (!SDL_IntersectRect(&seen, &dirty, &limit)) return;
-  int32_t width = 0, height = 0, pitch = 0;
-  const uint8_t* pixels = Screen_Window_Pixels(part.window, &width, &height, &pitch);
-  static std::vector<uint32_t> converted;
-  if (pixels && screenBits != 32) {
-    Screen_Window_Colors(part.window, &converted);
-    pixels = reinterpret_cast<const uint8_t*>(converted.data());
-    pitch = 4 * width;
+/** Copies that part of a window's client area to a place of the target, in the target's format. */
+static void Copy_Part(HWND window, const RECT& part, SDL_Rect place, SDL_Surface* target) {
+  if (target->format->format == SDL_PIXELFORMAT_RGB888 && !SDL_MUSTLOCK(target)) {
+    auto* const row = static_cast<uint8_t*>(target->pixels) + ptrdiff_t{place.y} * target->pitch;
+    Screen_Copy_Colors(window, part, reinterpret_cast<uint32_t*>(row) + place.x, target->pitch);
+    return;
   }
-  if (!pixels) return;
+  static std::vector<uint32_t> colors;
+  colors.resize(static_cast<size_t>(place.w) * static_cast<size_t>(place.h));
+  Screen_Copy_Colors(window, part, colors.data(), ptrdiff_t{4} * place.w);
   SDL_Surface* const source =
-      SDL_CreateRGBSurfaceWithFormatFrom(const_cast<uint8_t*>(pixels), width, height, 32, pitch, SDL_PIXELFORMAT_RGB888);
+      SDL_CreateRGBSurfaceWithFormatFrom(colors.data(), place.w, place.h, 32, 4 * place.w, SDL_PIXELFORMAT_RGB888);
   if (!source) return;
   SDL_SetSurfaceBlendMode(source, SDL_BLENDMODE_NONE);
-  SDL_Rect place = To_Sdl(part.place);
-  SDL_SetClipRect(target, &limit);
   SDL_BlitSurface(source, nullptr, target, &place);
-  SDL_SetClipRect(target, nullptr);
   SDL_FreeSurface(source);
 }
 
-static bool Covers(const RECT& seen, const SDL_Rect& dirty) {
-  return seen.left <= dirty.x && seen.top <= dirty.y && seen.right >= dirty.x + dirty.w && seen.bottom >= dirty.y + dirty.h;
+/** Copies a window's own pixels, limited to what has changed and what is seen of it. */
+static void Show_Part(const ScreenPart& part, const SDL_Rect& changed, SDL_Surface* target) {
+  const SDL_Rect seen = To_Sdl(part.seen);
+  SDL_Rect place;
+  if (!SDL_IntersectRect(&seen, &changed, &place)) return;
+  const LONG left = place.x - part.place.left, top = place.y - part.place.top;
+  Copy_Part(part.window, {left, top, left + place.w, top + place.h}, place, target);
+}
+
+static bool Covers(const RECT& seen, const SDL_Rect& changed) {
+  return seen.left <= changed.x && seen.top <= changed.y && seen.right >= changed.x + changed.w &&
+         seen.bottom >= changed.y + changed.h;
 }
 
 /** Copies what lies in a part of the window, from the last one on that covers it all. */
-static void Show_Area(const ShownWindow& shown, const std::vector<ScreenPart>& parts, SDL_Rect dirty) {
+static void Show_Area(const ShownWindow& shown, SDL_Rect changed) {
+  const std::vector<ScreenPart> parts = Screen_Parts(shown.portable);
   SDL_Surface* const target = parts.empty() ? nullptr : SDL_GetWindowSurface(shown.real);
-  if (!target || !SDL_IntersectRect(&dirty, &target->clip_rect, &dirty)) return;
+  if (!target || !SDL_IntersectRect(&changed, &target->clip_rect, &changed)) return;
   auto first =
-      std::find_if(parts.rbegin(), parts.rend(), [&](const ScreenPart& part) { return Covers(part.seen, dirty); }).base();
+      std::find_if(parts.rbegin(), parts.rend(), [&](const ScreenPart& part) { return Covers(part.seen, changed); }).base();
   if (first == parts.begin()) {
-    SDL_FillRect(target, &dirty, 0);
+    SDL_FillRect(target, &changed, 0);
   } else {
     --first;
   }
-  for (; first != parts.end(); ++first) Show_Part(*first, dirty, target);
-  SDL_UpdateWindowSurfaceRects(shown.real, &dirty, 1);
+  for (; first != parts.end(); ++first) Show_Part(*first, changed, target);
+  SDL_UpdateWindowSurfaceRects(shown.real, &changed, 1);
 }
 
-void Show_Pixels(const ShownWindow& shown) {
+void Mark_Changed(const ShownWindow& shown) {
   int width = 0, height = 0;
   SDL_GetWindowSize(shown.real, &width, &height);
-  Show_Area(shown, Screen_Parts(shown.portable), {0, 0, width, height});
+  Find_Shown(shown.portable)->changed = {0, 0, width, height};
+}
+
+void Show_Changes() {
+  for (ShownWindow& shown : shownWindows) {
+    const SDL_Rect changed = std::exchange(shown.changed, {});
+    if (!SDL_RectEmpty(&changed)) Show_Area(shown, changed);
+  }
 }
 
 static void Pixels_Changed(HWND window) {
   const HWND top = Top_Of(window);
-  const ShownWindow* const shown = Shown_As(top);
-  if (!shown || window == top) {
-    if (shown) Show_Pixels(*shown);
-    return;
-  }
+  ShownWindow* const shown = Find_Shown(top);
+  if (!shown) return;
+  if (window == top) return Mark_Changed(*shown);
   const std::vector<ScreenPart> parts = Screen_Parts(top);
   const auto part = std::ranges::find(parts, window, &ScreenPart::window);
-  if (part != parts.end()) Show_Area(*shown, parts, To_Sdl(part->seen));
+  if (part == parts.end()) return;
+  const SDL_Rect before = shown->changed, seen = To_Sdl(part->seen);
+  SDL_UnionRect(&before, &seen, &shown->changed);
 }
 
 /* ---- From the portable window to the desktop ------------------------------------------------------------------------------ */
@@ -205,7 +215,7 @@ static void Window_Changed(HWND window) {
   const HWND top = Top_Of(window);
   ShownWindow* shown = Find_Shown(top);
   if (window != top) {
-    if (shown) Show_Pixels(*shown);
+    if (shown) Mark_Changed(*shown);
     return;
   }
   // Most tooltips are never seen.
@@ -221,15 +231,14 @@ static void Window_Changed(HWND window) {
 static void Window_Destroyed(HWND window) {
   const HWND top = Top_Of(window);
   const ShownWindow* const shown = Shown_As(top);
-  if (shown && window != top) Show_Pixels(*shown);
+  if (shown && window != top) Mark_Changed(*shown);
   if (!shown || window != top) return;
   Hide_Real(*shown, Owner_Of(window));
   SDL_DestroyWindow(shown->real);
   shownWindows.erase(shownWindows.begin() + (shown - shownWindows.data()));
 }
 
-void Windows_Hook_In(ScreenDesktop* desktop, int32_t bits) {
-  screenBits = bits;
+void Windows_Hook_In(ScreenDesktop* desktop) {
   desktop->windowCreated = Window_Created;
   desktop->windowChanged = Window_Changed;
   desktop->pixelsChanged = Pixels_Changed;

@@ -11,12 +11,13 @@ struct ShownWindow {
   SDL_Window* real;
   /** Where the client area lay on the screen when the two agreed last: what differs from it is the portable one's wish. */
   RECT agreed;
-  POINT frame = {};      ///< Left of and above the client area, before the window filled the screen.
-  bool wasFull = false;  ///< It has not been placed again since.
+  POINT frame = {};       ///< Left of and above the client area, before the window filled the screen.
+  bool wasFull = false;   ///< It has not been placed again since.
+  SDL_Rect changed = {};  ///< What has changed since it was shown last, in the client area; empty for nothing.
 };
 
-/** Puts windows into the hooks of the desktop; bits is the depth of the portable screen. */
-void Windows_Hook_In(ScreenDesktop* desktop, int32_t bits);
+/** Puts windows into the hooks of the desktop. */
+void Windows_Hook_In(ScreenDesktop* desktop);
 
 /** The one that shows that top-level window, or null. Until a window is made or destroyed. */
 const ShownWindow* Shown_As(HWND portable);
@@ -30,8 +31,11 @@ HWND Active_Window(HWND top);
 /** Brings a window to the front. */
 void Window_Raise(HWND top);
 
-/** Copies pixels to the desktop, which is black where there are none. */
-void Show_Pixels(const ShownWindow& shown);
+/** Has all pixels of a window shown anew, by Show_Changes. */
+void Mark_Changed(const ShownWindow& shown);
+/** Brings what has changed since the last call to the desktop, which is black where there are no pixels: one copy a window,
+ * however many changes there were. */
+void Show_Changes();
 /** The portable window takes the place or size that the user has given the real one. */
 void Follow_Place(const ShownWindow& shown);
 void Follow_Size(const ShownWindow& shown);

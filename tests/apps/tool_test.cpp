@@ -2,6 +2,7 @@
 
 #include "apps/rude_server.h"
 #include "apps/velarto/frame_walk.h"
+#include "support/levels.h"
 
 #include <cinttypes>
 #include <sstream>
@@ -76,6 +77,31 @@ TEST_F(ToolTest, ExportPadsRowsAndLeavesOutWhatCannotBeDecoded) {
   EXPECT_EQ(Read_File(folder / "2.bmp"), bmp);
 }
 
+TEST_F(ToolTest, BenchTellsRatesAndShares) {
+  std::string huge("\xFF\xD8\0\0\xFF\xFF\xFF\xFF\x32\0\xFF\xD9", 12);
+  huge.resize(30);  // Enough bytes for a search.
+  Write("stream", Read_File(sample) + huge);
+  const Outcome outcome = Run("bench - --json --cpu plain --seconds 0.1 < stream");
+  EXPECT_EQ(outcome.code, 0);
+  EXPECT_TRUE(outcome.err.starts_with("velarto: 1 of 121 frames can't be decoded, left out\n")) << outcome.err;
+  int decoded = 0, length = 0;
+  double seconds = 0, frames = 0, megapixels = 0, megabytes = 0, search = 0, entropy = 0, transform = 0, color = 0;
+  std::sscanf(outcome.out.c_str(),
+              "{\"kernels\":\"plain\",\"frames\":120,\"decoded\":%d,\"seconds\":%lf,\"framesPerSecond\":%lf,"
+              "\"megapixelsPerSecond\":%lf,\"megabytesPerSecond\":%lf,"
+              "\"shares\":{\"search\":%lf,\"entropy\":%lf,\"transform\":%lf,\"color\":%lf}}\n%n",
+              &decoded, &seconds, &frames, &megapixels, &megabytes, &search, &entropy, &transform, &color, &length);
+  ASSERT_EQ(static_cast<size_t>(length), outcome.out.size()) << outcome.out;
+  EXPECT_GE(seconds, 0.1);
+  EXPECT_NEAR(frames * seconds / decoded, 1, 0.01);
+  EXPECT_NEAR(megapixels / frames, 0.0768, 0.001);
+  EXPECT_GT(megabytes, 0);
+  EXPECT_NEAR(search + entropy + transform + color, 1, 0.001);
+  EXPECT_GT(std::min({search, entropy, transform, color}), 0) << outcome.out;
+  Write("huge", huge);
+  EXPECT_NE(Run("bench huge").err.find("there is nothing to decode in huge"), std::string::npos);
+}
+
 TEST_F(ToolTest, FailuresAreOneLine) {
   Write("empty", "");
   Write("garbage", std::string(70000, '\xFF'));
@@ -87,6 +113,7 @@ TEST_F(ToolTest, FailuresAreOneLine) {
   Expect_Failure("export cut -o x%d.bmp", "no frame found in cut (5000 bytes read)");
   Expect_Failure("export " + sample + " -o nowhere/%d.bmp", "there is no folder nowhere");
   Expect_Failure("export " + sample + " -o x%d.bmp --first 120", "ends before frame 120");
+  Expect_Failure("bench cut", "no frame found in cut (5000 bytes read)");
   Expect_Failure("info tcp://nowhere", "the address must read tcp://HOST:PORT");
   Expect_Failure("info tcp://no-such-host.invalid:1", "can't connect to tcp://no-such-host.invalid:1: ");
   Expect_Failure("info tcp://127.0.0.1:1", "refused");
@@ -101,22 +128,53 @@ TEST_F(ToolTest, FailuresAreOneLine) {
 }
 
 TEST_F(ToolTest, WrongUsageIsTold) {
-  for (const std::string usage :
-       {"", "play x", "info", "info x --cpu abacus", "export x", "export x -o %s --count 1", "export x -o %d%d",
-        "export x -o %04 --count 1", "export x -o same.bmp", "export x -o %d --every 0", "view - --loop", "view x --fps 0",
-        "view x --snapshots nowhere", "camera --size 100x100", "camera --size 640x", "camera --fps 0", "camera --cut 2",
-        "camera --port 70000"}) {
+  for (const std::string usage : {"",
+                                  "play x",
+                                  "info",
+                                  "info x --cpu abacus",
+                                  "export x",
+                                  "export x -o %s --count 1",
+                                  "export x -o %d%d",
+                                  "export x -o %04 --count 1",
+                                  "export x -o same.bmp",
+                                  "export x -o %d --every 0",
+                                  "view - --loop",
+                                  "view x --fps 0",
+                                  "view x --snapshots nowhere",
+                                  "camera --size 100x100",
+                                  "camera --size 640x",
+                                  "camera --fps 0",
+                                  "camera --cut 2",
+                                  "camera --port 70000",
+                                  "bench tcp://127.0.0.1:1",
+                                  "bench x --seconds 0"}) {
     const Outcome outcome = Run(usage);
     EXPECT_EQ(outcome.code, 2) << usage;
     EXPECT_EQ(outcome.out, "") << usage;
     EXPECT_EQ(std::ranges::count(outcome.err, '\n'), 1) << usage << ": " << outcome.err;
   }
-  for (const std::string command : {"", "info ", "export ", "view ", "camera "}) {
+  for (const std::string command : {"", "info ", "export ", "view ", "camera ", "bench "}) {
     const Outcome help = Run(command + "--help");
     EXPECT_EQ(help.code, 0);
     EXPECT_NE(help.out.find("Example:\n  velarto "), std::string::npos) << help.out;
   }
-  EXPECT_EQ(Run("--version").out, "velarto " VELARTO_VERSION " (kernels: plain)\n");
+  std::string version = "velarto " VELARTO_VERSION " (kernels: ";
+  version.append(Test_Levels().back().name).append(")\n");
+  EXPECT_EQ(Run("--version").out, version);
+}
+
+/** The tool without the libraries that take most of the memory, and without the program that has them. */
+TEST_F(ToolTest, StaysSmallAndTellsWhatIsMissing) {
+  const std::string alone = folder / "velarto";
+  fs::copy_file(VELARTO_TOOL_PATH, alone);
+  const auto run = [&](const std::string& line) { return std::system((line + " >" + alone + ".out 2>&1").c_str()); };
+  run("LD_TRACE_LOADED_OBJECTS=1 " + alone);
+  EXPECT_NE(Read_File(alone + ".out").find("libstdc++"), std::string::npos);
+  for (const char* const large : {"SDL", "curl", "crypto", "httplib"})
+    EXPECT_EQ(Read_File(alone + ".out").find(large), std::string::npos) << large;
+  EXPECT_EQ(run(alone + " info " + sample), 0);
+  EXPECT_NE(run(alone + " info http://127.0.0.1:1/"), 0);
+  EXPECT_EQ(Read_File(alone + ".out"), "velarto: can't start " + alone + "-live: No such file or directory\n");
 }
 
 TEST_F(ToolTest, TcpSourcesAreReadToTheirEnd) {

@@ -12,6 +12,7 @@
 #include <fstream>
 #include <functional>
 #include <iterator>
+#include <thread>
 
 namespace {
 
@@ -117,6 +118,32 @@ TEST_F(ViewerTest, PauseHoldsTheRecording) {
   };
   EXPECT_EQ(Viewer_Run(options), 0);
   EXPECT_GT(watcher.changes, atPause);
+}
+
+/** All frames come at once and the screen is slow: of a recording each is shown, of a live source the last and few before it. */
+TEST_F(ViewerTest, LiveFramesAreOvertaken) {
+  const std::string pipe = (folder / "pipe").string();
+  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+  std::thread camera([&] { std::ofstream(pipe, std::ios::binary) << std::ifstream(sample, std::ios::binary).rdbuf(); });
+  std::vector<uint32_t> last[2];
+  int32_t changes[2] = {};
+  for (const int32_t live : {0, 1}) {
+    watcher.changes = 0;
+    watcher.onChange = [] { Sleep(5); };
+    watcher.onIdle = [&] {
+      if (Title().find("ended") == std::string::npos) return;
+      last[live].resize(320 * 240);
+      Screen_Copy_Colors(watcher.window, {0, 0, 320, 240}, last[live].data(), 320 * 4);
+      Press('q');
+    };
+    options.feed = {.source = live ? pipe : sample, .framesPerSecond = 1000};
+    EXPECT_EQ(Viewer_Run(options), 0);
+    changes[live] = watcher.changes;
+  }
+  camera.join();
+  EXPECT_EQ(last[0], last[1]);
+  EXPECT_GE(changes[0], 120);
+  EXPECT_LT(changes[1], 60);
 }
 
 /** Over a paused picture: what must show before the next key or click. */

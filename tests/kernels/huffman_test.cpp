@@ -1,5 +1,6 @@
 // Entropy decoding against a decoder that walks bit by bit, with the code tables that another encoder writes into its files.
 #include "decode/huffman_tables.h"
+#include "decode/strip_tables.h"
 #include "support/levels.h"
 #include "support/streams.h"
 
@@ -119,6 +120,51 @@ Row Decode_By_Kernel(DecodeRowKernel kernel, const Bytes& raw, int32_t columns) 
   return row;
 }
 
+/** Takes a block of a strip, whose DC is a difference, over into a row. */
+void Take_Block(Row* row, const int16_t* words, StripProgress progress, int32_t b, int32_t column) {
+  int32_t scan[64], sizes = 0, last = 0;
+  int32_t* const predictor = &row->predictors[b < 4 ? 0 : b - 3];
+  int32_t* const target = row->At(b < 4 ? b / 2 : b - 2) + (b < 4 ? 128 * column + b % 2 * 64 : 64 * column);
+  for (int32_t k = 0; k < 64; ++k) {
+    const int32_t natural = zigzagOrder[k];
+    scan[k] = words[natural / 8 * 16 + natural % 8];
+    target[natural] = k == 0 ? * predictor += scan[0] : scan[k];
+    if (k > 0) sizes += std::abs(scan[k]);
+    if (scan[k] != 0) last = k;
+  }
+  EXPECT_EQ((int32_t)(progress >> StripSizeShift), sizes);
+  EXPECT_GT((int32_t)(progress & 0xFF), last);
+  EXPECT_LE(progress & 0xFF, 64u);
+  scan[0] = 0;
+  if (b < 4) row->scans.insert(row->scans.end(), scan, scan + 64);
+}
+
+/** The same in two strips, from data without stuffing. */
+Row Decode_By_Strips(const Kernels& record, const Bytes& raw, int32_t columns) {
+  Row row(columns);
+  const std::unique_ptr<uint8_t[]> exact(new uint8_t[raw.size()]), data(new uint8_t[raw.size() + 2 * StripPadding]);
+  std::copy(raw.begin(), raw.end(), exact.get());
+  StripReader reader = {data.get(), 0, 8 * record.unstuff(exact.get(), raw.size(), data.get())};
+  for (int32_t done = 0; done < columns;) {
+    const int32_t count = done == 0 && columns > 1 ? columns / 2 : columns - done;
+    std::vector<int16_t> words((size_t)count * StripMacroblockSize + 16, 0);
+    words.front() = words.back() = 0x5A5A;
+    StripReach reach;
+    record.decodeStrip(&reader, &stripTables, words.data() + 8, &reach, count);
+    EXPECT_TRUE(words.front() == 0x5A5A && words.back() == 0x5A5A);
+    for (int32_t b = 0; b < 6 * count; ++b) {
+      Take_Block(&row, words.data() + 8 + stripTables.offsets[b], reach.blocks[b], b % 6, done + b / 6);
+    }
+    done += count;
+  }
+  return row;
+}
+
+Row Decode_At_Level(uint32_t mask, const Bytes& raw, int32_t columns) {
+  const Kernels record = Kernels_Select(mask);
+  return record.decodeStrip ? Decode_By_Strips(record, raw, columns) : Decode_By_Kernel(record.decodeRow, raw, columns);
+}
+
 struct HuffmanKernel : LibraryTest {
   ReferenceDecoder reference;
   Noise noise{3};
@@ -138,7 +184,7 @@ TEST_F(HuffmanKernel, EveryPrefixOfSixteenBitsInEachTable) {
           if (raw.back() == 0xFF) raw.push_back(0);
         }
         raw.insert(raw.end(), {0x28, 0xA2, 0x8A, 0, 0, 0x28});
-        ASSERT_TRUE(Decode_By_Kernel(Kernels_Select(mask).decodeRow, raw, 1) == reference.Decode(raw, 1))
+        ASSERT_TRUE(Decode_At_Level(mask, raw, 1) == reference.Decode(raw, 1))
             << level << " lead " << lead << " prefix " << prefix;
       }
     }
@@ -157,8 +203,7 @@ TEST_F(HuffmanKernel, AnyBytesMarkersStuffingAndEarlyEndsIncluded) {
         if (shape == 2 && dice > 8) byte = 0xFE;  // Long codes, and bits that are no code.
         if (shape == 3 && dice < 2) byte = 0xF9;
       }
-      ASSERT_TRUE(Decode_By_Kernel(Kernels_Select(mask).decodeRow, raw, columns) == reference.Decode(raw, columns))
-          << level << " round " << round;
+      ASSERT_TRUE(Decode_At_Level(mask, raw, columns) == reference.Decode(raw, columns)) << level << " round " << round;
     }
   }
   EXPECT_GT(reference.notCodes, 100);  // The noise reaches the corners that it is for.

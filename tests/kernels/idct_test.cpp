@@ -1,7 +1,7 @@
-// The inverse transform against the mathematics and known blocks; rows of blocks against the blocks one by one.
+// the inverse transform against the mathematics and known blocks.
+#include "kernels/kernels.h"
 #include "pixel/color_tables.h"
 #include "pixel/compress.h"
-#include "support/levels.h"
 #include "support/streams.h"
 
 #include <cmath>
@@ -95,35 +95,6 @@ TEST_F(IdctKernel, ConstantBlocksOfAnySizeOfCoefficient) {
     EXPECT_EQ(Transformed(Idct_Row_Plain, block, codec->lumaInverse), expected) << c;
     if (std::abs((double)c) > 255) continue;
     EXPECT_EQ(Transformed(Idct_Row_Packed_Plain, block, codec->lumaInverse), expected) << c;
-  }
-}
-
-TEST_F(IdctKernel, RowsOfEveryLevelAreThePlainBlocksSideBySide) {
-  Noise noise{5};
-  for (const auto& [level, mask] : Test_Levels()) {
-    const Kernels tested = Kernels_Select(mask);
-    for (int round = 0; round < 1000; ++round) {
-      Codec_Set_Quality(codec, noise.Between(1, 100));
-      const int32_t shape = round % 6;
-      Block blocks((size_t)(round / 6 % 17 + 1) * 64);
-      for (size_t i = 0; i < blocks.size(); ++i) {
-        const int32_t any = (int32_t)(noise.Next() << 8 ^ noise.Next());
-        const int32_t values[] = {
-            INT32_MIN + (any % 9 + 8), INT32_MAX - 8 + any % 9, i % 64 ? 0 : any % 2048, any % 1024, any, 0};
-        blocks[i] = values[shape];
-        if (shape == 5 && i % 65 == (size_t)round % 64) blocks[i] = any % 32768;
-      }
-      const size_t shift = noise.Next() % 16, width = blocks.size() / 8;
-      for (const auto& [kernel, plain] :
-           {std::pair{tested.idctRow, &Idct_Row_Plain}, {tested.idctRowPacked, &Idct_Row_Packed_Plain}}) {
-        Bytes expected(blocks.size());
-        for (size_t b = 0; b < width; b += 8) {
-          const Bytes one = Transformed(plain, Block(&blocks[8 * b], &blocks[8 * b] + 64), codec->chromaInverse);
-          for (size_t i = 0; i < 64; ++i) expected[i / 8 * width + b + i % 8] = one[i];
-        }
-        ASSERT_EQ(Transformed(kernel, blocks, codec->chromaInverse, shift), expected) << level << " round " << round;
-      }
-    }
   }
 }
 

@@ -78,8 +78,8 @@ TEST_F(Converters, EveryPairOfChromaValuesAndEverySmallSize) {
 
 /** Also of odd sizes each pixel is written: the last column and row take the chroma beside them. */
 TEST_F(Converters, DitherKeepsToLevelsAtEverySmallSize) {
-  Noise noise{5};
   for (const auto& [level, mask] : Test_Levels()) {
+    Noise noise{5};
     kernels = Kernels_Select(mask);
     for (int32_t size = 2; size <= 70; ++size) {
       const int32_t width = size, height = 81 % (size + 3) + 2;
@@ -111,6 +111,34 @@ TEST_F(Converters, DitherKeepsToLevelsAtEverySmallSize) {
   }
   const PlanesPtr thin(Planes_New(1, 9, 4, 1));
   EXPECT_EQ(Converted(PixelPalette8, 8, thin.get()), Bytes(9, 0xCC));
+}
+
+TEST_F(Converters, PicturePieceByPiece) {
+  Noise noise{8};
+  for (const auto& [width, height] : {std::pair{37, 21}, {4096, 1366}}) {  // The large one goes past any cache.
+    const PlanesPtr planes(Planes_New(width, height, 4, 1));
+    std::ranges::copy(noise.Some((size_t)(width * height)), planes->yRows[0]);
+    std::ranges::copy(noise.Some((size_t)(2 * planes->cbWidth * planes->cbHeight)), planes->cbRows[0]);  // Cr lies behind Cb.
+    for (const auto& [format, bits] : {std::pair{PixelPalette8, 8}, {PixelRgb555, 16}, {PixelRgb24, 24}, {PixelRgb32, 32}}) {
+      kernels = Kernels_Select(KernelPlain);
+      const Bytes whole = Converted(format, bits, planes.get());
+      const size_t pitch = whole.size() / (size_t)height;
+      for (const auto& [level, mask] : Test_Levels()) {
+        kernels = Kernels_Select(mask);
+        const RasterPtr raster(Raster_New(width, height, bits));
+        ASSERT_EQ((uintptr_t)raster->rows[height - 1] % 64, 0u);
+        memset(raster->rows[height - 1], 0xCC, whole.size());
+        for (int32_t first = 0; first < height / 2 + 1; first += 8) {
+          const uint8_t* const next = raster->rows[std::min(2 * first, height - 1)];
+          ASSERT_TRUE(2 * first >= height || std::count(next, next + pitch, 0xCC) == (ptrdiff_t)pitch) << level << first;
+          Convert_Plane_Rows(format, planes.get(), raster.get(), DitherNormal, RasterLeft, first, 8);
+        }
+        for (int32_t y = 0; y < height; ++y) {
+          ASSERT_EQ(memcmp(raster->rows[y], &whole[(size_t)y * pitch], pitch), 0) << level << ", " << bits << " bits, row " << y;
+        }
+      }
+    }
+  }
 }
 
 TEST_F(Converters, PictureConvertedElsewhere) {

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -23,8 +24,14 @@ Function Find_Export(HMODULE library, const char* name) {
 }
 #define FIND(name) decltype(&::name) name = Find_Export<decltype(&::name)>(module, #name)
 
+/** The DLL to test: the one built, or one kept to fewer kernel levels. */
+inline const char* Library_Name() {
+  const char* const name = std::getenv("VELARTO_DLL");
+  return name ? name : "velarto.dll";
+}
+
 struct Library {
-  HMODULE module = LoadLibraryA("velarto.dll");
+  HMODULE module = LoadLibraryA(Library_Name());
   FIND(JDEC_Init);
   FIND(JDEC_Exit);
   FIND(JDEC_New);

@@ -1,9 +1,8 @@
-// The kernels alone, a picture's row of 640 pixels at a time, on data as photographs bring it.
+// Kernels of decoding alone, a picture's row of 640 pixels at a time, on data as photographs bring it.
+#include "bench/levels.h"
 #include "decode/quant.h"
-#include "kernels/kernels.h"
 #include "pixel/color_tables.h"
 
-#include <benchmark/benchmark.h>
 #include <vector>
 #include <velarto.h>
 
@@ -45,24 +44,7 @@ void Idct(benchmark::State& state, IdctRowKernel kernel) {
   JDEC_Exit();
 }
 
-void Convert(benchmark::State& state, ConvertRowsKernel kernel) {
-  JDEC_Init();
-  std::vector<uint8_t> planes(3 * Width), out(2 * Width * 4);
-  for (size_t i = 0; i < planes.size(); ++i) planes[i] = (uint8_t)(i * 37 >> 3);
-  const ColorTables tables = {rangeLimit, yccRgbTable};
-  const uint8_t* const chroma = &planes[2 * Width];
-  for (auto _ : state) {
-    kernel(&tables, &planes[0], &planes[Width], chroma, chroma + Width / 2, &out[0], &out[Width * 4], Width / 2);
-    benchmark::ClobberMemory();
-  }
-  state.counters["pixels"] = benchmark::Counter(2 * Width, benchmark::Counter::kIsIterationInvariantRate);
-  JDEC_Exit();
-}
-
-BENCHMARK_CAPTURE(Idct, plain, Idct_Row_Plain);
-BENCHMARK_CAPTURE(Idct, packed_plain, Idct_Row_Packed_Plain);
-BENCHMARK_CAPTURE(Convert, rgb24_plain, To_Rgb24_Plain);
-BENCHMARK_CAPTURE(Convert, rgb32_plain, To_Rgb32_Plain);
-BENCHMARK_CAPTURE(Convert, rgb565_plain, To_Rgb565_Plain);
+const bool registered[] = {Bench_Levels("Idct", &Kernels::idctRow, Idct),
+                           Bench_Levels("Idct_Packed", &Kernels::idctRowPacked, Idct)};
 
 }  // namespace

@@ -1,0 +1,14 @@
+#include "apps/velarto/commands.h"
+#include "apps/velarto/program.h"
+
+void Add_Commands(CLI::App* app, int* code) {
+  Info_Command(app, code);
+  Export_Command(app, code);
+  Make_Command(app, code);
+  Record_Command(app, code);
+  Bench_Command(app, code);
+  View_Command(app, code);
+  Camera_Command(app, code);
+}
+
+bool Keep_Or_Pass_On(int, char**, std::string*) { return true; }

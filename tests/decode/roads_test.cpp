@@ -1,0 +1,84 @@
+// Frames by rows of macroblocks, at every level, against frames by whole planes: the same samples, pixels and hidden text,
+// whatever the size, the bytes, and what the buffers held before.
+#include "decode/idct.h"
+#include "decode/watermark.h"
+#include "support/levels.h"
+#include "support/streams.h"
+
+namespace {
+
+using Rows = std::vector<Bytes>;
+
+Rows Planes_Of(const JdecDecoder* decoder) {
+  const JdecPlanes* const planes = decoder->codec->planes;
+  Rows rows;
+  for (int32_t i = 0; i < planes->yHeight; ++i) rows.emplace_back(planes->yRows[i], planes->yRows[i] + planes->yWidth);
+  for (int32_t i = 0; i < planes->cbHeight; ++i) {
+    rows.emplace_back(planes->cbRows[i], planes->cbRows[i] + planes->cbWidth);
+    rows.emplace_back(planes->crRows[i], planes->crRows[i] + planes->crWidth);
+  }
+  return rows;
+}
+
+/** What a caller can see after each of some steps on one decoder. */
+struct Seen {
+  std::vector<Rows> planes;
+  std::vector<Bytes> pictures, texts;
+  bool operator==(const Seen&) const = default;
+};
+
+struct Roads : LibraryTest {
+  Noise noise{11};
+  static constexpr int32_t Steps = 8;
+
+  /** Noise, some of it much too short for its picture, some full of markers. */
+  std::vector<Bytes> Bodies(int32_t width, int32_t height) {
+    std::vector<Bytes> bodies;
+    for (int32_t i = 0; i < Steps; ++i) {
+      Bytes body = noise.Some((size_t)noise.Between(0, width * height / (i % 2 ? 2 : 9)));
+      for (uint8_t& byte : body) byte = i % 3 == 2 && noise.Next() % 8 == 0 ? 0xFF : byte;
+      bodies.push_back(body);
+    }
+    return bodies;
+  }
+
+  static Seen Run(uint32_t mask, int32_t width, int32_t height, const std::vector<Bytes>& bodies, const Bytes& pixels) {
+    kernels = Kernels_Select(mask);
+    Watermark_Reset();
+    const DecoderPtr decoder = Headless_Decoder(width, height);
+    Bytes out(600000);
+    Seen seen;
+    for (int32_t i = 0; i < Steps; ++i) {
+      // A picture compressed in between leaves its coefficients in what no macroblock covers.
+      if (i % 4 == 2) JDEC_Compress_RGB888(decoder.get(), 20 * i, pixels.data(), 0, out.data(), (int32_t)out.size(), 0, 0);
+      Push(decoder.get(), Compact_Frame(width, height, 17 + 12 * i, bodies[(size_t)i]));
+      seen.planes.push_back(Planes_Of(decoder.get()));
+      seen.pictures.push_back(Current_Picture(decoder.get()));
+      Bytes text(WatermarkRoom);
+      text.resize((size_t)Watermark_Read(text.data(), WatermarkRoom));
+      seen.texts.push_back(text);
+    }
+    return seen;
+  }
+};
+
+TEST_F(Roads, GiveTheSamePictures) {
+  size_t longest = 0;
+  for (const auto& [width, height] :
+       {std::pair{16, 16}, {17, 31}, {9, 40}, {40, 9}, {24, 24}, {56, 72}, {330, 57}, {95, 65}, {1, 1}, {608, 16}}) {
+    const std::vector<Bytes> bodies = Bodies(width, height);
+    const Bytes pixels = noise.Some((size_t)(width * height * 3));
+    const Seen expected = Run(KernelPlain, width, height, bodies, pixels);
+    for (const auto& [level, mask] : Test_Levels()) {
+      EXPECT_TRUE(Run(mask, width, height, bodies, pixels) == expected) << level << " " << width << "x" << height;
+      useMmxIdct = 1;
+      const Seen packed = Run(KernelPlain, width, height, bodies, pixels);
+      EXPECT_TRUE(Run(mask, width, height, bodies, pixels) == packed) << level << ", packed, " << width << "x" << height;
+      useMmxIdct = 0;
+    }
+    for (const Bytes& text : expected.texts) longest = std::max(longest, text.size());
+  }
+  EXPECT_GT(longest, 5u);  // Noise hides texts, so that their comparison says something.
+}
+
+}  // namespace
