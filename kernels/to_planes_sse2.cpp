@@ -78,21 +78,27 @@ typedef __m128i Bias;
 
 static inline Bias Bias_Of(int32_t even, int32_t odd) { return _mm_set1_epi32((4 * 127 + odd) << 16 | (4 * 127 + even)); }
 
-/** Averages of four from the sums of two in two rows: a and c, b and d. */
-static inline __m128i Average(__m128i a, __m128i b, __m128i c, __m128i d, Bias bias) {
-  return _mm_srli_epi16(_mm_sub_epi16(bias, _mm_packs_epi32(_mm_add_epi32(a, c), _mm_add_epi32(b, d))), 2);
+/** What eight pixels of two rows come to: luma in words, sums of what 2x2 chroma samples lack to 127. */
+struct Converted {
+  __m128i yUpper, yLower, blue, red;
+};
+
+static inline Converted Convert_Eight(const Eight& upper, const Eight& lower) {
+  return {Luma(upper), Luma(lower), _mm_add_epi32(Blue_Chroma(upper), Blue_Chroma(lower)),
+          _mm_add_epi32(Red_Chroma(upper), Red_Chroma(lower))};
+}
+
+static inline __m128i Average(__m128i a, __m128i b, Bias bias) {
+  return _mm_srli_epi16(_mm_sub_epi16(bias, _mm_packs_epi32(a, b)), 2);
 }
 
 static inline void Convert_Step(const uint8_t* upper, const uint8_t* lower, uint8_t* yUpper, uint8_t* yLower, uint8_t* cb,
                                 uint8_t* cr, Bias bias) {
-  const Eight a = Load_Eight(upper), b = Load_Last_Eight(upper + 24);
-  _mm_storeu_si128((__m128i*)yUpper, _mm_packus_epi16(Luma(a), Luma(b)));
-  const __m128i blueA = Blue_Chroma(a), blueB = Blue_Chroma(b), redA = Red_Chroma(a), redB = Red_Chroma(b);
-  const Eight c = Load_Eight(lower), d = Load_Last_Eight(lower + 24);
-  _mm_storeu_si128((__m128i*)yLower, _mm_packus_epi16(Luma(c), Luma(d)));
-  const __m128i blue = Average(blueA, blueB, Blue_Chroma(c), Blue_Chroma(d), bias);
-  const __m128i red = Average(redA, redB, Red_Chroma(c), Red_Chroma(d), bias);
-  const __m128i packed = _mm_packus_epi16(blue, red);
+  const Converted a = Convert_Eight(Load_Eight(upper), Load_Eight(lower));
+  const Converted b = Convert_Eight(Load_Last_Eight(upper + 24), Load_Last_Eight(lower + 24));
+  _mm_storeu_si128((__m128i*)yUpper, _mm_packus_epi16(a.yUpper, b.yUpper));
+  _mm_storeu_si128((__m128i*)yLower, _mm_packus_epi16(a.yLower, b.yLower));
+  const __m128i packed = _mm_packus_epi16(Average(a.blue, b.blue, bias), Average(a.red, b.red, bias));
   _mm_storel_epi64((__m128i*)cb, packed);
   _mm_storel_epi64((__m128i*)cr, _mm_unpackhi_epi64(packed, packed));
 }
