@@ -52,6 +52,17 @@ static inline void Split_Columns(const int16_t (*from)[Lanes][8], Words* sums, W
   }
 }
 
+static inline int32_t Count_Bits(uint64_t mask) { return __builtin_popcountll(mask); }
+
+/** 64 where there is none. */
+static inline uint64_t Lowest_Bit(uint64_t mask) {
+#ifdef __x86_64__
+  return _tzcnt_u64(mask);
+#else
+  return mask ? (uint64_t)__builtin_ctzll(mask) : 64;
+#endif
+}
+
 static inline uint64_t Byte_Index(uint64_t position) { return position; }
 
 static inline uint32_t Copy_And_Find(const uint8_t* from, uint8_t* to) {

@@ -1,24 +1,20 @@
 /* Samples to bytes for the encoder's fast road, shared by its levels: transform and quantisation in 16 bits, Huffman coding, byte
  * stuffing. A macroblock goes stage by stage, each a short chain that the processor can run several of at once.
  *
- * A level brings ahead of this file:
- *   Lanes, the blocks in a vector, and Words, a vector of 8 words of each, with Load_Words, Store_Words, Same_Row (one row for
- * all blocks) and All (one number); Add, Sub, High_Product, Low_Product, Top_Bit, Halved, Size_Of, With_Sign, Zero_Below: their
- * arithmetic, in 16 bits; Transpose: of 8x8 words of each block, registers to memory; Split_Columns: sums and differences of
- * opposite columns, from what Load_Set left in four vectors; Byte_Index: where the level at a scan position stands among the
- * bytes of a block; CopyWidth and Copy_And_Find: copies so many bytes and gives a mask of the 0xFF among them. Behind this file
- * it brings Load_Set and Sort_Levels. */
+ * A level defines ahead of this file: Lanes, the blocks in a vector; Words, a vector of 8 words of each block; and what is used
+ * of them below. Behind it, it defines Load_Set and Sort_Levels. */
 
 #define INLINE static inline __attribute__((always_inline))
 
-/** A strip is what is transformed before it is coded. A block's bits: 63 levels of 26, and the first of 22. */
-enum { StripUnits = 4, UnitSets = 6 / Lanes, LumaSets = 4 / Lanes, MostBlockBytes = 208 };
+enum { UnitSets = 6 / Lanes, LumaSets = 4 / Lanes };
+/** Of a block: 63 levels of 26 bits and the first of 22; two entries a level, the first, and the one behind the end. */
+enum { MostBlockBytes = 208, MostBlockEntries = 128 };
 
 /** Blocks on their way from samples to bits, as many as a vector holds. */
 typedef struct {
   int16_t words[8][Lanes][8];  ///< Work of the transform; in the end the levels, row by row.
   uint64_t nonZero[Lanes];     ///< Levels other than 0, by scan position.
-  int8_t bytes[Lanes][64];     ///< Levels as bytes, larger ones as -128 or 127, in an order of the level's own.
+  int8_t bytes[Lanes][72];     ///< Levels as bytes, larger ones as -128 or 127, in an order of the kernels' own; then a 0.
 } __attribute__((aligned(32))) BlockSet;
 
 /** Factors and limits of a quantisation, and the transform's constants; all in memory, as registers are for the samples. */
@@ -27,16 +23,10 @@ typedef struct {
   Words minus75, minus117, plus78, plus98, middle;
 } __attribute__((aligned(32))) Constants;
 
-/** Pending bits, the newest lowest, and where bytes go. What stands above the pending bits has no meaning. */
-typedef struct {
-  uint64_t bits, count;
-  uint8_t* next;
-} BitWriter;
-
 /** Scan position to natural position. */
-static const uint8_t scanOrder[64] = {0,  1,  8,  16, 9,  2,  3,  10, 17, 24, 32, 25, 18, 11, 4,  5,  12, 19, 26, 33, 40, 48,
+static const uint8_t scanOrder[65] = {0,  1,  8,  16, 9,  2,  3,  10, 17, 24, 32, 25, 18, 11, 4,  5,  12, 19, 26, 33, 40, 48,
                                       41, 34, 27, 20, 13, 6,  7,  14, 21, 28, 35, 42, 49, 56, 57, 50, 43, 36, 29, 22, 15, 23,
-                                      30, 37, 44, 51, 58, 59, 52, 45, 38, 31, 39, 46, 53, 60, 61, 54, 47, 55, 62, 63};
+                                      30, 37, 44, 51, 58, 59, 52, 45, 38, 31, 39, 46, 53, 60, 61, 54, 47, 55, 62, 63, 64};
 
 /* ---- Transform ---- */
 
@@ -61,7 +51,7 @@ static void First_Pass(const Constants* c, BlockSet* set) {
   Transpose(y, set->words);
 }
 
-/** The samples come without their shift by 128, which the first value of all alone would notice. */
+/** Nothing has shifted the samples by 128 so far: the first value of all alone notices. */
 static void Second_Pass(const Constants* c, BlockSet* set) {
   Words sums[4], differences[4], y[8];
   for (int i = 0; i < 4; ++i) {
@@ -90,57 +80,72 @@ static void Prepare(Constants* c, const int16_t* forward, const int16_t* inverse
 
 /* ---- Huffman coding ---- */
 
-INLINE void Put_Entry(BitWriter* writer, uint32_t entry) {
-  writer->bits = writer->bits << (entry & 63) | entry >> 8;
-  writer->count += entry & 255;
+static inline uint32_t Code_Entry(const JdecHuffEncode* code, int32_t symbol) {
+  return code->code[symbol] << 8 | (uint32_t)code->size[symbol];
 }
 
-/** Brings all whole bytes out; writes eight bytes, whatever their number. At most 63 bits may be pending. */
-INLINE void Flush_Bytes(BitWriter* writer) {
-  const uint64_t bytes = __builtin_bswap64(writer->bits << (-writer->count & 63));
-  __builtin_memcpy(writer->next, &bytes, 8);
-  writer->next += writer->count >> 3;
-  writer->count &= 7;
-}
-
-INLINE void Put_Code(BitWriter* writer, const JdecHuffEncode* code, int32_t symbol) {
-  writer->bits = writer->bits << code->size[symbol] | code->code[symbol];
-  writer->count += (uint64_t)code->size[symbol];
-}
-
-/** A level behind a run, whatever they are. */
-static __attribute__((noinline)) BitWriter Put_Any(BitWriter writer, const JdecHuffEncode* code, int32_t run, int32_t level) {
-  for (; run > 15; run -= 16) {
-    Put_Code(&writer, code, 0xF0);
-    Flush_Bytes(&writer);
-  }
-  const int32_t size = 32 - __builtin_clz((uint32_t)(level < 0 ? -level : level));
-  Put_Code(&writer, code, run * 16 + size);
-  writer.bits = writer.bits << size | ((uint32_t)(level < 0 ? level - 1 : level) & ((1u << size) - 1));
-  writer.count += (uint64_t)size;
-  return writer;
-}
-
-INLINE void Put_Block(BitWriter* writer, const HuffEncodeTables* tables, const BlockSet* set, int32_t lane, int32_t* predictor) {
-  const int32_t dc = set->words[0][lane][0];
-  Put_Entry(writer, tables->dc[dc - *predictor + HuffDcReach]);
-  *predictor = dc;
-  uint64_t last = 0;
-  for (uint64_t left = set->nonZero[lane] & ~(uint64_t)1; left;) {
-    const uint64_t position = (uint64_t)__builtin_ctzll(left), step = position - last;
-    left &= left - 1;
+/** Lists all levels of a block, whatever they are: zeros by sixteen, code and value by themselves. */
+static __attribute__((noinline)) uint32_t* List_Any(const JdecHuffEncode* code, const BlockSet* set, int32_t lane, uint64_t left,
+                                                    uint32_t* out) {
+  for (int32_t last = 0; left; left &= left - 1) {
+    const int32_t position = __builtin_ctzll(left), natural = scanOrder[position];
+    int32_t run = position - last - 1;
     last = position;
-    const uint32_t entry = step > 16 ? 0 : tables->ac[step * 256 + (uint8_t)set->bytes[lane][Byte_Index(position)]];
-    if (__builtin_expect(entry == 0, 0)) {
-      const int32_t natural = scanOrder[position];
-      *writer = Put_Any(*writer, tables->acCode, (int32_t)step - 1, set->words[natural / 8][lane][natural % 8]);
-    } else {
-      Put_Entry(writer, entry);
-    }
-    Flush_Bytes(writer);
+    for (; run > 15; run -= 16) *out++ = Code_Entry(code, 0xF0);
+    const int32_t level = set->words[natural / 8][lane][natural % 8];
+    const int32_t size = 32 - __builtin_clz((uint32_t)(level < 0 ? -level : level));
+    *out++ = Code_Entry(code, run * 16 + size);
+    *out++ = ((uint32_t)(level < 0 ? level - 1 : level) & ((1u << size) - 1)) << 8 | (uint32_t)size;
   }
-  Put_Entry(writer, last < 63 ? tables->ac[0] : 0);
-  Flush_Bytes(writer);
+  return out;
+}
+
+/** Lists what is to be written for a block: DC, levels, end. */
+INLINE uint32_t* List_Block(const HuffEncodeTables* tables, const BlockSet* set, int32_t lane, int32_t* predictor,
+                            uint32_t* out) {
+  const int32_t dc = set->words[0][lane][0];
+  *out++ = tables->dc[dc - *predictor + HuffDcReach];
+  *predictor = dc;
+  const uint16_t* const acRows = tables->acRows;
+  const uint32_t* const ac = tables->ac;
+  const uint8_t* const bytes = (const uint8_t*)set->bytes[lane];
+  const uint64_t levels = set->nonZero[lane] & ~(uint64_t)1;
+  uint32_t *next = out, *end = out + Count_Bits(levels);
+  uint64_t last = 0;
+  uint32_t any = 0;
+  // Two at a time; where there is but one, position 64 gives an entry that means nothing.
+  for (uint64_t left = levels; left; left &= left - 1, next += 2) {
+    const uint64_t position = Lowest_Bit(left);
+    left &= left - 1;
+    const uint32_t entry = ac[(size_t)acRows[position - last] + bytes[Byte_Index(position)]];
+    last = Lowest_Bit(left);
+    const uint32_t second = ac[(size_t)acRows[last - position] + bytes[Byte_Index(last)]];
+    next[0] = entry;
+    next[1] = second;
+    any |= entry | second;
+  }
+  if (__builtin_expect((int32_t)any < 0, 0)) end = List_Any(tables->acCode, set, lane, levels, out);
+  *end = ac[0];
+  return end + (levels >> 63 == 0);
+}
+
+/** Writes the bits of the entries from..to behind the writer's pending ones, two entries at a time, and gives where the whole
+ *  bytes end. The entry behind them is overwritten, and up to 8 bytes behind the end. */
+static uint8_t* Put_Entries(HuffWriter* writer, uint32_t* from, uint32_t* to, uint8_t* out) {
+  uint64_t bits = writer->bits, count = (uint64_t)writer->bitCount;
+  *to = 0;
+  for (; from < to; from += 2) {
+    const uint32_t length = (from[0] + from[1]) & 0xFF;
+    bits = bits << length | (uint64_t)(from[0] >> 8) << (from[1] & 63) | from[1] >> 8;
+    count += length;
+    const uint64_t bytes = __builtin_bswap64(bits << (-count & 63));
+    __builtin_memcpy(out, &bytes, 8);
+    out += count >> 3;
+    count &= 7;
+  }
+  writer->bits = bits;
+  writer->bitCount = (int32_t)count;
+  return out;
 }
 
 /** Copies the bytes from..to with a 0 behind each 0xFF and gives where they end; null when that would be beyond `outEnd`. */
@@ -178,30 +183,25 @@ static void Transform_Unit(const HuffEncodeTables* tables, const Constants* luma
   for (int32_t i = 0; i < UnitSets; ++i) Sort_Levels(tables, sets + i);
 }
 
-static void Put_Unit(BitWriter* writer, const HuffEncodeTables* tables, const BlockSet* sets, int32_t* predictors) {
-  BitWriter local = *writer;
-  int32_t luma = predictors[0];
-  for (int32_t i = 0; i < 4; ++i) Put_Block(&local, &tables[0], sets + i / Lanes, i % Lanes, &luma);
-  predictors[0] = luma;
-  for (int32_t i = 4; i < 6; ++i) Put_Block(&local, &tables[1], sets + i / Lanes, i % Lanes, &predictors[i - 3]);
-  *writer = local;
+static uint32_t* List_Unit(const HuffEncodeTables* tables, const BlockSet* sets, int32_t* predictors, uint32_t* out) {
+  for (int32_t i = 0; i < 4; ++i) out = List_Block(&tables[0], sets + i / Lanes, i % Lanes, &predictors[0], out);
+  for (int32_t i = 4; i < 6; ++i) out = List_Block(&tables[1], sets + i / Lanes, i % Lanes, &predictors[i - 3], out);
+  return out;
 }
 
 static int32_t Encode_Units(const HuffEncodeTables* tables, const EncodeSource* source, int32_t columns, HuffWriter* writer) {
   Constants luma, chroma;
   Prepare(&luma, source->lumaForward, source->lumaInverse);
   Prepare(&chroma, source->chromaForward, source->chromaInverse);
-  BlockSet sets[StripUnits][UnitSets];
-  uint8_t bytes[StripUnits * 6 * MostBlockBytes + 64];
-  for (int32_t start = 0; start < columns; start += StripUnits) {
-    const int32_t count = columns - start < StripUnits ? columns - start : StripUnits;
-    for (int32_t i = 0; i < count; ++i) Transform_Unit(tables, &luma, &chroma, source, (ptrdiff_t)16 * (start + i), sets[i]);
-    BitWriter bits = {writer->bits, (uint64_t)writer->bitCount, bytes};
-    for (int32_t i = 0; i < count; ++i) Put_Unit(&bits, tables, sets[i], writer->predictors);
-    writer->bits = bits.bits;
-    writer->bitCount = (int32_t)bits.count;
-    writer->next = Stuff_Bytes(bytes, bits.next, writer->next, writer->end);
-    if (!writer->next) return 0;
+  BlockSet sets[UnitSets];
+  for (int32_t i = 0; i < 6; ++i) sets[i / Lanes].bytes[i % Lanes][64] = 0;
+  uint32_t entries[6 * MostBlockEntries];
+  uint8_t bytes[6 * MostBlockBytes + 64];
+  for (int32_t i = 0; i < columns && writer->next; ++i) {
+    Transform_Unit(tables, &luma, &chroma, source, (ptrdiff_t)16 * i, sets);
+    uint32_t* const entriesEnd = List_Unit(tables, sets, writer->predictors, entries);
+    const uint8_t* const bytesEnd = Put_Entries(writer, entries, entriesEnd, bytes);
+    writer->next = Stuff_Bytes(bytes, bytesEnd, writer->next, writer->end);
   }
-  return 1;
+  return writer->next != NULL;
 }

@@ -58,6 +58,15 @@ static inline void Split_Columns(const int16_t (*from)[Lanes][8], Words* sums, W
   }
 }
 
+static inline int32_t Count_Bits(uint64_t mask) {
+  mask -= mask >> 1 & 0x5555555555555555;
+  mask = (mask & 0x3333333333333333) + (mask >> 2 & 0x3333333333333333);
+  return (int32_t)(((mask + (mask >> 4)) & 0x0F0F0F0F0F0F0F0F) * 0x0101010101010101 >> 56);
+}
+
+/** 64 where there is none. */
+static inline uint64_t Lowest_Bit(uint64_t mask) { return mask ? (uint64_t)__builtin_ctzll(mask) : 64; }
+
 static inline uint64_t Byte_Index(uint64_t position);
 
 static inline uint32_t Copy_And_Find(const uint8_t* from, uint8_t* to) {

@@ -187,11 +187,15 @@ struct JdecHuffEncode {
 /** DC levels differ by less than this; qualities up to 90 see to it. */
 constexpr int32_t HuffDcReach = 1024;
 
-/** What the encoding of a component's blocks reads. An entry holds the bits to write, at most 24, and in its low byte their
- * number; it is 0 where the code by symbol has to be taken. */
+/** In an entry of the AC table: the code by symbol has to be taken. */
+constexpr uint32_t HuffAcSpecial = 0x80000000;
+
+/** What the encoding of a component's blocks reads. An entry holds the bits to write, at most 23, and in its low byte their
+ *  number. */
 struct HuffEncodeTables {
-  const uint32_t* dc;  ///< By difference plus HuffDcReach.
-  const uint32_t* ac;  ///< By distance from the last level, 1 to 16, and level as a byte. The first is the end of block.
+  const uint32_t* dc;      ///< By difference plus HuffDcReach.
+  const uint16_t* acRows;  ///< By distance from the last level, 0 to 64: where its part of `ac` begins.
+  const uint32_t* ac;      ///< By level as a byte; 0 for none. The first of all is the end of block.
   const JdecHuffEncode *dcCode, *acCode;
   /** By row of a block and which of its 8 levels are not 0: the same by scan position. */
   const uint64_t (*scanMasks)[256];

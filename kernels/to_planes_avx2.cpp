@@ -53,7 +53,7 @@ static inline __m256i Luma(const Sixteen& pixels) {
   return _mm256_add_epi16(sums, _mm256_set1_epi16((19235 + 1) / 2));
 }
 
-/** 127 less Cb, and 127 less Cr. */
+/** What Cb and Cr lack to 127. */
 static inline __m256i Blue_Chroma(const Sixteen& pixels) {
   return Upper_Halves(pixels, Factors(-32768, 21709 - 1), Factors(11059, 1));
 }
@@ -61,9 +61,19 @@ static inline __m256i Red_Chroma(const Sixteen& pixels) {
   return Upper_Halves(pixels, Factors(5329, 27439 - 1), Factors(-32768, 1));
 }
 
-static inline void Store_Luma(uint8_t* y, const Sixteen& a, const Sixteen& b) {
+/** What sixteen pixels of two rows come to: luma, and sums of two rows of what chroma lacks to 127. */
+struct Converted {
+  __m256i yUpper, yLower, blue, red;
+};
+
+static inline Converted Convert_Sixteen(const uint8_t* upper, const uint8_t* lower) {
+  const Sixteen a = Load_Sixteen(upper), b = Load_Sixteen(lower);
+  return {Luma(a), Luma(b), _mm256_add_epi16(Blue_Chroma(a), Blue_Chroma(b)), _mm256_add_epi16(Red_Chroma(a), Red_Chroma(b))};
+}
+
+static inline void Store_Luma(uint8_t* y, __m256i a, __m256i b) {
   const __m256i order = Both_Lanes(_mm_setr_epi8(0, 2, 4, 6, 1, 3, 5, 7, 8, 10, 12, 14, 9, 11, 13, 15));
-  const __m256i packed = _mm256_shuffle_epi8(_mm256_packus_epi16(Luma(a), Luma(b)), order);
+  const __m256i packed = _mm256_shuffle_epi8(_mm256_packus_epi16(a, b), order);
   _mm256_storeu_si256((__m256i*)y, _mm256_permute4x64_epi64(packed, 0xD8));
 }
 
@@ -86,13 +96,10 @@ static inline Bias Bias_Of(int32_t even, int32_t odd) {
 
 static inline void Convert_Step(const uint8_t* upper, const uint8_t* lower, uint8_t* yUpper, uint8_t* yLower, uint8_t* cb,
                                 uint8_t* cr, Bias bias) {
-  const Sixteen a = Load_Sixteen(upper), b = Load_Sixteen(upper + 48);
-  Store_Luma(yUpper, a, b);
-  const __m256i blueA = Blue_Chroma(a), blueB = Blue_Chroma(b), redA = Red_Chroma(a), redB = Red_Chroma(b);
-  const Sixteen c = Load_Sixteen(lower), d = Load_Sixteen(lower + 48);
-  Store_Luma(yLower, c, d);
-  const __m256i blue = Average(_mm256_add_epi16(blueA, Blue_Chroma(c)), _mm256_add_epi16(blueB, Blue_Chroma(d)), bias);
-  const __m256i red = Average(_mm256_add_epi16(redA, Red_Chroma(c)), _mm256_add_epi16(redB, Red_Chroma(d)), bias);
+  const Converted a = Convert_Sixteen(upper, lower), b = Convert_Sixteen(upper + 48, lower + 48);
+  Store_Luma(yUpper, a.yUpper, b.yUpper);
+  Store_Luma(yLower, a.yLower, b.yLower);
+  const __m256i blue = Average(a.blue, b.blue, bias), red = Average(a.red, b.red, bias);
   const __m256i order = Both_Lanes(_mm_setr_epi8(0, 2, 1, 3, 4, 6, 5, 7, 8, 10, 9, 11, 12, 14, 13, 15));
   const __m256i packed = _mm256_shuffle_epi8(_mm256_packus_epi16(blue, red), order);
   const __m256i sorted = _mm256_permutevar8x32_epi32(packed, _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7));

@@ -29,14 +29,15 @@ constexpr uint32_t Entry(const JdecHuffEncode& code, int32_t run, int32_t value)
 }
 
 struct EntryStore {
-  uint32_t dc[2 * HuffDcReach], ac[17][256];
+  uint32_t dc[2 * HuffDcReach], ac[18][256];
 
   constexpr EntryStore(const JdecHuffEncode& dcCode, const JdecHuffEncode& acCode) : dc{}, ac{} {
     for (int32_t d = 1 - HuffDcReach; d < HuffDcReach; ++d) dc[d + HuffDcReach] = Entry(dcCode, 0, d);
-    // A byte of 127 or -128 may stand for any larger level.
-    for (int32_t distance = 1; distance <= 16; ++distance) {
-      for (int32_t level = -127; level < 127; ++level) {
-        if (level != 0) ac[distance][static_cast<uint8_t>(level)] = Entry(acCode, distance - 1, level);
+    // A byte of 127 or -128 may stand for any larger level, and a distance of 17 for any larger one.
+    for (int32_t distance = 1; distance <= 17; ++distance) {
+      for (int32_t level = -128; level < 128; ++level) {
+        const bool special = distance == 17 || level == -128 || level == 127;
+        if (level != 0) ac[distance][static_cast<uint8_t>(level)] = special ? HuffAcSpecial : Entry(acCode, distance - 1, level);
       }
     }
     ac[0][0] = Entry(acCode, 0, 0);
@@ -58,10 +59,18 @@ constexpr ScanMasks Build_Scan_Masks() {
 
 constexpr JdecHuffEncode lumaDc = Huff_Build_Encode_Table(dcLumaCode), lumaAc = Huff_Build_Encode_Table(acLumaCode),
                          chromaDc = Huff_Build_Encode_Table(dcChromaCode), chromaAc = Huff_Build_Encode_Table(acChromaCode);
+constexpr auto acRows = [] {
+  std::array<uint16_t, 65> rows{};
+  for (size_t distance = 0; distance < rows.size(); ++distance) {
+    rows[distance] = static_cast<uint16_t>((distance < 17 ? distance : 17) * 256);
+  }
+  return rows;
+}();
 constexpr EntryStore lumaEntries(lumaDc, lumaAc), chromaEntries(chromaDc, chromaAc);
 constexpr ScanMasks scanMasks = Build_Scan_Masks();
 
 }  // namespace
 
-const HuffEncodeTables huffEncodeTables[2] = {{lumaEntries.dc, lumaEntries.ac[0], &lumaDc, &lumaAc, scanMasks.data()},
-                                              {chromaEntries.dc, chromaEntries.ac[0], &chromaDc, &chromaAc, scanMasks.data()}};
+const HuffEncodeTables huffEncodeTables[2] = {
+    {lumaEntries.dc, acRows.data(), lumaEntries.ac[0], &lumaDc, &lumaAc, scanMasks.data()},
+    {chromaEntries.dc, acRows.data(), chromaEntries.ac[0], &chromaDc, &chromaAc, scanMasks.data()}};

@@ -28,9 +28,10 @@ struct EncodeKernels : LibraryTest {
     const int32_t size = noise.Between(0, 160), level = noise.Between(0, 255), sign = noise.Between(0, 1) ? 1 : -1;
     for (int32_t y = 0; y < 8; ++y) {
       for (int32_t x = 0; x < 8; ++x) {
-        const double wave = sign * std::cos((2 * x + 1) * u * std::numbers::pi / 16) * std::cos((2 * y + 1) * v * std::numbers::pi / 16);
-        const double values[] = {(double)noise.Between(0, 255), wave > 0 ? 255.0 : 0.0,       128 + size * wave,
-                                 (double)level,                 noise.Next() % 2 ? 255.0 : 0, level + 8 * wave};
+        const double wave =
+            sign * std::cos((2 * x + 1) * u * std::numbers::pi / 16) * std::cos((2 * y + 1) * v * std::numbers::pi / 16);
+        const double values[] = {(double)noise.Between(0, 255), wave > 0 ? 255.0 : 0.0, 128 + size * wave, (double)level,
+                                 noise.Next() % 2 ? 255.0 : 0,  level + 8 * wave};
         rows[y][left + x] = (uint8_t)std::clamp(values[shape], 0.0, 255.0);
       }
     }
