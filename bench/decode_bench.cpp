@@ -1,8 +1,13 @@
 // Kernels of decoding alone, a picture's row of 640 pixels at a time, on data as photographs bring it.
 #include "bench/levels.h"
 #include "decode/quant.h"
+#include "decode/rows.h"
+#include "decode/strip_tables.h"
 #include "pixel/color_tables.h"
 
+#include <algorithm>
+#include <fstream>
+#include <iterator>
 #include <vector>
 #include <velarto.h>
 
@@ -44,7 +49,72 @@ void Idct(benchmark::State& state, IdctRowKernel kernel) {
   JDEC_Exit();
 }
 
-const bool registered[] = {Bench_Levels("Idct", &Kernels::idctRow, Idct),
-                           Bench_Levels("Idct_Packed", &Kernels::idctRowPacked, Idct)};
+/** The entropy-coded data of a scene of 320x240 at quality 50. */
+struct Scene {
+  std::vector<uint8_t> jpeg, data;
+  size_t count = 0;
+  static constexpr int32_t StripsInScene = 300 / 15, StripOfScene = 15;
+  Scene() {
+    std::ifstream file(VELARTO_SOURCE_DIR "/tests/data/scene-q50.jpg", std::ios::binary);
+    jpeg.assign(std::istreambuf_iterator<char>(file), {});
+    data.resize(jpeg.size() + 2 * StripPadding);
+  }
+  void Unstuff(UnstuffKernel kernel) { count = kernel(&jpeg.at(623), jpeg.size() - 625, data.data()); }
+};
+
+void Unstuff(benchmark::State& state, UnstuffKernel kernel) {
+  Scene scene;
+  for (auto _ : state) scene.Unstuff(kernel);
+  state.counters["bytes"] = benchmark::Counter((double)scene.count, benchmark::Counter::kIsIterationInvariantRate);
+}
+
+/** All strips of the scene, over and over into the same blocks. */
+void Decode_Strips(benchmark::State& state, DecodeStripKernel kernel) {
+  JDEC_Init();
+  Scene scene;
+  scene.Unstuff(kernels.unstuff);
+  std::vector<int16_t> blocks(StripMacroblocks * StripMacroblockSize);
+  StripReach reach;
+  for (auto _ : state) {
+    StripReader reader = {scene.data.data(), 0, 8 * scene.count};
+    for (int32_t i = 0; i < Scene::StripsInScene; ++i) kernel(&reader, &stripTables, blocks.data(), &reach, Scene::StripOfScene);
+    benchmark::ClobberMemory();
+  }
+  state.counters["blocks"] = benchmark::Counter(6 * 300, benchmark::Counter::kIsIterationInvariantRate);
+  JDEC_Exit();
+}
+
+/** The scene's fourth strip; the time has the copying of its coefficients in it, which the kernel zeroes. */
+void Transform_Strip(benchmark::State& state, TransformStripKernel kernel) {
+  JDEC_Init();
+  Scene scene;
+  scene.Unstuff(kernels.unstuff);
+  JdecDecoder* const decoder = JDEC_New(320, 240);
+  const RowStore* const store = decoder->codec->rows;
+  std::vector<int16_t> blocks(StripMacroblocks * StripMacroblockSize);
+  StripReach reach;
+  StripReader reader = {scene.data.data(), 0, 8 * scene.count};
+  for (int32_t i = 0; i < 4; ++i) {
+    std::fill(blocks.begin(), blocks.end(), int16_t{0});
+    kernels.decodeStrip(&reader, &stripTables, blocks.data(), &reach, Scene::StripOfScene);
+  }
+  std::vector<uint8_t> samples(32 * Width);
+  uint8_t* rows[32];
+  for (size_t r = 0; r < 32; ++r) rows[r] = &samples[r * Width];
+  int32_t predictors[3] = {0, 0, 0};
+  for (auto _ : state) {
+    std::copy(blocks.begin(), blocks.end(), store->blocks);
+    kernel(store->blocks, &reach, Scene::StripOfScene, &store->luma, &store->chroma, rangeLimit, predictors, rows);
+    benchmark::ClobberMemory();
+  }
+  state.counters["blocks"] = benchmark::Counter(6 * Scene::StripOfScene, benchmark::Counter::kIsIterationInvariantRate);
+  JDEC_Free(decoder);
+  JDEC_Exit();
+}
+
+const bool registered[] = {
+    Bench_Levels("Unstuff", &Kernels::unstuff, Unstuff), Bench_Levels("Decode_Strips", &Kernels::decodeStrip, Decode_Strips),
+    Bench_Levels("Transform_Strip", &Kernels::transformStrip, Transform_Strip), Bench_Levels("Idct", &Kernels::idctRow, Idct),
+    Bench_Levels("Idct_Packed", &Kernels::idctRowPacked, Idct)};
 
 }  // namespace

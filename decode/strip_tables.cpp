@@ -80,8 +80,8 @@ constexpr void Fill_Table(StripTables* tables, int32_t table, const ShortCodes& 
     while (more && !found.ended) more = Take_Symbol(&found, index, ac, false);
     if (found.used == 0) found.advance = StripPastEnd;
     found.symbols.progress = static_cast<uint16_t>(found.sizes << StripSizeShift | found.advance);
-    tables->steps[table][index] = static_cast<uint8_t>(found.used | (found.ended ? StepEnd : 0));
-    tables->symbols[table][index] = found.symbols;
+    tables->steps[table * Entries + index] = static_cast<uint8_t>(found.used | (found.ended ? StepEnd : 0));
+    tables->symbols[table * Entries + index] = found.symbols;
   }
 }
 
@@ -89,12 +89,12 @@ constexpr void Fill_Sequence(StripTables* tables, const StripTables* at) {
   constexpr uint16_t offsets[6] = {0, 8, 128, 136, 256, 264};
   for (int32_t b = 0; b < 6 * StripMacroblocks; ++b) {
     const int32_t dc = b % 6 < 4 ? 0 : 2;
-    tables->sequence[2 * b] = at->steps[dc];
-    tables->sequence[2 * b + 1] = at->steps[dc + 1];
+    tables->sequence[2 * b] = at->steps + dc * Entries;
+    tables->sequence[2 * b + 1] = at->steps + (dc + 1) * Entries;
     tables->offsets[b] = static_cast<uint16_t>(b / 6 * StripMacroblockSize + offsets[b % 6]);
   }
-  tables->sequence[2 * (6 * StripMacroblocks)] = at->steps[4];
-  tables->sequence[2 * (6 * StripMacroblocks) + 1] = at->steps[4];
+  tables->sequence[2 * (6 * StripMacroblocks)] = at->steps + 4 * Entries;
+  tables->sequence[2 * (6 * StripMacroblocks) + 1] = at->steps + 4 * Entries;
 }
 
 constexpr StripTables Make_Tables(const StripTables* at) {
@@ -104,7 +104,7 @@ constexpr StripTables Make_Tables(const StripTables* at) {
   Fill_Table(&tables, 1, acLuma, acLuma, false);
   Fill_Table(&tables, 2, Short_Codes(dcChromaCode), acChroma, true);
   Fill_Table(&tables, 3, acChroma, acChroma, false);
-  for (StripSymbols& symbols : tables.symbols[4]) symbols.progress = StripPastEnd;
+  for (int32_t i = 4 * Entries; i < 5 * Entries; ++i) tables.symbols[i].progress = StripPastEnd;
   for (int32_t k = 0; k < 96; ++k) {
     const int32_t natural = zigzagOrder[k < 63 ? k : 63];
     tables.places[k] = static_cast<uint8_t>(natural / 8 * 16 + natural % 8);

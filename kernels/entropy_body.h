@@ -7,13 +7,15 @@
 typedef size_t Window;
 static const uint32_t WindowBits = 8 * sizeof(Window);
 
-/** The bits from a position on, at the top; at least WindowBits - 7 of them. */
-static Window Window_At(const uint8_t* data, size_t position) {
+/** Bytes as a window, the first at the top. */
+static Window Bytes_At(const uint8_t* data) {
   Window bits;
-  __builtin_memcpy(&bits, data + (position >> 3), sizeof bits);
-  bits = sizeof bits == 8 ? (Window)__builtin_bswap64(bits) : (Window)__builtin_bswap32((uint32_t)bits);
-  return bits << (position & 7);
+  __builtin_memcpy(&bits, data, sizeof bits);
+  return sizeof bits == 8 ? (Window)__builtin_bswap64(bits) : (Window)__builtin_bswap32((uint32_t)bits);
 }
+
+/** The bits from a position on, at the top; at least WindowBits - 7 of them. */
+static Window Window_At(const uint8_t* data, size_t position) { return Bytes_At(data + (position >> 3)) << (position & 7); }
 
 /** The symbol at the top of a window, and the bits that it takes. */
 static uint32_t Symbol_At(Window window, const JdecHuffLookup* lookup, uint32_t* taken) {
@@ -63,50 +65,57 @@ __attribute__((noinline)) static uint32_t Careful_Symbol(const StripReader* read
 
 static void Decode_Strip(StripReader* reader, const StripTables* tables, int16_t* blocks, StripReach* reach,
                          int32_t macroblocks) {
-  // A shorter strip is the end of a full one.
-  const size_t start = (size_t)(6 * (StripMacroblocks - macroblocks)), stop = 6 * StripMacroblocks;
-  blocks -= tables->offsets[start];
-  StripProgress* const ends = reach->blocks - start;
-  const uint8_t* const data = reader->data;
-  const size_t end = reader->end;
-  size_t position = reader->position, b = start;
+  // For a shorter strip the end of a full one's sequence.
+  const uint8_t* const* const sequence = tables->sequence + (ptrdiff_t)2 * 6 * (StripMacroblocks - macroblocks);
+  const size_t stop = (size_t)(6 * macroblocks);
+  // So far behind the end that no bit of a window is data.
+  const uint8_t* const limit = reader->data + reader->end / 8 + sizeof(Window);
+  size_t position = reader->position, b = 0;
   StripProgress progress = 0;
-  const uint8_t* table = tables->sequence[2 * start];
+  const uint8_t* table = sequence[0];
 
   for (;;) {
-    if (position > end) position = end;
-    Window window = Window_At(data, position);
-    uint32_t used = 0;
-    uint32_t left = (WindowBits - 7) / StripLookupBits;
+    // The top `count` bits of the window are to be used. Below them may stand the bits that follow, which filling up sets again.
+    Window window = Window_At(reader->data, position);
+    uint32_t count = WindowBits - 8 - (uint32_t)(position & 7), left;
+    const uint8_t* bytes = reader->data + (position >> 3) + (sizeof(Window) - 1);
     do {
-      const size_t index = window >> (WindowBits - StripLookupBits);
-      const uint32_t step = table[index];
-      const StripSymbols* const symbols = &tables->symbols[0][(size_t)(table - tables->steps[0]) + index];
-      const StripProgress next = progress + symbols->progress;
-      if (next & StripPastEnd) break;
-      const uint8_t* const places = tables->places + (progress & 0xFF);
-      int16_t* const block = blocks + tables->offsets[b];
-      block[places[symbols->positions[0]]] = symbols->values[0];
-      block[places[symbols->positions[1]]] = symbols->values[1];
-      ends[b] = next;
-      window <<= step & 63;
-      used += step;
-      const uint8_t* const same = tables->sequence[2 * b + 1];
-      const uint8_t* const other = tables->sequence[2 * b + 2];
-      table = __builtin_expect_with_probability((step & StepEnd) != 0, 1, 0.5) ? other : same;
-      const uint32_t ended = step / StepEnd;
-      progress = next & (ended - 1);
-      b += ended;
-    } while (--left != 0);
-    position += used & 63;
-    if (left == 0) continue;
+      if (bytes > limit) bytes = limit;
+      window |= Bytes_At(bytes) >> count;
+      bytes += (WindowBits - 1 - count) >> 3;
+      count |= WindowBits - 8;
+      uint32_t used = 0;
+      left = (WindowBits - 7) / StripLookupBits;
+      do {
+        const size_t index = window >> (WindowBits - StripLookupBits);
+        const uint32_t step = table[index];
+        const StripSymbols* const symbols = &tables->symbols[(size_t)(table - tables->steps) + index];
+        const StripProgress next = progress + symbols->progress;
+        if (next & StripPastEnd) break;
+        const uint8_t* const places = tables->places + (progress & 0xFF);
+        int16_t* const block = blocks + tables->offsets[b];
+        block[places[symbols->positions[0]]] = symbols->values[0];
+        block[places[symbols->positions[1]]] = symbols->values[1];
+        reach->blocks[b] = next;
+        window <<= step & 63;
+        used += step;
+        const uint8_t* const same = sequence[2 * b + 1];
+        const uint8_t* const other = sequence[2 * b + 2];
+        table = __builtin_expect_with_probability((step & StepEnd) != 0, 1, 0.5) ? other : same;
+        const uint32_t ended = step / StepEnd;
+        progress = next & (ended - 1);
+        b += ended;
+      } while (--left != 0);
+      count -= used & 63;
+    } while (left == 0);
 
+    position = (size_t)(bytes - reader->data) * 8 - count;
     if (b == stop) break;
     const uint32_t step = Careful_Symbol(reader, position, tables, b % 6 < 4, &progress, blocks + tables->offsets[b]);
     position += step & 63;
-    ends[b] = progress;
+    reach->blocks[b] = progress;
     const uint32_t ended = step / StepEnd;
-    table = tables->sequence[2 * b + 1 + ended];
+    table = sequence[2 * b + 1 + ended];
     progress &= ended - 1;
     b += ended;
   }

@@ -73,8 +73,8 @@ static const int32_t StepEnd = 0x40;
 
 /** Tables of the fast decoding, indexed by table and the next StripLookupBits bits. Never change. */
 struct StripTables {
-  uint8_t steps[5][1 << StripLookupBits];  ///< Luma DC, luma AC, chroma DC, chroma AC; the last stops a strip.
-  StripSymbols symbols[5][1 << StripLookupBits];
+  uint8_t steps[5 << StripLookupBits];  ///< Luma DC, luma AC, chroma DC, chroma AC; the last stops a strip.
+  StripSymbols symbols[5 << StripLookupBits];
   uint8_t places[96];            ///< Scan position to word of a block; from 63 on the last one.
   const HuffTables* symbolwise;  ///< For codes that are longer.
   /** By block of a full strip: table of its DC value and of what follows. One more DC table stops the strip. */

@@ -187,9 +187,9 @@ INLINE void Put_Chroma(const Kind* kind, int32_t pair, const Lanes* out) {
   for (int32_t i = 0; i < 4; ++i) {
     const __m128i cb = _mm256_castsi256_si128(out[i]), cr = _mm256_extracti128_si256(out[i], 1);
     _mm_storel_epi64((__m128i*)(cbRows[2 * i] + left), cb);
-    _mm_storeh_pd((double*)(cbRows[2 * i + 1] + left), _mm_castsi128_pd(cb));
+    _mm_storeh_pi((__m64*)(cbRows[2 * i + 1] + left), _mm_castsi128_ps(cb));
     _mm_storel_epi64((__m128i*)(crRows[2 * i] + left), cr);
-    _mm_storeh_pd((double*)(crRows[2 * i + 1] + left), _mm_castsi128_pd(cr));
+    _mm_storeh_pi((__m64*)(crRows[2 * i + 1] + left), _mm_castsi128_ps(cr));
   }
 }
 

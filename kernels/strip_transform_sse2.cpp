@@ -53,7 +53,7 @@ static void Clear(int16_t* block, int32_t rows) {
 static void Put(const Lanes* out, uint8_t* const* rows, int32_t left) {
   for (int32_t i = 0; i < 4; ++i) {
     _mm_storel_epi64((__m128i*)(rows[2 * i] + left), out[i]);
-    _mm_storeh_pd((double*)(rows[2 * i + 1] + left), _mm_castsi128_pd(out[i]));
+    _mm_storeh_pi((__m64*)(rows[2 * i + 1] + left), _mm_castsi128_ps(out[i]));
   }
 }
 

@@ -1,8 +1,12 @@
-// Any bytes through both receive paths. The first two bytes of the input choose path and chunk sizes, the rest is the stream.
+// Any bytes through both receive paths. The first two bytes of the input choose path, chunk sizes and kernels, the rest is the
+// stream.
+#include "kernels/cpu.h"
 #include "velarto.h"
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdlib>
+#include <iterator>
 #include <vector>
 
 namespace {
@@ -17,13 +21,12 @@ uint64_t Announced_Pixels(const uint8_t* data, size_t size) {
   return pixels;
 }
 
-}  // namespace
-
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  if (size < 3 || Announced_Pixels(data, size) > 32'000'000) return 0;  // More would outlast a fuzzer's patience.
-  static const int32_t started = JDEC_Init();
+/** Decodes the input with kernels of that mask and gives the last picture. */
+std::vector<uint8_t> Run(uint32_t mask, const uint8_t* data, size_t size) {
+  kernels = Kernels_Select(mask);
+  std::vector<uint8_t> bmp;
   JdecDecoder* const decoder = JDEC_New(32, 32);
-  if (!started || !decoder) return 0;
+  if (!decoder) return bmp;
   if (data[0] & 1) JDEC_Draw_Init(decoder, nullptr);
   uint32_t draw = data[1];
   uint8_t out[2048];
@@ -39,9 +42,21 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     }
   }
   if (data[0] & 1) {
-    std::vector<uint8_t> bmp((size_t)JDEC_get_decompressed_bitmap_ex2(decoder, out, 1));
+    bmp.resize((size_t)JDEC_get_decompressed_bitmap_ex2(decoder, out, 1));
     JDEC_get_decompressed_bitmap_ex2(decoder, bmp.data(), (int32_t)bmp.size());
   }
   JDEC_Free(decoder);
+  return bmp;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  if (size < 3 || Announced_Pixels(data, size) > 32'000'000) return 0;  // More would outlast a fuzzer's patience.
+  static const int32_t started = JDEC_Init();
+  if (!started) return 0;
+  const uint32_t mask = kernelLevels[data[1] % std::size(kernelLevels)].mask & Cpu_Levels();
+  const std::vector<uint8_t> picture = Run(mask, data, size);
+  if (data[0] & 8 && picture != Run(KernelPlain, data, size)) std::abort();  // The levels agree bit for bit.
   return 0;
 }
