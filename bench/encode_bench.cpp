@@ -64,11 +64,10 @@ void Encode_Row(benchmark::State& state, EncodeRowKernel kernel, int32_t noise) 
   JDEC_Exit();
 }
 
-const bool registered[] = {
-    Bench_Levels("To_Planes", &Kernels::toPlanes, To_Planes),
-    Bench_Levels("Encode_Row/smooth", &Kernels::encodeRow,
-                 [](benchmark::State& state, EncodeRowKernel kernel) { Encode_Row(state, kernel, 8); }),
-    Bench_Levels("Encode_Row/rough", &Kernels::encodeRow,
-                 [](benchmark::State& state, EncodeRowKernel kernel) { Encode_Row(state, kernel, 48); })};
+const bool registered[] = {Bench_Levels("To_Planes", &Kernels::toPlanes, To_Planes),
+                           Bench_Levels("Encode_Row/smooth", &Kernels::encodeRow,
+                                        [](benchmark::State& state, EncodeRowKernel kernel) { Encode_Row(state, kernel, 8); }),
+                           Bench_Levels("Encode_Row/rough", &Kernels::encodeRow,
+                                        [](benchmark::State& state, EncodeRowKernel kernel) { Encode_Row(state, kernel, 48); })};
 
 }  // namespace
