@@ -96,7 +96,7 @@ static void Decode_Strip(StripReader* reader, const StripTables* tables, int16_t
                          int32_t macroblocks) {
   // For a shorter strip the end of a full one's sequence.
   const uint8_t* const* const sequence = tables->sequence + (ptrdiff_t)2 * 6 * (StripMacroblocks - macroblocks);
-  const size_t stop = (size_t)(6 * macroblocks);
+  const size_t stop = (size_t)6 * (size_t)macroblocks;
   BitWindow bits = Open_Window(reader);
   size_t b = 0;
   StripProgress progress = 0;
