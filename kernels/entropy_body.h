@@ -4,80 +4,109 @@
 
 #include "kernels/kernels.h"
 
+#define INLINE static inline __attribute__((always_inline))
+
 typedef size_t Window;
 static const uint32_t WindowBits = 8 * sizeof(Window);
 
-/** The bits from a position on, at the top; at least WindowBits - 7 of them. */
-static Window Window_At(const uint8_t* data, size_t position) {
+/** Bytes as a window, the first at the top. */
+static Window Bytes_At(const uint8_t* data) {
   Window bits;
-  __builtin_memcpy(&bits, data + (position >> 3), sizeof bits);
-  bits = sizeof bits == 8 ? (Window)__builtin_bswap64(bits) : (Window)__builtin_bswap32((uint32_t)bits);
-  return bits << (position & 7);
+  __builtin_memcpy(&bits, data, sizeof bits);
+  return sizeof bits == 8 ? (Window)__builtin_bswap64(bits) : (Window)__builtin_bswap32((uint32_t)bits);
 }
 
-/** The symbol at the top of a window, and the bits that it takes. */
-static uint32_t Symbol_At(Window window, const JdecHuffLookup* lookup, uint32_t* taken) {
-  const uint32_t first = (uint32_t)(window >> (WindowBits - 8));
-  *taken = lookup->lengths[first];
-  if (*taken != 0) return lookup->values[first];
-  const uint32_t slot = lookup->values[first];
-  if (slot == 0) return 0;
-  const uint32_t second = (uint32_t)(window >> (WindowBits - 16)) & 0xFF;
-  *taken = lookup->secondLengths[slot][second];
-  if (*taken != 0) return lookup->secondValues[slot][second];
-  *taken = 8;
-  return 0;
+/** Where a strip's decoding stands: the top `count` bits of the window are to be used. Below them may stand the bits that follow,
+ *  which filling up sets again. */
+struct BitWindow {
+  Window window;
+  uint32_t count;
+  const uint8_t* bytes;  ///< What fills the window up next.
+  const uint8_t* limit;  ///< So far behind the data's end that no bit of a window is data.
+};
+
+INLINE struct BitWindow Open_Window(const StripReader* reader) {
+  const uint8_t* const bytes = reader->data + (reader->position >> 3);
+  const uint32_t before = (uint32_t)(reader->position & 7);
+  return {Bytes_At(bytes) << before, WindowBits - 8 - before, bytes + sizeof(Window) - 1,
+          reader->data + reader->end / 8 + sizeof(Window)};
 }
 
-/** A value of `size` bits, 1 to 11, at a position; the lower half of the range stands for negative numbers. */
-static int32_t Value_At(const uint8_t* data, size_t position, uint32_t size) {
-  const int32_t value = (int32_t)(Window_At(data, position) >> (WindowBits - size));
-  return value < 1 << (size - 1) ? value + 1 - (1 << size) : value;
+/** To WindowBits - 8 bits at least. */
+INLINE void Fill(BitWindow* bits) {
+  if (bits->bytes > bits->limit) bits->bytes = bits->limit;
+  bits->window |= Bytes_At(bits->bytes) >> bits->count;
+  bits->bytes += (WindowBits - 1 - bits->count) >> 3;
+  bits->count |= WindowBits - 8;
 }
 
-/** One symbol by the rule. Gives a step (StripTables) and moves *progress on, to the block's end at most. */
-__attribute__((noinline)) static uint32_t Careful_Symbol(const StripReader* reader, size_t position, const StripTables* tables,
-                                                         uint32_t luma, StripProgress* progress, int16_t* block) {
-  const HuffTables* const codes = tables->symbolwise;
-  const Window window = Window_At(reader->data, position);
-  const uint32_t k = *progress & 0xFF;
-  uint32_t taken;
-  if (k == 0) {
-    const uint32_t size = Symbol_At(window, luma ? codes->dcLuma : codes->dcChroma, &taken);
-    if (size != 0) block[0] = (int16_t)Value_At(reader->data, position + taken, size);
-    *progress += 1;
-    return taken + size;
+INLINE void Use(BitWindow* bits, uint32_t count) {
+  bits->window <<= count;
+  bits->count -= count;
+}
+
+/** By the order of the tables. */
+INLINE const JdecHuffLookup* Lookup_Of(const HuffTables* codes, uint32_t table) {
+  const JdecHuffLookup* const dc = table < 2 ? codes->dcLuma : codes->dcChroma;
+  const JdecHuffLookup* const ac = table < 2 ? codes->acLuma : codes->acChroma;
+  return table % 2 == 0 ? dc : ac;
+}
+
+/** Takes a code and gives its symbol; 0 for bits that are no code. */
+INLINE uint32_t Take_Symbol(BitWindow* bits, const JdecHuffLookup* lookup) {
+  const uint32_t first = (uint32_t)(bits->window >> (WindowBits - 8));
+  uint32_t length = lookup->lengths[first], symbol = lookup->values[first];
+  if (length == 0 && symbol != 0) {
+    const uint32_t slot = symbol, second = (uint32_t)(bits->window >> (WindowBits - 16)) & 0xFF;
+    length = lookup->secondLengths[slot][second];
+    symbol = lookup->secondValues[slot][second];
+    if (length == 0) length = 8, symbol = 0;
   }
-  const uint32_t symbol = Symbol_At(window, luma ? codes->acLuma : codes->acChroma, &taken);
-  const uint32_t run = symbol / 16, size = symbol % 16;
-  if (size == 0 && run < 15) return taken | StepEnd;
-  if (size != 0) {
-    const int32_t value = Value_At(reader->data, position + taken, size);
-    block[tables->places[k + run]] = (int16_t)value;
-    *progress += (uint32_t)(value < 0 ? -value : value) << StripSizeShift;
+  Use(bits, length);
+  return symbol;
+}
+
+/** Takes a value of `size` bits, 0 to 15; the lower half of the range stands for negative numbers. */
+INLINE int32_t Take_Value(BitWindow* bits, uint32_t size) {
+  // In two shifts, as one by all the bits is none.
+  const int32_t value = (int32_t)(bits->window >> 1 >> (WindowBits - 1 - size));
+  const int32_t negative = (int32_t)(~bits->window >> (WindowBits - 1));
+  Use(bits, size);
+  return value - (negative << size) + negative;
+}
+
+/** The next symbol by the rule: sets the block's progress, to its end at most. Gives 1 when the block ends. */
+INLINE uint32_t Careful_Symbol(BitWindow* bits, const JdecHuffLookup* lookup, const uint8_t* places, StripProgress* progress,
+                               int16_t* block) {
+  const uint32_t k = *progress & 0xFF, symbol = Take_Symbol(bits, lookup);
+  if (WindowBits < 64) Fill(bits);
+  const uint32_t run = symbol / 16, size = symbol % 16, next = k + run + 1;
+  if (size == 0 && k != 0) {
+    if (run < 15) return 1;
+  } else {
+    const int32_t value = Take_Value(bits, size);
+    block[places[k + run]] = (int16_t)value;
+    if (k != 0) *progress += (uint32_t)(value < 0 ? -value : value) << StripSizeShift;
   }
-  const uint32_t next = k + run + 1;
   *progress += (next > 64 ? 64 : next) - k;
-  return (taken + size) | (next > 63 ? StepEnd : 0);
+  return next > 63;
 }
 
 static void Decode_Strip(StripReader* reader, const StripTables* tables, int16_t* blocks, StripReach* reach,
                          int32_t macroblocks) {
   // For a shorter strip the end of a full one's sequence.
   const uint8_t* const* const sequence = tables->sequence + (ptrdiff_t)2 * 6 * (StripMacroblocks - macroblocks);
-  const size_t stop = (size_t)(6 * macroblocks), end = reader->end;
-  const uint8_t* const data = reader->data;
-  size_t position = reader->position, b = 0;
+  const size_t stop = (size_t)6 * (size_t)macroblocks;
+  BitWindow bits = Open_Window(reader);
+  size_t b = 0;
   StripProgress progress = 0;
   const uint8_t* table = sequence[0];
 
   for (;;) {
-    if (position > end) position = end;
-    Window window = Window_At(data, position);
-    uint32_t used = 0;
-    uint32_t left = (WindowBits - 7) / StripLookupBits;
+    Fill(&bits);
+    uint32_t used = 0, left = (WindowBits - 7) / StripLookupBits;
     do {
-      const size_t index = window >> (WindowBits - StripLookupBits);
+      const size_t index = bits.window >> (WindowBits - StripLookupBits);
       const uint32_t step = table[index];
       const StripSymbols* const symbols = &tables->symbols[(size_t)(table - tables->steps) + index];
       const StripProgress next = progress + symbols->progress;
@@ -87,7 +116,7 @@ static void Decode_Strip(StripReader* reader, const StripTables* tables, int16_t
       block[places[symbols->positions[0]]] = symbols->values[0];
       block[places[symbols->positions[1]]] = symbols->values[1];
       reach->blocks[b] = next;
-      window <<= step & 63;
+      bits.window <<= step & 63;
       used += step;
       const uint8_t* const same = sequence[2 * b + 1];
       const uint8_t* const other = sequence[2 * b + 2];
@@ -96,17 +125,17 @@ static void Decode_Strip(StripReader* reader, const StripTables* tables, int16_t
       progress = next & (ended - 1);
       b += ended;
     } while (--left != 0);
-    position += used & 63;
+    bits.count -= used & 63;
     if (left == 0) continue;
 
     if (b == stop) break;
-    const uint32_t step = Careful_Symbol(reader, position, tables, b % 6 < 4, &progress, blocks + tables->offsets[b]);
-    position += step & 63;
+    Fill(&bits);
+    const JdecHuffLookup* const lookup = Lookup_Of(tables->symbolwise, (uint32_t)((table - tables->steps) >> StripLookupBits));
+    const uint32_t ended = Careful_Symbol(&bits, lookup, tables->places, &progress, blocks + tables->offsets[b]);
     reach->blocks[b] = progress;
-    const uint32_t ended = step / StepEnd;
     table = sequence[2 * b + 1 + ended];
     progress &= ended - 1;
     b += ended;
   }
-  reader->position = position;
+  reader->position = (size_t)(bits.bytes - reader->data) * 8 - bits.count;
 }

@@ -20,6 +20,8 @@ static constexpr Kernels plainKernels = {
     .unstuff = nullptr,
     .decodeStrip = nullptr,
     .transformStrip = nullptr,
+    .toPlanes = nullptr,
+    .encodeRow = nullptr,
 };
 
 constinit Kernels kernels = plainKernels;
@@ -32,6 +34,8 @@ static void Overlay_Sse2(Kernels* record) {
   Overlay_Unstuff_Sse2(record);
   Overlay_Entropy_Sse2(record);
   Overlay_Strip_Transform_Sse2(record);
+  Overlay_To_Planes_Sse2(record);
+  Overlay_Encode_Sse2(record);
 }
 
 static void Overlay_Avx2(Kernels* record) {
@@ -40,6 +44,8 @@ static void Overlay_Avx2(Kernels* record) {
   Overlay_Unstuff_Avx2(record);
   Overlay_Entropy_Avx2(record);
   Overlay_Strip_Transform_Avx2(record);
+  Overlay_To_Planes_Avx2(record);
+  Overlay_Encode_Avx2(record);
 }
 
 Kernels Kernels_Select(uint32_t mask) {

@@ -173,6 +173,55 @@ using DownsampleRowKernel = void (*)(const uint8_t* upper, const uint8_t* lower,
 using ForwardRowKernel = void (*)(uint8_t* const* rows, int32_t count, const int16_t* forward, const int16_t* inverse,
                                   int32_t* blocks);
 
+/** From pixels to 4:2:0 planes: two rows of `count` pixels become as many samples of luma each, and count / 2 of Cb and Cr; these
+ *  are averages as of DownsampleRowKernel, of samples rounded one by one. */
+using ToPlanesKernel = void (*)(const uint8_t* upper, const uint8_t* lower, uint8_t* yUpper, uint8_t* yLower, uint8_t* cb,
+                                uint8_t* cr, int32_t count, int32_t evenBias, int32_t oddBias);
+
+/** One Huffman code by symbol. */
+struct JdecHuffEncode {
+  uint32_t code[256];
+  int8_t size[256];  ///< Bits of the code, 1 to 16; 0 for a symbol without one.
+};
+
+/** DC levels differ by less than this; qualities up to 90 see to it. */
+constexpr int32_t HuffDcReach = 1024;
+
+/** In an entry of the AC table: the code by symbol has to be taken. */
+constexpr uint32_t HuffAcSpecial = 0x80000000;
+
+/** What the encoding of a component's blocks reads. An entry holds the bits to write, at most 23, and in its low byte their
+ *  number. */
+struct HuffEncodeTables {
+  const uint32_t* dc;      ///< By difference plus HuffDcReach.
+  const uint16_t* acRows;  ///< By distance from the last level, 0 to 64: where its part of `ac` begins.
+  const uint32_t* ac;      ///< By level as a byte; 0 for none. The first of all is the end of block.
+  const JdecHuffEncode *dcCode, *acCode;
+  /** By row of a block and which of its 8 levels are not 0: the same by scan position. */
+  const uint64_t (*scanMasks)[256];
+};
+
+/** A row of macroblocks to encode: 16 rows of luma, 8 of Cb and Cr each, and for luma and chroma what ForwardRowKernel takes. */
+struct EncodeSource {
+  uint8_t *const *y, *const *cb, *const *cr;
+  const int16_t *lumaForward, *lumaInverse, *chromaForward, *chromaInverse;
+};
+
+/** Writer of entropy-coded bytes. */
+struct HuffWriter {
+  uint8_t* next;          ///< Where the next byte goes.
+  uint8_t* end;           ///< One past the last that may be written.
+  uint64_t bits;          ///< Bits that are no whole byte yet, newest in the low bits; what is above them has no meaning.
+  int32_t bitCount;       ///< How many: 0 to 7.
+  int32_t predictors[3];  ///< DC levels of luma, Cb and Cr so far.
+};
+
+/** Encodes `columns` macroblocks, from samples to bytes with their stuffing: forward transform and quantisation as of
+ *  ForwardRowKernel, then Huffman coding. tables: of luma, of chroma. Gives 1; or 0, with the writer spoilt, when the bytes would
+ *  pass the writer's end. */
+using EncodeRowKernel = int32_t (*)(const HuffEncodeTables* tables, const EncodeSource* source, int32_t columns,
+                                    HuffWriter* writer);
+
 struct Kernels {
   DecodeRowKernel decodeRow;
   IdctRowKernel idctRow;
@@ -191,6 +240,8 @@ struct Kernels {
   UnstuffKernel unstuff;  ///< This and the two below: null at the plain level, where frames take the road by whole planes.
   DecodeStripKernel decodeStrip;
   TransformStripKernel transformStrip;
+  ToPlanesKernel toPlanes;  ///< This and the next: null at the plain level, where pictures are compressed by whole planes.
+  EncodeRowKernel encodeRow;
 };
 
 /** Levels, to be combined into a mask. Plain needs no bit. */
@@ -233,3 +284,7 @@ void Overlay_Entropy_Sse2(Kernels* record);
 void Overlay_Entropy_Avx2(Kernels* record);
 void Overlay_Strip_Transform_Sse2(Kernels* record);
 void Overlay_Strip_Transform_Avx2(Kernels* record);
+void Overlay_To_Planes_Sse2(Kernels* record);
+void Overlay_To_Planes_Avx2(Kernels* record);
+void Overlay_Encode_Sse2(Kernels* record);
+void Overlay_Encode_Avx2(Kernels* record);

@@ -2,6 +2,8 @@
 
 #include "decode/buffers.h"
 #include "decode/framing.h"
+#include "kernels/kernels.h"
+#include "pixel/compress_rows.h"
 #include "pixel/forward.h"
 #include "pixel/huffman_encode.h"
 #include "pixel/jfif.h"
@@ -48,13 +50,16 @@ static void Transform_Planes(JdecCodec* codec) {
   Forward_DCT_Plane(planes->cbRows, codec->coefCb, width / 2, height / 2, codec->chromaForward, codec->chromaInverse);
 }
 
-int32_t Codec_Encode_Store(JdecCodec* codec, bool withMarkers) {
+/** Makes room for the head. */
+static void Open_Store(JdecCodec* codec, bool withMarkers) {
+  codec->frame->position = 0;
+  codec->frame->length = withMarkers ? JfifHeadSize : CompactHeadSize;
+}
+
+/** Puts head and end around the data. Gives the frame's length; 0, with an empty store, when the frame passes it. */
+static int32_t Close_Store(JdecCodec* codec, bool withMarkers) {
   JdecFrameBuffer* const frame = codec->frame;
-  const int32_t headSize = withMarkers ? JfifHeadSize : CompactHeadSize;
   const int32_t endSize = withMarkers ? LeastJfifBytes - JfifHeadSize : 0;
-  frame->position = 0;
-  frame->length = headSize;
-  Huff_Encode_Frame(codec, codec->coefY, codec->coefCb, codec->coefCr, codec->width, codec->height, frame);
   if (frame->length > FrameStoreSize - endSize) {
     frame->length = 0;
     return 0;
@@ -66,13 +71,23 @@ int32_t Codec_Encode_Store(JdecCodec* codec, bool withMarkers) {
     JFIF_Write_EOI(&end);
     frame->length = end.count;
   } else {
-    Compact_Write_Head(frame->data, frame->length - headSize, codec->width, codec->height, codec->quality);
+    Compact_Write_Head(frame->data, frame->length - CompactHeadSize, codec->width, codec->height, codec->quality);
   }
   return frame->length;
 }
 
-int32_t Codec_Transform_RGB888(JdecCodec* codec, int32_t quality, const uint8_t* pixels, bool doubleRows) {
+int32_t Codec_Encode_Store(JdecCodec* codec, bool withMarkers) {
+  Open_Store(codec, withMarkers);
+  Huff_Encode_Frame(codec, codec->coefY, codec->coefCb, codec->coefCr, codec->width, codec->height, codec->frame);
+  return Close_Store(codec, withMarkers);
+}
+
+static void Set_Given_Quality(JdecCodec* codec, int32_t quality) {
   Codec_Set_Quality(codec, std::clamp(quality, 0, 100) * 80 / 100 + 10);
+}
+
+int32_t Codec_Transform_RGB888(JdecCodec* codec, int32_t quality, const uint8_t* pixels, bool doubleRows) {
+  Set_Given_Quality(codec, quality);
   if (!Load_Planes(codec, pixels, doubleRows)) return 0;
   Transform_Planes(codec);
   return 1;
@@ -81,10 +96,20 @@ int32_t Codec_Transform_RGB888(JdecCodec* codec, int32_t quality, const uint8_t*
 int32_t Codec_Compress_RGB888(JdecCodec* codec, int32_t quality, const uint8_t* pixels, uint32_t /*ignored*/, uint8_t* buffer,
                               int32_t capacity, int32_t withMarkers, int32_t doubleRows) {
   if (!codec || !pixels || !buffer) return 0;
-  if (!Codec_Transform_RGB888(codec, quality, pixels, doubleRows != 0)) return 0;
-  if (!Codec_Encode_Store(codec, withMarkers != 0) || capacity < codec->frame->length) return 0;
-  std::memcpy(buffer, codec->frame->data, static_cast<size_t>(codec->frame->length));
-  return codec->frame->length;
+  const bool marked = withMarkers != 0, doubled = doubleRows != 0;
+  if (kernels.encodeRow) {
+    Set_Given_Quality(codec, quality);
+    Open_Store(codec, marked);
+    Compress_Rows(codec, pixels, doubled);
+    Close_Store(codec, marked);
+  } else {
+    if (!Codec_Transform_RGB888(codec, quality, pixels, doubled)) return 0;
+    Codec_Encode_Store(codec, marked);
+  }
+  const JdecFrameBuffer* const frame = codec->frame;
+  if (frame->length == 0 || capacity < frame->length) return 0;
+  std::memcpy(buffer, frame->data, static_cast<size_t>(frame->length));
+  return frame->length;
 }
 
 static int32_t Write_Bytes(FILE* stream, const uint8_t* data, int32_t count) {

@@ -1,34 +1,11 @@
 #include "pixel/huffman_encode.h"
 
 #include "decode/huffman_tables.h"
+#include "pixel/encode_tables.h"
 
 #include <bit>
 
 namespace {
-
-/** One code, prepared for encoding. */
-struct JdecHuffEncode {
-  uint32_t code[256];
-  int8_t size[256];  ///< Bits of the code, 1 to 16; 0 for a symbol without one.
-};
-
-constexpr JdecHuffEncode Huff_Build_Encode_Table(const HuffCode& huffCode) {
-  JdecHuffEncode table{};
-  uint32_t code = 0;
-  size_t next = 0;
-  for (int8_t length = 1; length <= 16; ++length, code <<= 1) {
-    for (uint32_t n = huffCode.bits[length - 1]; n > 0; --n) {
-      const uint8_t symbol = huffCode.values[next++];
-      table.code[symbol] = code++;
-      table.size[symbol] = length;
-    }
-  }
-  return table;
-}
-
-const JdecHuffEncode lumaDcEncode = Huff_Build_Encode_Table(dcLumaCode), lumaAcEncode = Huff_Build_Encode_Table(acLumaCode),
-                     chromaDcEncode = Huff_Build_Encode_Table(dcChromaCode),
-                     chromaAcEncode = Huff_Build_Encode_Table(acChromaCode);
 
 constexpr uint8_t EndOfBlock = 0x00, SixteenZeros = 0xF0;
 
@@ -73,8 +50,8 @@ void Put_Value(JdecCodec* codec, const JdecHuffEncode& table, int32_t run, int32
 }
 
 /** Encodes a block; gives its DC value. */
-int32_t Huff_Encode_Block(JdecCodec* codec, const int32_t* block, int32_t predictor, const JdecHuffEncode& dc,
-                          const JdecHuffEncode& ac) {
+int32_t Huff_Encode_Block(JdecCodec* codec, const int32_t* block, int32_t predictor, const HuffEncodeTables& tables) {
+  const JdecHuffEncode &dc = *tables.dcCode, &ac = *tables.acCode;
   Put_Value(codec, dc, 0, block[0] - predictor);
   int32_t run = 0;
   for (int32_t k = 1; k < 64; ++k) {
@@ -104,10 +81,10 @@ void Huff_Encode_Frame(JdecCodec* codec, int32_t* const* coefY, int32_t* const* 
       const size_t left = static_cast<size_t>(n) * 128, half = static_cast<size_t>(n) * 64;
       const int32_t *const upper = coefY[2 * m] + left, *const lower = coefY[2 * m + 1] + left;
       for (const int32_t* const block : {upper, upper + 64, lower, lower + 64}) {
-        luma = Huff_Encode_Block(codec, block, luma, lumaDcEncode, lumaAcEncode);
+        luma = Huff_Encode_Block(codec, block, luma, huffEncodeTables[0]);
       }
-      cb = Huff_Encode_Block(codec, coefCb[m] + half, cb, chromaDcEncode, chromaAcEncode);
-      cr = Huff_Encode_Block(codec, coefCr[m] + half, cr, chromaDcEncode, chromaAcEncode);
+      cb = Huff_Encode_Block(codec, coefCb[m] + half, cb, huffEncodeTables[1]);
+      cr = Huff_Encode_Block(codec, coefCr[m] + half, cr, huffEncodeTables[1]);
     }
   }
   Huff_Flush_Bits(codec);

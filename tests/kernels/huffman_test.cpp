@@ -51,8 +51,8 @@ struct ReferenceDecoder {
   int Bits(int count) {
     int value = 0;
     for (; count > 0; --count, ++position) {
-      const int byte = position / 8 < data.size() ? data[position / 8] : 0;
-      value = value << 1 | (byte >> (7 - position % 8) & 1);
+      const int octet = position / 8 < data.size() ? data[position / 8] : 0;
+      value = value << 1 | (octet >> (7 - position % 8) & 1);
     }
     return value;
   }
@@ -94,8 +94,8 @@ struct ReferenceDecoder {
     for (size_t i = 0; i < raw.size(); ++i) {
       const bool escaped = raw[i] == 0xFF;
       while (i < raw.size() && raw[i] == 0xFF) ++i;
-      const uint8_t byte = i < raw.size() ? raw[i] : 0;
-      data.push_back(escaped && byte == 0 ? 0xFF : byte);
+      const uint8_t octet = i < raw.size() ? raw[i] : 0;
+      data.push_back(escaped && octet == 0 ? 0xFF : octet);
     }
     Row row(columns);
     for (int32_t c = 0; c < columns; ++c) {
@@ -196,12 +196,12 @@ TEST_F(HuffmanKernel, AnyBytesMarkersStuffingAndEarlyEndsIncluded) {
     for (int round = 0; round < 6000; ++round) {
       const int32_t columns = noise.Between(1, 6), shape = round % 4;
       Bytes raw = noise.Some((size_t)noise.Between(0, 40 * columns));
-      for (uint8_t& byte : raw) {
+      for (uint8_t& octet : raw) {
         const uint32_t dice = noise.Next() % 16;
-        if (shape == 1 && dice < 6) byte = 0xFF;
-        if (shape >= 1 && (dice == 7 || dice == 8)) byte = dice == 7 ? 0 : 0xD9;
-        if (shape == 2 && dice > 8) byte = 0xFE;  // Long codes, and bits that are no code.
-        if (shape == 3 && dice < 2) byte = 0xF9;
+        if (shape == 1 && dice < 6) octet = 0xFF;
+        if (shape >= 1 && (dice == 7 || dice == 8)) octet = dice == 7 ? 0 : 0xD9;
+        if (shape == 2 && dice > 8) octet = 0xFE;  // Long codes, and bits that are no code.
+        if (shape == 3 && dice < 2) octet = 0xF9;
       }
       ASSERT_TRUE(Decode_At_Level(mask, raw, columns) == reference.Decode(raw, columns)) << level << " round " << round;
     }

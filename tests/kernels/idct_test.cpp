@@ -1,6 +1,7 @@
 // the inverse transform against the mathematics and known blocks.
 #include "kernels/kernels.h"
 #include "pixel/color_tables.h"
+#include "pixel/compress.h"
 #include "support/streams.h"
 
 #include <cmath>
@@ -44,8 +45,7 @@ TEST_F(IdctKernel, FollowsTheMathematics) {
   // With the largest error allowed: the factors of fine tables are coarse. The result is rounded down, so the mean is a half.
   const Bytes pixels = Picture_Of(scene);
   for (const auto& [compressedAt, largest] : {std::pair{0, 1.2}, {50, 1.4}, {80, 2.0}, {100, 2.6}}) {
-    Bytes frame(FrameStoreSize);
-    JDEC_Compress_RGB888(decoder.get(), compressedAt, &pixels[54], 0, frame.data(), FrameStoreSize, 0, 0);
+    Codec_Transform_RGB888(codec, compressedAt, &pixels[54], false);
     double sum = 0, differ = 0;
     const int32_t columns = scene.width / 8, count = scene.height / 8 * columns;
     for (int32_t b = 0; b < count; ++b) {

@@ -91,12 +91,12 @@ TEST_F(StripKernel, StuffingGoesAndZerosFollow) {
     const Kernels record = Kernels_Select(mask);
     for (size_t count = 0; record.unstuff && count < 400; ++count) {
       Bytes raw = noise.Some(count), expected;
-      for (uint8_t& byte : raw) byte = noise.Next() % (count % 3 * 20 + 2) == 0 ? 0xFF : noise.Next() % 8 == 0 ? 0 : byte;
+      for (uint8_t& octet : raw) octet = noise.Next() % (count % 3 * 20 + 2) == 0 ? 0xFF : noise.Next() % 8 == 0 ? 0 : octet;
       for (size_t i = 0; i < count; ++i) {
         const bool escaped = raw[i] == 0xFF;
         while (i < count && raw[i] == 0xFF) ++i;
-        const uint8_t byte = i < count ? raw[i] : 0;
-        expected.push_back(escaped && byte == 0 ? 0xFF : byte);
+        const uint8_t octet = i < count ? raw[i] : 0;
+        expected.push_back(escaped && octet == 0 ? 0xFF : octet);
       }
       const std::unique_ptr<uint8_t[]> exact(new uint8_t[count]);
       std::copy(raw.begin(), raw.end(), exact.get());

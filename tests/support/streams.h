@@ -109,7 +109,7 @@ struct Noise {
   int32_t Between(int32_t least, int32_t most) { return least + (int32_t)(Next() % (uint32_t)(most - least + 1)); }
   Bytes Some(size_t count) {
     Bytes bytes(count);
-    for (uint8_t& byte : bytes) byte = (uint8_t)(Next() >> 4);
+    for (uint8_t& octet : bytes) octet = (uint8_t)(Next() >> 4);
     return bytes;
   }
 };

@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # run_all.sh FOLDER: runs the Windows programs of a build in the emulated PC: the DLL in its DirectDraw and in its GDI form, on screens of
-# 32 and 16 bits, in its GDI form on one of 8 bits, where Wine has no 3D to offer, and with the kernels of lower levels; the plug-in in a page and in the host; clients in C; and
-# the platform tests, where Windows' own operations are the judge. Ends with a closing line.
+# 32 and 16 bits, in its GDI form on one of 8 bits, where Wine has no 3D to offer, and with the kernels of lower levels; the plug-in in a page
+# and in the host; clients in C; the kernels in 32 bits; and the platform tests, where Windows' own operations are the judge. Ends with a
+# closing line.
 set -uo pipefail
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 folder=$1
@@ -13,6 +14,7 @@ cat >"$work/commands" <<'END'
 VELARTO_FORM=ddraw windows_tests.exe
 VELARTO_FORM=gdi WINE_D3D_CONFIG=renderer=no3d windows_tests.exe
 platform_tests.exe
+kernels_tests.exe
 VELARTO_DLL=velarto-sse2.dll VELARTO_FORM=gdi WINE_D3D_CONFIG=renderer=no3d windows_tests.exe
 VELARTO_DLL=velarto-plain.dll VELARTO_FORM=gdi WINE_D3D_CONFIG=renderer=no3d windows_tests.exe
 velarto.exe info street.vlr
@@ -33,6 +35,9 @@ for level in plain sse2; do
   cp "$folder/levels/$level/velarto.dll" "$work/velarto-$level.dll"
   data+=(--data "$work/velarto-$level.dll")
 done
+mkdir -p "$work/tests"
+cp -r "$root/tests/data" "$work/tests/data"
+data+=(--data "$work/tests")
 for file in "$root"/tests/data/tile-*.jpg "$root/api/exports.list" "$root/samples/street.vlr"; do data+=(--data "$file"); done
 "$root/cmake/windows-vm.sh" run --timeout "${VELARTO_WINDOWS_TIMEOUT:-2400}" "${data[@]}" "$folder" "$work/commands" | grep --line-buffered -v '^speed=' | tee "$work/output"
 status=${PIPESTATUS[0]}

@@ -1,0 +1,136 @@
+// The encoder's fast kernels of every level against the plain kernels one after another.
+#include "pixel/color_tables.h"
+#include "pixel/encode_tables.h"
+#include "pixel/forward.h"
+#include "pixel/huffman_encode.h"
+#include "support/levels.h"
+#include "support/streams.h"
+
+#include <cmath>
+#include <numbers>
+
+namespace {
+
+constexpr uint8_t Guard = 0xA7;
+
+struct EncodeKernels : LibraryTest {
+  Noise noise{17};
+
+  std::vector<NamedKernelLevel> Levels() {
+    std::vector<NamedKernelLevel> levels = Test_Levels();
+    std::erase_if(levels, [](const NamedKernelLevel& level) { return !Kernels_Select(level.mask).encodeRow; });
+    return levels;
+  }
+
+  /** 8x8 samples: noise, one frequency of some size or as black and white, flat, dots. */
+  void Fill_Block(uint8_t* const* rows, int32_t left) {
+    const int32_t shape = noise.Between(0, 5), u = noise.Between(0, 7), v = noise.Between(0, 7);
+    const int32_t size = noise.Between(0, 160), level = noise.Between(0, 255), sign = noise.Between(0, 1) ? 1 : -1;
+    for (int32_t y = 0; y < 8; ++y) {
+      for (int32_t x = 0; x < 8; ++x) {
+        const double wave =
+            sign * std::cos((2 * x + 1) * u * std::numbers::pi / 16) * std::cos((2 * y + 1) * v * std::numbers::pi / 16);
+        const double values[] = {(double)noise.Between(0, 255), wave > 0 ? 255.0 : 0.0, 128 + size * wave, (double)level,
+                                 noise.Next() % 2 ? 255.0 : 0,  level + 8 * wave};
+        rows[y][left + x] = (uint8_t)std::clamp(values[shape], 0.0, 255.0);
+      }
+    }
+  }
+};
+
+/** What one call of ToPlanesKernel is to give, and room beside it that stays as it was. */
+struct PlaneRows {
+  Bytes rows[4];
+  PlaneRows(size_t count) {
+    for (size_t i = 0; i < 4; ++i) rows[i].assign((i < 2 ? count : count / 2) + 80, Guard);
+  }
+  uint8_t* At(size_t i) { return rows[i].data() + 40; }
+  bool operator==(const PlaneRows&) const = default;
+};
+
+TEST_F(EncodeKernels, PixelsToPlanes) {
+  for (const auto& [level, mask] : Levels()) {
+    for (int32_t round = 0; round < 3000; ++round) {
+      const int32_t count = round % 150 + 1, evenBias = noise.Between(1, 2), oddBias = noise.Between(1, 2);
+      Bytes pixels[2] = {noise.Some(3 * (size_t)count), noise.Some(3 * (size_t)count)};
+      for (Bytes& row : pixels) {
+        for (uint8_t& byte : row) byte = round % 3 ? byte : byte & 1 ? 255 : 0;
+      }
+      PlaneRows tested(count), expected(count);
+      Kernels_Select(mask).toPlanes(pixels[0].data(), pixels[1].data(), tested.At(0), tested.At(1), tested.At(2), tested.At(3),
+                                    count, evenBias, oddBias);
+      PlaneRows full[2] = {2 * count, 2 * count};
+      for (size_t i = 0; i < 2; ++i) {
+        To_Ycc_Row_Plain(rgbYccTable, pixels[i].data(), expected.At(i), full[i].At(2), full[i].At(3), count);
+      }
+      for (const size_t i : {2, 3}) {
+        Downsample_Row_Plain(full[0].At(i), full[1].At(i), expected.At(i), count / 2, evenBias, oddBias);
+      }
+      ASSERT_TRUE(tested == expected) << level << " round " << round;
+    }
+  }
+}
+
+/** Two rows of macroblocks, and what the plain kernels make of them. */
+struct Rows {
+  DecoderPtr decoder;
+  JdecCodec* const codec = decoder->codec;
+  const JdecPlanes* const planes = codec->planes;
+  explicit Rows(int32_t width) : decoder(JDEC_New(width, 32)) {}
+
+  Bytes Encoded() const {
+    const int32_t width = codec->width;
+    kernels = Kernels_Select(KernelPlain);
+    Forward_DCT_Plane(planes->yRows, codec->coefY, width, 32, codec->lumaForward, codec->lumaInverse);
+    Forward_DCT_Plane(planes->cbRows, codec->coefCb, width / 2, 16, codec->chromaForward, codec->chromaInverse);
+    Forward_DCT_Plane(planes->crRows, codec->coefCr, width / 2, 16, codec->chromaForward, codec->chromaInverse);
+    codec->frame->length = 0;
+    Huff_Encode_Frame(codec, codec->coefY, codec->coefCb, codec->coefCr, width, 32, codec->frame);
+    return {codec->frame->data, codec->frame->data + codec->frame->length};
+  }
+
+  /** By a kernel that may write so many bytes, filled up to a whole one. Empty when it had no room. */
+  Bytes Encoded(EncodeRowKernel kernel, size_t room) const {
+    Bytes out(room + 100, Guard);
+    HuffWriter writer = {out.data(), out.data() + room, 0, 0, {}};
+    int32_t whole = 1;
+    for (ptrdiff_t m = 0; m < 2 && whole; ++m) {
+      const EncodeSource source = {planes->yRows + 16 * m, planes->cbRows + 8 * m, planes->crRows + 8 * m, codec->lumaForward,
+                                   codec->lumaInverse,     codec->chromaForward,   codec->chromaInverse};
+      whole = kernel(huffEncodeTables, &source, codec->width / 16, &writer);
+    }
+    EXPECT_EQ(std::count(out.end() - 100, out.end(), Guard), 100);
+    if (!whole) return {};
+    out.resize((size_t)(writer.next - out.data()));
+    if (writer.bitCount > 0) out.push_back((uint8_t)(writer.bits << (8 - writer.bitCount) | 0xFFu >> writer.bitCount));
+    if (writer.bitCount > 0 && out.back() == 0xFF) out.push_back(0);
+    return out;
+  }
+};
+
+TEST_F(EncodeKernels, RowsOfMacroblocks) {
+  size_t stuffed = 0, refused = 0;
+  for (int32_t columns = 1; columns < 12; ++columns) {
+    const Rows rows(16 * columns + columns * 5 % 16);
+    for (int32_t round = 0; round < 150; ++round) {
+      Codec_Set_Quality(rows.codec, noise.Between(10, 90));
+      for (int32_t x = 0; x < 2 * columns; ++x) {
+        for (int32_t y = 0; y < 4; ++y) Fill_Block(rows.planes->yRows + 8 * y, 8 * x);
+        for (int32_t y = 0; y < 2 && x < columns; ++y) Fill_Block(rows.planes->cbRows + 8 * y, 8 * x);
+        for (int32_t y = 0; y < 2 && x < columns; ++y) Fill_Block(rows.planes->crRows + 8 * y, 8 * x);
+      }
+      const Bytes expected = rows.Encoded();
+      for (const auto& [level, mask] : Levels()) {
+        const EncodeRowKernel kernel = Kernels_Select(mask).encodeRow;
+        ASSERT_EQ(rows.Encoded(kernel, 3 * expected.size()), expected) << level << " columns " << columns << " round " << round;
+        ASSERT_EQ(rows.Encoded(kernel, expected.size()), expected) << level << " columns " << columns << " round " << round;
+        refused += rows.Encoded(kernel, expected.size() - 3).empty();
+      }
+      stuffed += (size_t)std::count(expected.begin(), expected.end(), 0xFF);
+    }
+  }
+  EXPECT_EQ(refused, Levels().size() * 11 * 150);
+  EXPECT_GT(stuffed, 1000u);
+}
+
+}  // namespace
