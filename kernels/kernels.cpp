@@ -1,7 +1,5 @@
 #include "kernels/kernels.h"
 
-Kernels kernels = Kernels_Select(KernelPlain);
-
 static void End_Stream_Plain() {}
 
 static constexpr Kernels plainKernels = {
@@ -25,6 +23,8 @@ static constexpr Kernels plainKernels = {
     .toPlanes = nullptr,
     .encodeRow = nullptr,
 };
+
+constinit Kernels kernels = plainKernels;
 
 #if defined(__i386__) || defined(__x86_64__)
 
