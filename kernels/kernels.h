@@ -1,8 +1,9 @@
 /* The door to all code that depends on the processor: one record of functions, and the plain records they work on.
  *
  * The plain level states the rule and decides every bit; another level agrees with it bit for bit. A file holds one
- * subject at one level (idct_plain.cpp), is compiled with the flags of its level, and includes nothing but this header:
- * an inline function shared with other files could be linked in with the instructions of the wrong level. */
+ * subject at one level (idct_plain.cpp), is compiled with the flags of its level, and includes this header, the intrinsics and
+ * its subject's body, no other: an inline function shared with other files could be linked in with the instructions of the wrong
+ * level. */
 #pragma once
 
 #include <stddef.h>
@@ -106,8 +107,8 @@ struct StripQuant {
 
 /** With a weighted sum of sizes up to this a block can be transformed in 16 bits: then whatever is multiplied fits, and all else
  *  counts modulo 2^16 alone, since the final clamp looks at no higher bit. The gains are the largest of the first pass for a
- *  coefficient in that row, in 8 fractional bits; up to 24 can come from rounding. DC, and whatever else meets additions alone,
- *  weighs nothing. */
+ *  coefficient in that row, in 8 fractional bits. Rounding adds less than 3 to a result of the first pass, of which at most four
+ *  are summed. DC, and whatever else meets additions alone, weighs nothing. */
 static const int32_t StripWeightLimit = 32700;
 static const int32_t StripRowGains[8] = {256, 256, 256, 302, 256, 452, 618, 1287};
 
@@ -116,7 +117,7 @@ static const int32_t StripRowGains[8] = {256, 256, 256, 302, 256, 452, 618, 1287
 using UnstuffKernel = size_t (*)(const uint8_t* data, size_t count, uint8_t* out);
 
 /** Decodes up to StripMacroblocks macroblocks into blocks, which are zero; DC values are differences. reach: six a macroblock,
- * how many scan positions a block uses, at least 1. Behind the data's end all bits are 0. */
+ * with at least the scan positions that a block uses, and its sum of sizes. Behind the data's end all bits are 0. */
 using DecodeStripKernel = void (*)(StripReader* reader, const StripTables* tables, int16_t* blocks, StripReach* reach,
                                    int32_t macroblocks);
 
@@ -155,7 +156,7 @@ using ConvertRowsKernel = void (*)(const ColorTables* tables, const uint8_t* yUp
                                    const uint8_t* cr, uint8_t* outUpper, uint8_t* outLower, int32_t pairs);
 
 /** A row of palette indices, 2 * pairs of them, from as many luma samples and one Cb and one Cr sample a pair. matrixRow: the
- * four dither values, 0 to 15, of the row's columns, over and over. */
+ * four dither values, 0 to 15, of the row's columns, over and over; for a single pair only two are there. */
 using DitherRowKernel = void (*)(const DitherTables* tables, const uint8_t* y, const uint8_t* cb, const uint8_t* cr,
                                  const uint8_t* matrixRow, uint8_t* out, int32_t pairs);
 

@@ -1,6 +1,8 @@
 // A decoder and its window: depth of the raster, what outlives a size change, frames that find no display.
+#include "decode/buffers.h"
 #include "display/context.h"
 #include "pixel/convert.h"
+#include "pixel/dither.h"
 #include "support/streams.h"
 #include "support/window.h"
 
@@ -32,6 +34,20 @@ TEST_F(DisplayedDecoder, RasterHasTheDepthOfTheScreen) {
     EXPECT_EQ(JDEC_Draw_Init(decoder.get(), nullptr), 0);
     EXPECT_EQ(decoder->window, window.handle);
     EXPECT_NE(decoder->display, nullptr);
+  }
+}
+
+TEST_F(DisplayedDecoder, PaletteIndicesComeRowByRowDownToAnOddLastOne) {
+  for (const auto& [windowWidth, mode] : {std::pair{320, DitherNormal}, {20, DitherShrink}}) {
+    const TestWindow window(8, windowWidth);
+    const DecoderPtr decoder(JDEC_New(47, 33));
+    JDEC_Draw_Init(decoder.get(), window.handle);
+    Push(decoder.get(), Compact_Frame(47, 33, 50, Noise{5}.Some(900)));
+    const std::unique_ptr<JdecRaster, Releaser<Arena_Free>> whole(Raster_New(47, 33, 8));
+    YCC_To_Palette8(decoder->codec->planes, whole.get(), mode);
+    for (int32_t i = 0; i < 33; ++i) {
+      ASSERT_TRUE(std::equal(whole->rows[i], whole->rows[i] + 47, decoder->codec->raster->rows[i])) << mode << " row " << i;
+    }
   }
 }
 
