@@ -65,8 +65,7 @@ constexpr bool Take_Symbol(Found* found, int32_t index, const ShortCodes& codes,
     Add_Value(found, index, run, size, isDc);
     return true;
   }
-  // Sixteen zeros stand alone: rare, and a step without values keeps to where nothing is yet.
-  if (run == 15 && found->used != 0) return false;
+  // Sixteen zeros always stand alone: their codes leave no room for another.
   found->used += length;
   found->advance += run == 15 ? 16 : 0;
   found->ended = run < 15;

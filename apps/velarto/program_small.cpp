@@ -13,13 +13,7 @@
 static constexpr const char* WholeProgram = "velarto-live";
 static constexpr std::string_view ownWords[] = {"--version", "info", "export", "make", "record", "bench"};
 
-void Add_Commands(CLI::App* app, int* code) {
-  Info_Command(app, code);
-  Export_Command(app, code);
-  Make_Command(app, code);
-  Record_Command(app, code);
-  Bench_Command(app, code);
-}
+void Add_Commands(CLI::App* app, int* code) { Add_File_Commands(app, code); }
 
 bool Keep_Or_Pass_On(int argc, char** argv, std::string* error) {
   const bool own = argc > 1 && std::ranges::find(ownWords, std::string_view(argv[1])) != std::end(ownWords);

@@ -2,11 +2,7 @@
 #include "apps/velarto/program.h"
 
 void Add_Commands(CLI::App* app, int* code) {
-  Info_Command(app, code);
-  Export_Command(app, code);
-  Make_Command(app, code);
-  Record_Command(app, code);
-  Bench_Command(app, code);
+  Add_File_Commands(app, code);
   View_Command(app, code);
   Camera_Command(app, code);
 }
