@@ -106,7 +106,7 @@ TEST_F(Receiver, BitRateIsReportedEveryThreeSeconds) {
 }
 
 struct Recording : Receiver {
-  const std::string path = testing::TempDir() + "velarto-recording-test.vlr";
+  const std::string path = Scratch_Path("recording.vlr");
   void Start() {
     decoder->recordFile = CreateFileA(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
     ASSERT_NE(decoder->recordFile, INVALID_HANDLE_VALUE);

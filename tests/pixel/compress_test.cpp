@@ -15,7 +15,7 @@ Bytes Compressed(JdecDecoder* encoder, int32_t quality, const Bytes& pixels, int
 }
 
 Bytes Saved(JdecDecoder* decoder) {
-  const std::string path = testing::TempDir() + "velarto-compress-test.jpg";
+  const std::string path = Scratch_Path("compress.jpg");
   FILE* const file = fopen(path.c_str(), "wb");
   EXPECT_EQ(JDEC_Write_JFIF_File(decoder, file), 2);
   fclose(file);
@@ -47,10 +47,11 @@ TEST_F(LibraryTest, WhatIsCompressedComesBack) {
     }
     EXPECT_EQ(JDEC_Get_Quality(decoder.get()), quality);
     EXPECT_EQ(Saved(decoder.get()), jfif);
-    const Bytes theirs = Decoded_By_Djpeg(testing::TempDir() + "velarto-compress-test.jpg");
+    const Bytes theirs = Decoded_By_Djpeg(Scratch_Path("compress.jpg"));
     ASSERT_EQ(theirs.size(), bmp.size());
     for (const double psnr : Psnr(theirs, bmp)) EXPECT_GT(psnr, least) << quality;
   }
+  std::remove(Scratch_Path("compress.jpg").c_str());
 }
 
 TEST_F(LibraryTest, DoubledRowsAreThePictureWithEachRowTwice) {

@@ -35,7 +35,7 @@ inline void Pump() {
 
 struct PluginTest : testing::Test {
   const TestFrame small = Load_Frame("tile-48x48-q50.jpg", 50), large = Load_Frame("tile-96x64-q40.jpg", 40);
-  const std::string path = testing::TempDir() + "velarto-plugin-" + std::to_string(GetCurrentThreadId()) + ".vlr";
+  const std::string path = Scratch_Path("plugin.vlr");
   const int32_t alive = (Screen_Forget_Registry(), Screen_Set_Up(Screen_Of_Depth(32)), Screen_Objects_Alive());
   const HWND page = Page_Window(nullptr, 50, 40, 400, 300), window = Page_Window(page, 10, 20, 101, 64);
   NPPluginFuncs plugin = {};

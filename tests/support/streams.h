@@ -28,6 +28,11 @@ inline DecoderPtr Headless_Decoder(int32_t width, int32_t height) {
 
 inline std::string Data_Path(const std::string& name) { return VELARTO_SOURCE_DIR "/tests/data/" + name; }
 
+/** A path for a file of this test alone, whatever runs beside it. */
+inline std::string Scratch_Path(const std::string& name) {
+  return testing::TempDir() + "velarto-" + std::to_string(GetCurrentThreadId()) + "-" + name;
+}
+
 inline Bytes Read_File(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
   EXPECT_TRUE(file) << path;
