@@ -63,6 +63,30 @@ static void Take_Hidden_Bits(const RowStore* store, int32_t macroblocks, Waterma
   }
 }
 
+/** Moves on to the rest when a strip begins behind the data's end. */
+static void Look_For_Rest(RowsRun* run) {
+  if (run->reader.position < run->reader.end) return;
+  run->rest = run->rest == RowsRest::No ? RowsRest::First : RowsRest::Known;
+}
+
+static void Keep_Rest_Scan(RowsRun* run) {
+  const RowStore* const store = run->codec->rows;
+  for (int32_t k = WatermarkFirst; k <= WatermarkLast; ++k) run->restScan[k] = store->blocks[stripTables.places[k]];
+}
+
+static void Keep_Rest_Samples(RowsRun* run) {
+  for (int32_t i = 0; i < 24; ++i) std::memcpy(run->restSamples + static_cast<ptrdiff_t>(8) * i, run->rows[i < 8 ? i : 8 + i], 8);
+}
+
+/** Writes the samples of a strip of the rest. */
+static void Repeat_Rest(const RowsRun* run) {
+  for (int32_t i = 0; i < 32; ++i) {
+    const uint8_t* const from = run->restSamples + static_cast<ptrdiff_t>(8) * (i < 16 ? i % 8 : i - 8);
+    const int32_t width = (i < 16 ? 16 : 8) * run->strip;
+    for (int32_t x = 0; x < width; x += 8) std::memcpy(run->rows[i] + x, from, 8);
+  }
+}
+
 static void Point_To_Row(RowsRun* run) {
   const JdecPlanes* const planes = run->codec->planes;
   const int32_t m = run->row;
@@ -81,6 +105,7 @@ void Rows_Open(RowsRun* run, JdecCodec* codec) {
   run->predictors[0] = run->predictors[1] = run->predictors[2] = 0;
   run->collector.length = run->collector.bitIndex = run->collector.byte = 0;
   run->row = run->column = run->strip = 0;
+  run->rest = RowsRest::No;
 }
 
 /** From this many luma samples on the planes are not found in the caches nearest to the processor. */
@@ -101,8 +126,14 @@ int32_t Rows_Decode_Strip(RowsRun* run) {
   RowStore* const store = codec->rows;
   if (run->column == 0) Point_To_Row(run);
   run->strip = std::min(codec->width / 16 - run->column, StripMacroblocks);
+  Look_For_Rest(run);
+  if (run->rest == RowsRest::Known) {
+    for (int32_t b = 0; b < 4 * run->strip; ++b) Watermark_Take_Block(&run->collector, run->restScan);
+    return 1;
+  }
   if (int64_t{codec->width} * codec->height >= LargePicture) Fetch_Ahead(run);
   kernels.decodeStrip(&run->reader, &stripTables, store->blocks, &store->reach, run->strip);
+  if (run->rest == RowsRest::First) Keep_Rest_Scan(run);
   Take_Hidden_Bits(store, run->strip, &run->collector);
   return 1;
 }
@@ -110,8 +141,13 @@ int32_t Rows_Decode_Strip(RowsRun* run) {
 int32_t Rows_Transform_Strip(RowsRun* run) {
   const JdecCodec* const codec = run->codec;
   RowStore* const store = codec->rows;
-  kernels.transformStrip(store->blocks, &store->reach, run->strip, &store->luma, &store->chroma, rangeLimit, run->predictors,
-                         run->rows);
+  if (run->rest == RowsRest::Known) {
+    Repeat_Rest(run);
+  } else {
+    kernels.transformStrip(store->blocks, &store->reach, run->strip, &store->luma, &store->chroma, rangeLimit, run->predictors,
+                           run->rows);
+  }
+  if (run->rest == RowsRest::First) Keep_Rest_Samples(run);
   for (int32_t i = 0; i < 32; ++i) run->rows[i] += (i < 16 ? 16 : 8) * run->strip;
   run->column += run->strip;
   if (run->column < codec->width / 16) return 0;

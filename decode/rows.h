@@ -25,6 +25,14 @@ void Row_Store_Set_Tables(RowStore* store, const int16_t* lumaInverse, const int
 /** 1 if frames are to take this road: the kernels for it are there, and the packed form of the transform isn't asked for. */
 int32_t Rows_Available();
 
+/** What stands for data that is missing. Behind the data's end all bits are 0, so that all blocks of a component come out alike.
+ */
+enum class RowsRest : uint8_t {
+  No,     ///< The strip at hand has data.
+  First,  ///< It is the first without any,
+  Known,  ///< or a later one: blocks and samples are known.
+};
+
 /** A frame on this road. */
 struct RowsRun {
   JdecCodec* codec;
@@ -34,6 +42,9 @@ struct RowsRun {
   uint8_t* rows[32];    ///< Where the next samples go: 16 rows of luma, 8 of Cb, 8 of Cr.
   int32_t row, column;  ///< Macroblocks done: whole rows, and of the next row.
   int32_t strip;        ///< Macroblocks decoded and not yet transformed.
+  RowsRest rest;
+  int32_t restScan[64];         ///< Of a luma block of the rest: its hidden-text positions.
+  uint8_t restSamples[24 * 8];  ///< A block of it each of luma, Cb, Cr.
 };
 
 /** Begins with the frame in the codec's store, whose size the codec's buffers have: frees its data of stuffing. */

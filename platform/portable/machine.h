@@ -201,9 +201,11 @@ struct IDirectDrawSurface {
   ULONG references;
   bool primary;
   bool locked;
-  int32_t losses;              ///< machine.losses when it was made or restored.
-  PixelView view;              ///< Without pixels for the primary one.
-  std::vector<uint8_t> store;  ///< Pixels and guards.
+  int32_t losses;    ///< machine.losses when it was made or restored.
+  PixelView view;    ///< Without pixels for the primary one.
+  uint8_t* store;    ///< Pixels and guards, owned; null for the primary one.
+  size_t storeSize;  ///< Bytes of it.
+  uint8_t guard;     ///< What each byte of the guards holds.
   bool keyed;
   DDCOLORKEY key;
   IDirectDrawClipper* clipper;

@@ -2,14 +2,17 @@
 #include "platform/portable/machine.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 #include <new>
 
 namespace {
 
-/** Bytes behind each row that belong to no pixel, and what they hold. */
+/** Bytes behind each row that belong to no pixel, and what they hold. Of a large surface many rows are never used: its guards
+ * stay zero, so that such rows take no memory. */
 constexpr int32_t GuardBytes = 32;
 constexpr uint8_t GuardValue = 0xA5;
+constexpr size_t LargeStore = size_t{16} << 20;
 constexpr int32_t MostSide = 65535;
 
 bool Is_Lost(const IDirectDrawSurface* surface) { return surface->losses != machine.losses; }
@@ -18,14 +21,26 @@ size_t Pixel_Row_Bytes(const PixelView& view) {
   return static_cast<size_t>(view.width) * static_cast<size_t>(view.format.bits / 8);
 }
 
-/** Lays the rows out in the store, with guards behind each, above the first and below the last. */
-void Make_Store(IDirectDrawSurface* surface) {
+void Write_Guards(IDirectDrawSurface* surface, size_t used, size_t pitch) {
+  surface->guard = GuardValue;
+  std::memset(surface->store, GuardValue, pitch);
+  std::memset(surface->store + surface->storeSize - pitch, GuardValue, pitch);
+  for (size_t row = pitch; row < surface->storeSize; row += pitch)
+    std::memset(surface->store + row + used, GuardValue, pitch - used);
+}
+
+/** Lays the rows out in the store, black, with guards behind each, above the first and below the last. False without memory. */
+bool Make_Store(IDirectDrawSurface* surface) {
   PixelView& view = surface->view;
   const size_t row = (Pixel_Row_Bytes(view) + 3) & ~size_t{3};
   const size_t pitch = row + GuardBytes;
-  surface->store.assign(pitch * static_cast<size_t>(view.height + 2), GuardValue);
+  surface->storeSize = pitch * (static_cast<size_t>(view.height) + 2);
+  surface->store = static_cast<uint8_t*>(std::calloc(surface->storeSize, 1));
+  if (!surface->store) return false;
+  if (surface->storeSize <= LargeStore) Write_Guards(surface, Pixel_Row_Bytes(view), pitch);
   view.pitch = static_cast<ptrdiff_t>(pitch);
-  view.pixels = surface->store.data() + pitch;
+  view.pixels = surface->store + pitch;
+  return true;
 }
 
 void Clear_Pixels(const PixelView& view) {
@@ -136,9 +151,9 @@ bool Screen_Surface_Guards_Whole(const IDirectDrawSurface* surface) {
   const PixelView& view = surface->view;
   const size_t pitch = static_cast<size_t>(view.pitch), used = Pixel_Row_Bytes(view);
   if (pitch == 0) return true;
-  for (size_t at = 0; at < surface->store.size(); ++at) {
-    const bool outerRow = at < pitch || at >= surface->store.size() - pitch;
-    if ((outerRow || at % pitch >= used) && surface->store[at] != GuardValue) return false;
+  for (size_t at = 0; at < surface->storeSize; ++at) {
+    const bool outerRow = at < pitch || at >= surface->storeSize - pitch;
+    if ((outerRow || at % pitch >= used) && surface->store[at] != surface->guard) return false;
   }
   return true;
 }
@@ -156,9 +171,9 @@ HRESULT IDirectDraw_CreateSurface(IDirectDraw*, DDSURFACEDESC* desc, IDirectDraw
   made->view.format = Screen_Format();
   made->view.width = primary ? machine.setup.width : static_cast<int32_t>(desc->dwWidth);
   made->view.height = primary ? machine.setup.height : static_cast<int32_t>(desc->dwHeight);
-  if (!primary) {
-    Make_Store(made);
-    Clear_Pixels(made->view);
+  if (!primary && !Make_Store(made)) {
+    delete made;
+    return DDERR_OUTOFMEMORY;
   }
   Object_Made();
   *surface = made;
@@ -279,6 +294,7 @@ ULONG IDirectDrawSurface_Release(IDirectDrawSurface* surface) {
   if (surface->dc) Dc_End(surface->dc);
   Replace_Clipper(surface, nullptr);
   Replace_Palette(surface, nullptr);
+  std::free(surface->store);
   delete surface;
   Object_Ended();
   return 0;

@@ -1,7 +1,9 @@
 // Streams that lie, break off or make no sense: the decoder stays up and finds the next good frame.
 #include "fuzz/receive_fuzzer.cpp"
 #include "platform/portable/screen.h"
+#include "support/resident.h"
 #include "support/streams.h"
+#include "support/window.h"
 
 #include <filesystem>
 
@@ -65,6 +67,25 @@ TEST_F(Hostile, HeadsThatAnnounceTooMuch) {
     EXPECT_EQ(Push(decoder.get(), frame), -1);
     EXPECT_EQ(Frames_Until_Shown(), 1u);
     JDEC_Flush(decoder.get());
+  }
+}
+
+TEST_F(Hostile, MemoryOfTheLargestPictures) {
+  const TestWindow window(32);
+  constexpr int64_t most = int64_t{16} * MaxMacroblocks * 256 + 4000000;
+  for (const HWND shown : {HWND{nullptr}, window.handle}) {
+    for (const auto& [width, height] : {std::pair{8192, 4000}, {65535, 500}, {500, 65535}, {65535, 1}, {1, 65535}}) {
+      const int64_t before = Resident_Bytes();
+      ASSERT_GT(before, 0);
+      const DecoderPtr huge(JDEC_New(16, 16));
+      ASSERT_EQ(JDEC_Draw_Init(huge.get(), shown), 1);
+      Push(huge.get(), Compact_Frame(width, height, 90, Bytes(20, 0x28)));
+      int32_t gotWidth = 0, gotHeight = 0;
+      JDEC_get_size(huge.get(), &gotWidth, &gotHeight);
+      ASSERT_TRUE(gotWidth == width && gotHeight == height);
+      EXPECT_EQ(huge->display != nullptr, shown != nullptr) << width << " by " << height;
+      EXPECT_LE(Resident_Bytes() - before, most) << width << " by " << height << (shown ? " shown" : "");
+    }
   }
 }
 

@@ -35,7 +35,8 @@ struct Roads : LibraryTest {
   std::vector<Bytes> Bodies(int32_t width, int32_t height) {
     std::vector<Bytes> bodies;
     for (int32_t i = 0; i < Steps; ++i) {
-      Bytes body = noise.Some((size_t)noise.Between(0, width * height / (i % 2 ? 2 : 9)));
+      static constexpr int32_t shares[4] = {9, 2, 500, 2};
+      Bytes body = noise.Some((size_t)noise.Between(0, width * height / shares[i % 4]));
       for (uint8_t& byte : body) byte = i % 3 == 2 && noise.Next() % 8 == 0 ? 0xFF : byte;
       bodies.push_back(body);
     }

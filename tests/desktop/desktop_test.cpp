@@ -63,7 +63,7 @@ TEST_F(PluginTest, IsSeenAndUsedOnADesktop) {
     };
     for (const auto& [action, sight, x, y, color] : steps) {
       Do(action);
-      EXPECT_TRUE(Await([&] { return Color_At(x, y) == color; })) << sight;
+      EXPECT_TRUE(Await([x = x, y = y, color = color] { return Color_At(x, y) == color; })) << sight;
     }
     Do("mousemove 138 130 click 1");
     EXPECT_TRUE(Await([&] { return std::filesystem::exists(words); })) << "the question";

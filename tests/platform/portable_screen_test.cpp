@@ -18,11 +18,12 @@ TEST_F(PortableScreenTest, CopiesOverItselfDoNotRepeat) {
     ASSERT_NE(surface, nullptr);
     const Spot spots[] = {{2, 0, Red}, {2, 1, Green}, {2, 2, Blue}, {2, 3, White}};
     for (const auto& [x, y, color] : spots)
-      EXPECT_EQ(On_Surface(surface, [&](HDC dc) { return SetPixel(dc, x, y, color); }), color) << bits;
+      EXPECT_EQ(On_Surface(surface, [&, x = x, y = y, color = color](HDC dc) { return SetPixel(dc, x, y, color); }), color)
+          << bits;
     RECT to{0, 2, 3, 6}, from{0, 0, 3, 4};
     ASSERT_EQ(IDirectDrawSurface_Blt(surface, &to, surface, &from, 0, nullptr), DD_OK);
     for (const auto& [x, y, color] : spots)
-      EXPECT_EQ(On_Surface(surface, [&](HDC dc) { return GetPixel(dc, x, y + 2); }), color) << bits;
+      EXPECT_EQ(On_Surface(surface, [&, x = x, y = y](HDC dc) { return GetPixel(dc, x, y + 2); }), color) << bits;
     EXPECT_TRUE(Screen_Surface_Guards_Whole(surface));
     int32_t width = 0, height = 0, pitch = 0;
     const_cast<uint8_t*>(Screen_Surface_Pixels(surface, &width, &height, &pitch))[3 * bits / 8] = 0;
