@@ -1,11 +1,8 @@
 // Streams that lie, break off or make no sense: the decoder stays up and finds the next good frame.
-#include "fuzz/receive_fuzzer.cpp"
 #include "platform/portable/screen.h"
 #include "support/resident.h"
 #include "support/streams.h"
 #include "support/window.h"
-
-#include <filesystem>
 
 namespace {
 
@@ -121,19 +118,6 @@ TEST_F(Hostile, NoiseOnBothPaths) {
     Poll(decoder.get());
   }
   EXPECT_NE(Frames_Until_Shown(), 0u);
-}
-
-TEST_F(Hostile, InputsOfTheFuzzer) {
-  int files = 0;
-  for (const char* folder : {"/tests/fuzz/corpus", "/tests/regressions"}) {
-    for (const auto& entry : std::filesystem::directory_iterator(std::string(VELARTO_SOURCE_DIR) + folder)) {
-      if (entry.path().extension() != ".bin") continue;
-      const Bytes input = Read_File(entry.path().string());
-      LLVMFuzzerTestOneInput(input.data(), input.size());
-      ++files;
-    }
-  }
-  EXPECT_GE(files, 8);
 }
 
 }  // namespace

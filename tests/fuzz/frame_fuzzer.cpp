@@ -1,0 +1,40 @@
+// One frame of each form around the same body: the levels agree on its picture and its hidden text, bit for bit, and so do the
+// forms that carry the quality as it is.
+#include "fuzz/machine.h"
+
+/** Picture and hidden text of the frame, in a decoder that has had another frame before. */
+static Bytes Decode(uint32_t mask, const Bytes& before, const Bytes& frame, bool hook) {
+  const Run run(mask);
+  JdecDecoder* const decoder = JDEC_New(48, 32);
+  JDEC_Draw_Init(decoder, nullptr);
+  int32_t status = hook;
+  Push(decoder, before);
+  Push(decoder, frame, &status);
+  Bytes result = Picture_Of(decoder), text(1024);
+  text.resize((size_t)JDEC_read_watermark_string(decoder, text.data(), (int32_t)text.size()));
+  result.insert(result.end(), text.begin(), text.end());
+  result.push_back((uint8_t)status);
+  JDEC_Free(decoder);
+  return result;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  Input input = {data, size};
+  const uint32_t mask = Draw_Level(&input);
+  const uint8_t flags = input.Byte();
+  const int32_t width = input.Word() % (flags & 1 ? 2048 : 160) + 1;
+  const int32_t height = std::min(input.Word() % (flags & 1 ? 2048 : 160) + 1, 400000 / width);
+  const int32_t quality = (int16_t)input.Word();
+  const Bytes before = flags & 4 ? Next_Frame(&input) : Bytes();
+  const Bytes body = input.Some(input.left);
+  if (body.size() > 60000) return 0;
+  const Form form = (Form)((flags >> 3) % 3);
+  const Bytes frame = Make_Frame(form, width, height, quality, body);
+  const Bytes picture = Decode(mask, before, frame, flags & 2);
+  if (mask != KernelPlain) REQUIRE(picture == Decode(KernelPlain, before, frame, flags & 2));
+  // A search is not begun with fewer bytes, and in what another frame has left behind it may start elsewhere.
+  if (form == Form::Prefixed && before.empty() && body.size() >= LeastSearchBytes - CompactHeadSize) {
+    REQUIRE(picture == Decode(mask, before, Make_Frame(Form::Compact, width, height, quality, body), flags & 2));
+  }
+  return 0;
+}
