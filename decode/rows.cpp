@@ -63,9 +63,10 @@ static void Take_Hidden_Bits(const RowStore* store, int32_t macroblocks, Waterma
   }
 }
 
-/** Moves on to the rest when a strip begins behind the data's end. */
+/** Moves on to the rest when a strip begins behind the data's end. A picture narrower than a macroblock has no block to repeat.
+ */
 static void Look_For_Rest(RowsRun* run) {
-  if (run->reader.position < run->reader.end) return;
+  if (run->reader.position < run->reader.end || run->strip == 0) return;
   run->rest = run->rest == RowsRest::No ? RowsRest::First : RowsRest::Known;
 }
 
