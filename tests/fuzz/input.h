@@ -38,16 +38,18 @@ struct Input {
   }
 };
 
-/** Pixels that the compact heads of a stream announce: with too many, an input would outlast a fuzzer's patience. */
+/** Pixels that the heads in a stream announce: large pictures would keep a fuzzer from everything else. */
 inline uint64_t Announced_Pixels(const uint8_t* data, size_t size) {
   uint64_t pixels = 0;
-  for (size_t i = 0; i + 12 <= size; ++i, ++data) {
-    if (data[0] != 0xFF || data[1] != 0xD8 || data[10] != 0xFF || data[11] != 0xD9) continue;
-    pixels += (uint64_t)(data[4] | data[5] << 8) * (uint64_t)(data[6] | data[7] << 8);
+  const auto word = [&](size_t at, int low) { return (uint64_t)(data[at + low] | data[at + 1 - low] << 8); };
+  for (size_t i = 0; i + 12 <= size; ++i) {
+    if (data[i] != 0xFF) continue;
+    if (data[i + 1] == 0xD8 && data[i + 10] == 0xFF && data[i + 11] == 0xD9) pixels += word(i + 4, 0) * word(i + 6, 0);
+    if (data[i + 1] == 0xC0) pixels += word(i + 5, 1) * word(i + 7, 1);
   }
   return pixels;
 }
-inline constexpr uint64_t MostAnnounced = 8'000'000;
+inline constexpr uint64_t MostAnnounced = 12'000;
 
 enum class Form { Compact, Prefixed, Jfif };
 
@@ -70,9 +72,9 @@ inline Bytes Make_Frame(Form form, int32_t width, int32_t height, int32_t qualit
   return frame;
 }
 
-/** A frame of the next bytes: form, size of at most 160 by 160, quality, length, body. */
+/** A frame of the next bytes: form, size of at most 80 by 80, quality, length, body. */
 inline Bytes Next_Frame(Input* input) {
   const uint8_t form = input->Byte();
-  const int32_t width = input->Byte() % 160 + 1, height = input->Byte() % 160 + 1, quality = input->Byte();
+  const int32_t width = input->Byte() % 80 + 1, height = input->Byte() % 80 + 1, quality = input->Byte();
   return Make_Frame((Form)(form % 3), width, height, quality, input->Some((size_t)input->Word() % 2048));
 }

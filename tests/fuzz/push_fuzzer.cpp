@@ -24,6 +24,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   Input input = {data, size};
   const uint32_t mask = Draw_Level(&input);
   const Bytes picture = Decode(mask, input);
-  if (mask != KernelPlain && size > 1 && data[1] & 8) REQUIRE(picture == Decode(KernelPlain, input));
+  if (mask != KernelPlain && size % 4 == 0) REQUIRE(picture == Decode(KernelPlain, input));
   return 0;
 }
