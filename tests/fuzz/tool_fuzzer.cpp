@@ -1,5 +1,6 @@
-// What the tool parses itself: multipart bodies, parts, picture files, addresses, and the walk along a stream's frames. Where a
-// stream is cut must not matter.
+// What the tool parses itself: multipart bodies, parts, picture files, addresses, options of overlays, and the walk along a
+// stream's frames. Where a stream is cut must not matter.
+#include "apps/velarto/overlays.h"
 #include "apps/velarto/picture_file.h"
 #include "apps/velarto/sources/multipart.h"
 #include "apps/velarto/sources/part_frame.h"
@@ -84,6 +85,26 @@ void Read_Address(const std::string& name) {
   REQUIRE(boundary.size() <= name.size() && Url_Is_Http(name) <= (name.size() >= 7) && Source_Live(name) <= !name.empty());
 }
 
+/** Words of a command line. Files that they may name are in this folder, where none of them is. */
+void Read_Options(const std::string& line) {
+  CLI::App app;
+  OverlayOptions options;
+  Add_Overlay_Options(&app, &options);
+  std::vector<std::string> words;
+  for (size_t at = 0, end = 0; end != line.size(); at = end + 1) {
+    end = std::min(line.find('\n', at), line.size());
+    words.insert(words.begin(), line.substr(at, end - at));
+  }
+  try {
+    app.parse(words);
+  } catch (const CLI::ParseError& error) {
+    return REQUIRE(error.get_exit_code() != 0 || line.find("-h") != std::string::npos);
+  }
+  Overlays overlays;
+  std::string wrong;
+  REQUIRE(Overlays_Read(options, &overlays, &wrong) == wrong.empty());
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
@@ -92,7 +113,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const uint8_t what = input.Byte();
   const size_t chunk = input.Byte() + 1;
   const std::string boundary = what & 8 ? "cut" : "";
-  switch (what % 5) {
+  switch (what % 6) {
     case 0:
       REQUIRE(Parts(input, chunk, boundary) == Parts(input, size, boundary));
       break;
@@ -105,9 +126,14 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     case 3:
       Read_Part(mask, input.Some(size));
       break;
-    default:
+    case 4:
       Read_Address({reinterpret_cast<const char*>(input.data), input.left});
       break;
+    default: {
+      std::string line(reinterpret_cast<const char*>(input.data), input.left);
+      std::erase(line, '/');
+      Read_Options(line);
+    }
   }
   return 0;
 }
