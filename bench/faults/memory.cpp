@@ -103,8 +103,8 @@ struct Work {
   JdecDecoder* (*run)(Ground* ground, bool* done);
   int32_t screenBits;  ///< 0: no window.
 };
-constexpr Work works[] = {{"receive", Receive, 0},       {"decode", Decode, 0},       {"show, 32 bits", Decode, 32},
-                          {"show, 16 bits", Decode, 16}, {"show, 8 bits", Decode, 8}, {"export", Export, 0},
+constexpr Work works[] = {{"receive", Receive, 0},         {"decode", Decode, 0},         {"show in 32 bits", Decode, 32},
+                          {"show in 16 bits", Decode, 16}, {"show in 8 bits", Decode, 8}, {"export", Export, 0},
                           {"compress", Compress, 0}};
 
 /** One run in which allocations fail from the `after`-th on, that many of them. */

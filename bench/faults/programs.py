@@ -15,7 +15,7 @@ import time
 
 # exit: the code, or None for a program that had to be stopped; right: indices of the good frames that it decoded.
 Result = collections.namedtuple("Result", "exit text memory seconds right", defaults=(frozenset(),))
-MOST_SECONDS = 40
+MOST_SECONDS = 30
 MOST_MEMORY = 3 << 20  # Kilobytes of address space: a program that wants more doesn't take the machine with it.
 LIVE_TIME = 25  # Seconds for a program to notice that a connection is dead.
 
@@ -25,8 +25,8 @@ def child_of(pid):
     return int(text[0]) if text else pid
 
 
-def stop_child(process, number=signal.SIGKILL):
-    """Stops the measured program, so that what it used is told still."""
+def stop_child(process, number=signal.SIGINT):
+    """Asks the measured program to end, or kills it, so that what it used is told still."""
     try:
         os.kill(child_of(process.pid), number)
     except (FileNotFoundError, ProcessLookupError):
@@ -39,19 +39,21 @@ def start(command, most_file=None, environment=None, stdin=subprocess.DEVNULL):
     limits = f"ulimit -v {MOST_MEMORY};" + (f"trap '' XFSZ; ulimit -f {most_file // 512};" if most_file else "")
     notes = tempfile.NamedTemporaryFile()
     output = tempfile.TemporaryFile()
-    process = subprocess.Popen(["time", "-q", "-f", "%M", "-o", notes.name, "sh", "-c", limits + ' exec "$@"', "sh", *map(str, command)],
-                               stdin=stdin, stdout=output, stderr=subprocess.STDOUT, env=environment, start_new_session=True)
+    measured = ["time", "-q", "-f", "%M", "-o", notes.name, "sh", "-c", limits + ' exec "$@"', "sh", *map(str, command)]
+    process = subprocess.Popen(measured, stdin=stdin, stdout=output, stderr=subprocess.STDOUT, env=environment)
     process.notes, process.output = notes, output
     return process
 
 
 def finish(process, limit=MOST_SECONDS):
-    """Waits for the program, which is stopped when the time is up."""
-    timer = threading.Timer(limit, stop_child, [process])
+    """Waits for the program, which is stopped when the time is up, first politely."""
+    timers = [threading.Timer(limit, stop_child, [process]), threading.Timer(limit + 5, stop_child, [process, signal.SIGKILL])]
     began = time.monotonic()
-    timer.start()
+    for timer in timers:
+        timer.start()
     _, status, usage = os.wait4(process.pid, 0)
-    timer.cancel()
+    for timer in timers:
+        timer.cancel()
     process.returncode = os.waitstatus_to_exitcode(status)
     process.output.seek(0)
     text = process.output.read().decode(errors="replace")
@@ -80,76 +82,62 @@ def hashes(folder):
     return [hashlib.md5(file.read_bytes()).hexdigest() for file in files]
 
 
-class Decoder:
-    """A program that decodes a source, a path or an address or '-'. `good` tells what it makes of the good frames."""
-    name = ""
+# ---- Decoders --------------------------------------------------------------------------------------------------------
 
-    def command(self, source, folder):
-        raise NotImplementedError
-
-    def pictures(self, folder, text):
-        return hashes(folder)
-
-    def learn(self, source, count, form):
-        """The program's own pictures of the undamaged stream are the measure of what it decodes later."""
-        result, found = self.decode(source)
-        if len(found) != count or len(set(found)) != count:
-            raise SystemExit(f"faults: {self.name} doesn't decode the undamaged {form} stream: {result}")
-        self.good[form] = {picture: index for index, picture in enumerate(found)}
-
-    def __init__(self):
-        self.good = {}
-
-    def decode(self, source, chunks=None, limit=MOST_SECONDS):
-        folder = pathlib.Path(tempfile.mkdtemp())
-        try:
-            process = start(self.command(source, folder), stdin=subprocess.PIPE if chunks is not None else subprocess.DEVNULL)
-            if chunks is not None:
-                feed(process, chunks)
-            result = finish(process, limit)
-            return result, self.pictures(folder, result.text)
-        finally:
-            shutil.rmtree(folder)
-
-    def run(self, source, intact, form="jfif", chunks=None, limit=MOST_SECONDS):
-        result, found = self.decode(source, chunks, limit)
-        right = {self.good[form].get(picture) for picture in found} & set(intact)
-        return result._replace(right=frozenset(right))
+# command(source, folder): decodes a source, a path or an address or "-", to files in the folder; pictures(folder): a hash for each
+# picture; good: by form, index of a good frame by the hash that the program's own picture of it has.
+Decoder = collections.namedtuple("Decoder", "name command pictures good")
 
 
-class Velarto(Decoder):
-    name = "velarto"
-
-    def __init__(self, tool):
-        super().__init__()
-        self.tool = tool
-
-    def command(self, source, folder):
-        return [self.tool, "export", source, "-o", folder / "%d.bmp"]
+def velarto(tool):
+    return Decoder("velarto", lambda source, folder: [tool, "export", source, "-o", folder / "%d.bmp"], hashes, {})
 
 
-class Ffmpeg(Decoder):
-    name = "FFmpeg"
-
-    def command(self, source, folder):
+def ffmpeg():
+    def command(source, folder):
         kind = [] if str(source).startswith("http") else ["-f", "mjpeg"]
-        return ["ffmpeg", "-nostdin", "-v", "error", "-threads", "1", *kind, "-i", source, "-autoscale", "0", "-vsync", "passthrough", "-f",
-                "framemd5", "-y", folder / "0"]
+        return ["ffmpeg", "-nostdin", "-v", "error", "-threads", "1", *kind, "-i", source, "-autoscale", "0", "-vsync", "passthrough",
+                "-f", "framemd5", "-y", folder / "0"]
 
-    def pictures(self, folder, text):
-        file = folder / "0"
-        lines = file.read_text().splitlines() if file.exists() else []
+    def pictures(folder):
+        lines = (folder / "0").read_text().splitlines() if (folder / "0").exists() else []
         return [line.split()[-1] for line in lines if not line.startswith("#")]
+    return Decoder("FFmpeg", command, pictures, {})
 
 
-class Gstreamer(Decoder):
-    name = "GStreamer"
-
-    def command(self, source, folder):
+def gstreamer():
+    def command(source, folder):
         entry = ["filesrc", f"location={source}"] if source != "-" else ["fdsrc"]
         if str(source).startswith("http"):
             entry = ["souphttpsrc", f"location={source}", "!", "multipartdemux"]
         return ["gst-launch-1.0", "-q", *entry, "!", "jpegdec", "!", "multifilesink", f"location={folder}/%d"]
+    return Decoder("GStreamer", command, hashes, {})
+
+
+def decode(decoder, source, chunks=None, limit=MOST_SECONDS):
+    """How the program ended, and the hashes of its pictures. chunks: what it gets on its standard input."""
+    folder = pathlib.Path(tempfile.mkdtemp())
+    try:
+        process = start(decoder.command(source, folder), stdin=subprocess.PIPE if chunks is not None else subprocess.DEVNULL)
+        if chunks is not None:
+            feed(process, chunks)
+        return finish(process, limit), decoder.pictures(folder)
+    finally:
+        shutil.rmtree(folder)
+
+
+def learn(decoder, source, count, form):
+    """The program's own pictures of the undamaged stream are the measure of what it decodes later."""
+    result, found = decode(decoder, source)
+    if len(found) != count or len(set(found)) != count:
+        raise SystemExit(f"faults: {decoder.name} doesn't decode the undamaged {form} stream: {result}")
+    decoder.good[form] = {picture: index for index, picture in enumerate(found)}
+
+
+def judge(decoder, source, intact, form="jfif", **how):
+    """Which of the intact frames the program decodes right."""
+    result, found = decode(decoder, source, **how)
+    return result._replace(right=frozenset({decoder.good[form].get(picture) for picture in found} & set(intact)))
 
 
 def first_line(command):

@@ -24,15 +24,15 @@ def each_tenth(frames, damage):
 
 
 def garbage(frames, form, dice):
-    """Up to 4096 bytes ahead of each frame, with bare markers and the beginnings of heads among them."""
+    """Up to 4 KB ahead of each frame, with bare markers and the beginnings of heads among them, once a single FF at their end."""
     pieces = []
     for piece in good(frames):
         noise = bytearray(dice.randbytes(dice.randint(1, 4096)))
-        start = dice.choice((b"\xff\xd8", b"\xff\xd9", b"\xff\xd8\xff\xe0\0\x10JFIF", frames[0][:HEAD[form] - 1][:20], b"\xff"))
-        if form != "jfif" and len(start) > 12:
-            start = start[:9]  # A whole head would be one.
+        start = dice.choice((b"\xff\xd8", b"\xff\xd9", b"\xff\xd8\xff\xe0\0\x10JFIF", frames[0][:9]))
         place = dice.choice((0, len(noise) // 2, len(noise)))
         noise[place:place + len(start)] = start
+        if piece.index == 60:
+            noise[-1:] = b"\xff"
         pieces += [Piece(bytes(noise), None), piece]
     return pieces
 
@@ -82,7 +82,7 @@ def large_claim(frames, form, dice):
     assert len(claim) == 700
     pieces = []
     for piece in good(frames):
-        pieces += [Piece(claim, None), piece] if piece.index % 10 == 0 else [piece]
+        pieces += [Piece(claim, None), piece] if piece.index % 10 == 9 else [piece]
     return pieces
 
 

@@ -156,30 +156,17 @@ static bool Read_Head(Multipart* multipart) {
   return true;
 }
 
-/** What is held behind the announced end of a body, line ends apart. */
-static std::string_view Behind_Length(const Multipart& multipart) {
-  const std::string_view rest = Held(multipart).substr(multipart.length);
-  return rest.substr(std::min(rest.find_first_not_of("\r\n"), rest.size()));
-}
-
-/** Takes a body of announced length, unless other bytes than those of a delimiter stand behind it: then the length is wrong. */
-static bool Read_Announced(Multipart* multipart, std::string_view* body) {
-  const std::string_view behind = Behind_Length(*multipart);
-  if (!behind.empty() && behind[0] != '-') return false;
-  *body = Held(*multipart).substr(0, multipart->length);
-  multipart->state = MultipartState::Given;
-  return true;
-}
-
 /** Body and delimiter of a part; one line end ahead of the delimiter belongs to that. A delimiter ends a body of any length. */
 static bool Read_Body(Multipart* multipart, std::string_view* body) {
   const std::string_view held = Held(*multipart);
+  const size_t length = multipart->length;
   Delimiter delimiter;
   const bool found = Find_Delimiter(multipart, &delimiter);
-  if (multipart->length > 0 && (!found || delimiter.begin >= multipart->length)) {
-    if (held.size() < multipart->length) return false;
-    if (Read_Announced(multipart, body)) return true;
-    multipart->length = 0;
+  if (length > 0 && !(found && delimiter.end <= length)) {
+    if (held.size() < length) return false;
+    *body = held.substr(0, length);
+    multipart->state = MultipartState::Given;
+    return true;
   }
   if (!found) {
     if (held.size() > LargestPart) Pass(multipart, multipart->searched - 2, MultipartState::Seek);
@@ -195,9 +182,10 @@ static bool Read_Body(Multipart* multipart, std::string_view* body) {
 /** Lets go of a body that was given by its length, once a delimiter behind it bears that out; otherwise it is read again, up to
  *  the next one. */
 static bool Check_Given(Multipart* multipart) {
-  const std::string_view behind = Behind_Length(*multipart);
-  if (behind.empty() || behind == "-") return false;
-  if (behind.starts_with("--")) {
+  const std::string_view rest = Held(*multipart).substr(multipart->length, LargestPartHead);
+  const std::string_view behind = rest.substr(std::min(rest.find_first_not_of("\r\n"), rest.size()));
+  if ((behind.empty() || behind == "-") && rest.size() < LargestPartHead) return false;
+  if (behind.empty() || behind.starts_with("--")) {
     Pass(multipart, multipart->length, MultipartState::Seek);
   } else {
     multipart->length = 0;
