@@ -157,12 +157,31 @@ TEST(Multipart, SpellingsAndPiecesChangeNothing) {
   }
 }
 
+TEST(Multipart, WrongLengthsLoseNoPart) {
+  const std::vector<std::string> bodies = {"alpha alpha", "beta beta beta", "gamma gamma", "delta delta"};
+  const size_t right = bodies[1].size();
+  for (const size_t wrong : {right - 11, right - 2, right + 26, size_t{2000000}, LargestPart + 1}) {
+    std::string text;
+    for (const std::string& body : bodies) {
+      const size_t length = body.size() == right ? wrong : body.size();
+      text += "--foo\r\nContent-Length: " + std::to_string(length) + "\r\n\r\n" + body + "\r\n";
+    }
+    auto expected = bodies;
+    if (wrong < right) expected.insert(expected.begin() + 1, bodies[1].substr(0, wrong));
+    for (const size_t piece : {1u, 2u, 3u, 11u, 1000u})
+      EXPECT_EQ(Taken_Apart("multipart/x; boundary=foo", text + "--foo--", piece), expected) << wrong << " " << piece;
+  }
+}
+
 TEST(Multipart, WhatHasNoEndIsNotKept) {
   const std::string endless(3 * LargestPart, 'y'), good = "\n--foo\n\nwell\n--foo\n";
   for (const std::string start : {"", "--foo\r\n", "--foo\r\n\r\n", "--foo\r\nContent-Length: 99999999\r\n\r\n"}) {
     EXPECT_EQ(Taken_Apart("multipart/x; boundary=foo", start + endless + good, 65536), std::vector<std::string>({"well"}))
         << start;
   }
+  EXPECT_EQ(Taken_Apart("multipart/x; boundary=foo", "--foo\nContent-Length: 2\n\nab" + std::string(endless.size(), '\n') + good,
+                        65536),
+            std::vector<std::string>({"ab", "well"}));
 }
 
 TEST_F(SourceTest, PicturesOfOtherCamerasBecomeFrames) {

@@ -6,6 +6,7 @@
 #include "apps/velarto/sources/part_frame.h"
 #include "apps/velarto/sources/source.h"
 #include "apps/velarto/sources/url.h"
+#include "decode/framing.h"
 #include "fuzz/machine.h"
 
 namespace {
@@ -65,6 +66,8 @@ void Read_Part(uint32_t mask, const Bytes& bytes) {
   PartConverter converter;
   Bytes stream;
   if (Jpeg_Too_Large(bytes) || !Part_To_Frame(&converter, bytes, &stream)) return;
+  // A search begins with that many bytes, more than the shortest frames have.
+  stream.resize(stream.size() + LeastSearchBytes);
   FrameWalk walk;
   WalkedFrame frame;
   Walk_Add(&walk, stream);

@@ -145,8 +145,8 @@ static bool Read_Head(Multipart* multipart) {
   for (size_t begin = 0, end = held.find('\n'); end != std::string_view::npos; begin = end + 1, end = held.find('\n', begin)) {
     const std::string_view line = held.substr(begin, end - begin);
     if (line.empty() || line == "\r") {
-      multipart->length = length;
-      Pass(multipart, end + 1, length > LargestPart ? MultipartState::Seek : MultipartState::Body);
+      multipart->length = length > LargestPart ? 0 : length;
+      Pass(multipart, end + 1, MultipartState::Body);
       return true;
     }
     length = Read_Length(line, length);
@@ -156,17 +156,19 @@ static bool Read_Head(Multipart* multipart) {
   return true;
 }
 
-/** Body and delimiter of a part; one line end ahead of the delimiter belongs to that. */
+/** Body and delimiter of a part; one line end ahead of the delimiter belongs to that. A delimiter ends a body of any length. */
 static bool Read_Body(Multipart* multipart, std::string_view* body) {
   const std::string_view held = Held(*multipart);
-  if (multipart->length > 0) {
-    if (held.size() < multipart->length) return false;
-    *body = held.substr(0, multipart->length);
-    Pass(multipart, multipart->length, MultipartState::Seek);
+  const size_t length = multipart->length;
+  Delimiter delimiter;
+  const bool found = Find_Delimiter(multipart, &delimiter);
+  if (length > 0 && !(found && delimiter.end <= length)) {
+    if (held.size() < length) return false;
+    *body = held.substr(0, length);
+    multipart->state = MultipartState::Given;
     return true;
   }
-  Delimiter delimiter;
-  if (!Find_Delimiter(multipart, &delimiter)) {
+  if (!found) {
     if (held.size() > LargestPart) Pass(multipart, multipart->searched - 2, MultipartState::Seek);
     return false;
   }
@@ -177,8 +179,24 @@ static bool Read_Body(Multipart* multipart, std::string_view* body) {
   return true;
 }
 
+/** Lets go of a body that was given by its length, once a delimiter behind it bears that out; otherwise it is read again, up to
+ *  the next one. */
+static bool Check_Given(Multipart* multipart) {
+  const std::string_view rest = Held(*multipart).substr(multipart->length, LargestPartHead);
+  const std::string_view behind = rest.substr(std::min(rest.find_first_not_of("\r\n"), rest.size()));
+  if ((behind.empty() || behind == "-") && rest.size() < LargestPartHead) return false;
+  if (behind.empty() || behind.starts_with("--")) {
+    Pass(multipart, multipart->length, MultipartState::Seek);
+  } else {
+    multipart->length = 0;
+    multipart->state = MultipartState::Body;
+  }
+  return true;
+}
+
 bool Multipart_Next(Multipart* multipart, std::span<const uint8_t>* body) {
   for (;;) {
+    if (multipart->state == MultipartState::Given && !Check_Given(multipart)) return false;
     if (multipart->state == MultipartState::Seek && !Seek_Part(multipart)) return false;
     if (multipart->state == MultipartState::Head && !Read_Head(multipart)) return false;
     if (multipart->state != MultipartState::Body) continue;

@@ -38,11 +38,14 @@ static size_t Frame_Length(std::span<const uint8_t> part, bool jfif) {
     return end < 0 ? 0 : static_cast<size_t>(end) + 2;
   }
   const bool compact = part[0] == 0xFF;
-  const uint8_t* const head = part.data() + (compact ? 0 : PrefixSize);
+  const int32_t prefix = compact ? 0 : PrefixSize;
+  const uint8_t* const head = part.data() + prefix;
   int32_t width = 0, height = 0, quality = 0;
   Parse_Compact_Header(head, &width, &height, &quality);
   const int64_t length = compact ? Compact_Length(head) : Prefixed_Length(part.data());
-  return length > count || !Picture_Size_Allowed(width, height) ? 0 : static_cast<size_t>(length);
+  // The low half of a prefixed length wraps: it may announce less than the head.
+  const bool whole = length >= prefix + CompactHeadSize && length <= count;
+  return whole && Picture_Size_Allowed(width, height) ? static_cast<size_t>(length) : 0;
 }
 
 static bool Compress(PartConverter* converter, const Picture& picture, std::vector<uint8_t>* stream) {
