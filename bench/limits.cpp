@@ -63,13 +63,16 @@ Bytes Encoded(JdecDecoder* encoder, const Bytes& pixels) {
   return out;
 }
 
-/** The same at quality 100, which a camera may use and our encoder does not go up to. */
-Bytes Encoded_At_100(JdecDecoder* encoder, const Bytes& pixels) {
+/** The same at the qualities above our encoder's best, which a camera may use. */
+Bytes Encoded_Finely(JdecDecoder* encoder, const Bytes& pixels) {
   JdecCodec* const codec = encoder->codec;
-  Codec_Set_Quality(codec, 100);
-  codec->quality = 90;  // So that the encoder, which asks for its best, keeps these tables.
-  if (!Codec_Transform_RGB888(codec, 100, pixels.data(), false) || Codec_Encode_Store(codec, true) == 0) return {};
-  return {codec->frame->data, codec->frame->data + codec->frame->length};
+  for (int32_t quality = 100; quality > 90; --quality) {
+    Codec_Set_Quality(codec, quality);
+    codec->quality = 90;  // So that the encoder, which asks for its best, keeps these tables.
+    if (!Codec_Transform_RGB888(codec, 100, pixels.data(), false) || Codec_Encode_Store(codec, true) == 0) continue;
+    return {codec->frame->data, codec->frame->data + codec->frame->length};
+  }
+  return {};
 }
 
 /** Of the largest picture no whole frame fits: of as many rows as fit, under a head that tells the whole size. */
@@ -101,7 +104,7 @@ std::vector<NamedFrame> Good_Frames(Size size) {
   const int32_t rows = std::min(size.height, FrameStoreSize / size.width) & ~15;
   if (rows < size.height) frames.push_back({"noise above", Encoded(encoder, Picture(size, 256, rows))});
   if (size.width * size.height < ManyPixels) {
-    frames.push_back({"noise, quality 100", Encoded_At_100(encoder, Picture(size, 256, size.height))});
+    frames.push_back({"noise, above quality 90", Encoded_Finely(encoder, Picture(size, 256, size.height))});
   }
   JDEC_Free(encoder);
   std::erase_if(frames, [](const NamedFrame& frame) { return frame.bytes.empty(); });
