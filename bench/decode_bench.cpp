@@ -59,7 +59,10 @@ struct Scene {
     jpeg.assign(std::istreambuf_iterator<char>(file), {});
     data.resize(jpeg.size() + 2 * StripPadding);
   }
-  void Unstuff(UnstuffKernel kernel) { count = kernel(&jpeg.at(623), jpeg.size() - 625, data.data()); }
+  void Unstuff(UnstuffKernel kernel) {
+    const uint8_t* stuffed = &jpeg.at(623);
+    count = kernel(&stuffed, stuffed + jpeg.size() - 625, data.data(), jpeg.size());
+  }
 };
 
 void Unstuff(benchmark::State& state, UnstuffKernel kernel) {

@@ -117,7 +117,7 @@ struct JdecDecoder {
   uint32_t statsBaseTick;       ///< first data.
   int32_t statsSlot;            ///< Entry of statsBits being added to.
   double statsBits[2];          ///< Bits received.
-  int32_t endSearched;          ///< Bytes of the open JFIF frame known to hold no end marker.
+  int32_t endSearched;          ///< Bytes at the head of assemblyBuffer known to hold no end marker.
   int32_t pumpState;            ///< Plug-in: whether bytes are on their way from the ring (plugin/pump).
 };
 

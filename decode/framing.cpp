@@ -80,11 +80,15 @@ int32_t Frame_Sync_Strict(const uint8_t* data, int32_t count, int32_t* isJfif, i
 }
 
 int32_t Find_EOI(const uint8_t* data, int32_t count) {
-  for (int32_t i = 0; i < count - 1; ++i) {
-    const void* const next = std::memchr(data + i, 0xFF, static_cast<size_t>(count - 1 - i));
-    if (!next) return -1;
-    i = static_cast<int32_t>(static_cast<const uint8_t*>(next) - data);
-    if (data[i + 1] == 0xD9) return i;
+  // Block by block, so that the time is the same whatever the bytes are: data may be full of FF.
+  constexpr int32_t block = 64;
+  int32_t i = 0;
+  for (uint8_t found = 0; i < count - block; i += block) {
+    for (int32_t j = i; j < i + block; ++j) found |= static_cast<uint8_t>((data[j] == 0xFF) & (data[j + 1] == 0xD9));
+    if (found) break;
+  }
+  for (; i < count - 1; ++i) {
+    if (Marker_At(data + i, 0xD9)) return i;
   }
   return -1;
 }

@@ -61,13 +61,17 @@ void Record_Chunk(JdecDecoder* decoder, int32_t length, const uint8_t* data) {
 struct Assembly {
   uint8_t* cursor;
   int32_t fill;
+  int32_t endSearched;  ///< So many from the cursor on are known to hold no end marker.
 };
 
-static Assembly Assembly_Open(const JdecDecoder* decoder) { return {decoder->assemblyBuffer, decoder->assemblyFill}; }
+static Assembly Assembly_Open(const JdecDecoder* decoder) {
+  return {decoder->assemblyBuffer, decoder->assemblyFill, decoder->endSearched};
+}
 
 static void Assembly_Advance(Assembly* assembly, int32_t count) {
   assembly->cursor += count;
   assembly->fill -= count;
+  assembly->endSearched = std::max(assembly->endSearched - count, 0);
 }
 
 /** Moves what is left to the buffer's start. */
@@ -76,34 +80,34 @@ static void Assembly_Close(JdecDecoder* decoder, const Assembly& assembly) {
     std::memmove(decoder->assemblyBuffer, assembly.cursor, static_cast<size_t>(assembly.fill));
   }
   decoder->assemblyFill = assembly.fill;
+  decoder->endSearched = assembly.endSearched;
 }
 
 static void Close_Frame(JdecDecoder* decoder) {
   decoder->frameLength = 0;
   decoder->frameOpen = 0;
-  decoder->endSearched = 0;
 }
 
 static void Open_Frame(JdecDecoder* decoder, Assembly* assembly, int32_t start) {
   Assembly_Advance(assembly, start);
   decoder->frameOpen = 1;
-  decoder->endSearched = 0;
 }
 
-/** Length of the JFIF frame at the cursor, or -1 while its end isn't there. Bytes looked at before aren't looked at again. */
-static int32_t Jfif_Length(JdecDecoder* decoder, const Assembly& assembly) {
-  const int32_t count = std::min(assembly.fill, FrameStoreSize);
+/** Length of the JFIF frame at the cursor, or -1 while its end isn't there. Bytes looked at before aren't looked at again, not
+ * for the next start either. */
+static int32_t Jfif_Length(Assembly* assembly) {
+  const int32_t count = std::min(assembly->fill, FrameStoreSize);
   // The last byte seen may be the first of the marker.
-  const int32_t from = std::clamp(decoder->endSearched - 1, 0, count);
-  const int32_t end = Find_EOI(assembly.cursor + from, count - from);
-  decoder->endSearched = count;
+  const int32_t from = std::clamp(assembly->endSearched - 1, 0, count);
+  const int32_t end = Find_EOI(assembly->cursor + from, count - from);
+  assembly->endSearched = std::max(assembly->endSearched, end < 0 ? count : from + end);
   return end < 0 ? -1 : from + end + 2;
 }
 
 /** Length of the frame at the cursor; -1 for a JFIF frame whose end isn't there. */
-static int64_t Frame_Length(JdecDecoder* decoder, const Assembly& assembly, int32_t isJfif) {
-  if (isJfif) return Jfif_Length(decoder, assembly);
-  return decoder->extendedHeader ? Prefixed_Length(assembly.cursor) : Compact_Length(assembly.cursor);
+static int64_t Frame_Length(const JdecDecoder* decoder, Assembly* assembly, int32_t isJfif) {
+  if (isJfif) return Jfif_Length(assembly);
+  return decoder->extendedHeader ? Prefixed_Length(assembly->cursor) : Compact_Length(assembly->cursor);
 }
 
 /** A start whose frame can't fit the store is given up: the search goes on behind its FF D8. 1 if it was. */
@@ -142,7 +146,7 @@ static Step Push_Find_Start(JdecDecoder* decoder, Assembly* assembly) {
   int32_t isJfif = 0, hasPrefix = 0;
   const int32_t start = Frame_Sync(assembly->cursor, assembly->fill, &isJfif, &hasPrefix);
   if (start < 0) {
-    assembly->fill = 0;
+    Assembly_Advance(assembly, assembly->fill);
     return Step::NoStart;
   }
   Open_Frame(decoder, assembly, start);
@@ -158,7 +162,7 @@ static Step Push_One_Frame(JdecDecoder* decoder, Assembly* assembly, int32_t* st
   }
   int32_t isJfif = 0, hasPrefix = 0;
   Frame_Sync(assembly->cursor, assembly->fill, &isJfif, &hasPrefix);
-  const int64_t length = Frame_Length(decoder, *assembly, isJfif);
+  const int64_t length = Frame_Length(decoder, assembly, isJfif);
   if (Give_Up_Start(decoder, assembly, length)) return Step::GivenUp;
   decoder->frameLength = length < 0 ? assembly->fill + 1 : static_cast<int32_t>(length);
   if (decoder->frameLength > assembly->fill) return Step::Unfinished;
@@ -217,7 +221,7 @@ static PollCode Poll_Find_Start(JdecDecoder* decoder, Assembly* assembly) {
     return PollTaken;
   }
   if (wanted == 0) {
-    assembly->fill = 0;
+    Assembly_Advance(assembly, assembly->fill);
     return PollNoStart;
   }
   // In a full buffer the bytes ahead of the start that waits would keep its own from coming.
@@ -237,7 +241,7 @@ static PollCode Poll_Complete_Frame(JdecDecoder* decoder, Assembly* assembly, in
     int32_t hasPrefix = 0;
     Frame_Sync(assembly->cursor, assembly->fill, isJfif, &hasPrefix);
     decoder->extendedHeader = hasPrefix;
-    const int64_t length = Frame_Length(decoder, *assembly, *isJfif);
+    const int64_t length = Frame_Length(decoder, assembly, *isJfif);
     if (Give_Up_Start(decoder, assembly, length)) continue;
     if (length < 0) return PollNeedsBytes;
     decoder->frameLength = static_cast<int32_t>(length);

@@ -63,6 +63,20 @@ static void Take_Hidden_Bits(const RowStore* store, int32_t macroblocks, Waterma
   }
 }
 
+/** Most bytes that a macroblock can take: in each block DC of 20 bits, 22 in chroma, and 63 codes of 16 bits with values of 10.
+ */
+constexpr size_t MostMacroblockBytes = (4 * 20 + 2 * 22 + 6 * 63 * 26 + 7) / 8;
+
+/** Sees to it that the reader has all the data that the strip can take. Of a frame that brings more than its picture needs, the
+ * rest is never looked at. */
+static void Remove_Stuffing(RowsRun* run) {
+  StripReader* const reader = &run->reader;
+  const size_t held = (reader->end - reader->position) / 8, needed = MostMacroblockBytes * static_cast<size_t>(run->strip) + 1;
+  if (held >= needed || run->stuffed == run->stuffedEnd) return;
+  uint8_t* const behind = run->codec->rows->data + reader->end / 8;
+  reader->end += 8 * kernels.unstuff(&run->stuffed, run->stuffedEnd, behind, 2 * needed - held);
+}
+
 /** Moves on to the rest when a strip begins behind the data's end. A picture narrower than a macroblock has no block to repeat.
  */
 static void Look_For_Rest(RowsRun* run) {
@@ -99,10 +113,10 @@ static void Point_To_Row(RowsRun* run) {
 void Rows_Open(RowsRun* run, JdecCodec* codec) {
   const JdecFrameBuffer* const frame = codec->frame;
   const int32_t start = std::min(frame->position, frame->length);
-  uint8_t* const data = codec->rows->data;
-  const size_t count = kernels.unstuff(frame->data + start, static_cast<size_t>(frame->length - start), data);
   run->codec = codec;
-  run->reader = {data, 0, 8 * count};
+  run->stuffed = frame->data + start;
+  run->stuffedEnd = frame->data + frame->length;
+  run->reader = {codec->rows->data, 0, 0};
   run->predictors[0] = run->predictors[1] = run->predictors[2] = 0;
   run->collector.length = run->collector.bitIndex = run->collector.byte = 0;
   run->row = run->column = run->strip = 0;
@@ -127,6 +141,7 @@ int32_t Rows_Decode_Strip(RowsRun* run) {
   RowStore* const store = codec->rows;
   if (run->column == 0) Point_To_Row(run);
   run->strip = std::min(codec->width / 16 - run->column, StripMacroblocks);
+  Remove_Stuffing(run);
   Look_For_Rest(run);
   if (run->rest == RowsRest::Known) {
     for (int32_t b = 0; b < 4 * run->strip; ++b) Watermark_Take_Block(&run->collector, run->restScan);

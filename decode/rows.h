@@ -11,7 +11,7 @@ struct RowStore {
   StripQuant luma, chroma;
   int16_t* blocks;  ///< Of a strip, zero between two strips; at a multiple of 64 bytes.
   StripReach reach;
-  uint8_t* data;  ///< The frame's entropy-coded data without stuffing.
+  uint8_t* data;  ///< The frame's entropy-coded data without stuffing, as far as it was needed.
 };
 
 /** Gives null when memory can't be had. */
@@ -36,6 +36,7 @@ enum class RowsRest : uint8_t {
 /** A frame on this road. */
 struct RowsRun {
   JdecCodec* codec;
+  const uint8_t *stuffed, *stuffedEnd;  ///< The data that the reader doesn't have yet.
   StripReader reader;
   int32_t predictors[3];
   WatermarkCollector collector;
@@ -47,7 +48,7 @@ struct RowsRun {
   uint8_t restSamples[24 * 8];  ///< A block of it each of luma, Cb, Cr.
 };
 
-/** Begins with the frame in the codec's store, whose size the codec's buffers have: frees its data of stuffing. */
+/** Begins with the frame in the codec's store, whose size the codec's buffers have. */
 void Rows_Open(RowsRun* run, JdecCodec* codec);
 /** Decodes the next strip. 0 when there is none. */
 int32_t Rows_Decode_Strip(RowsRun* run);

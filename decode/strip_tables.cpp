@@ -1,6 +1,6 @@
 #include "decode/strip_tables.h"
 
-#include "decode/huffman_tables.h"
+#include "decode/huffman_codes.h"
 
 namespace {
 
@@ -84,6 +84,28 @@ constexpr void Fill_Table(StripTables* tables, int32_t table, const ShortCodes& 
   }
 }
 
+/** The entry of 16 bits in a table of single symbols; for bits that are no code symbol 0, and 8 bits are lost. */
+constexpr uint16_t Code_At(const HuffCode& huffCode, int32_t bits) {
+  int32_t code = 0;
+  size_t next = 0;
+  for (int32_t length = 1; length <= 16; ++length, code <<= 1) {
+    const int32_t count = huffCode.bits[length - 1], place = (bits >> (16 - length)) - code;
+    if (place < count) {
+      const uint8_t symbol = huffCode.values[next + static_cast<size_t>(place)];
+      return static_cast<uint16_t>((length + symbol % 16) << 8 | symbol);
+    }
+    code += count;
+    next += static_cast<size_t>(count);
+  }
+  return 8 << 8;
+}
+
+constexpr void Fill_Codes(StripTables* tables, int32_t table, const HuffCode& huffCode) {
+  uint16_t* const codes = tables->codes + table * StripCodeEntries;
+  for (int32_t i = 0; i < Entries; ++i) codes[i] = Code_At(huffCode, i << (16 - StripLookupBits));
+  for (int32_t i = 0; i < 256; ++i) codes[Entries + i] = Code_At(huffCode, 0xFF00 | i);
+}
+
 constexpr void Fill_Sequence(StripTables* tables, const StripTables* at) {
   constexpr uint16_t offsets[6] = {0, 8, 128, 136, 256, 264};
   for (int32_t b = 0; b < 6 * StripMacroblocks; ++b) {
@@ -108,7 +130,10 @@ constexpr StripTables Make_Tables(const StripTables* at) {
     const int32_t natural = zigzagOrder[k < 63 ? k : 63];
     tables.places[k] = static_cast<uint8_t>(natural / 8 * 16 + natural % 8);
   }
-  tables.symbolwise = &huffTables;
+  Fill_Codes(&tables, 0, dcLumaCode);
+  Fill_Codes(&tables, 1, acLumaCode);
+  Fill_Codes(&tables, 2, dcChromaCode);
+  Fill_Codes(&tables, 3, acChromaCode);
   Fill_Sequence(&tables, at);
   return tables;
 }

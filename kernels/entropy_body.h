@@ -45,52 +45,63 @@ INLINE void Use(BitWindow* bits, uint32_t count) {
   bits->count -= count;
 }
 
-/** By the order of the tables. */
-INLINE const JdecHuffLookup* Lookup_Of(const HuffTables* codes, uint32_t table) {
-  const JdecHuffLookup* const dc = table < 2 ? codes->dcLuma : codes->dcChroma;
-  const JdecHuffLookup* const ac = table < 2 ? codes->acLuma : codes->acChroma;
-  return table % 2 == 0 ? dc : ac;
+/** What the next bits begin with: a symbol, 0 for bits that are no code, and above it the bits that it takes with its value. */
+INLINE uint32_t Code_At(Window window, const uint16_t* codes) {
+  const uint32_t next = (uint32_t)(window >> (WindowBits - 16));
+  return codes[next < 0xFF00 ? next >> (16 - StripLookupBits) : next - 0xFF00 + (1 << StripLookupBits)];
 }
 
-/** Takes a code and gives its symbol; 0 for bits that are no code. */
-INLINE uint32_t Take_Symbol(BitWindow* bits, const JdecHuffLookup* lookup) {
-  const uint32_t first = (uint32_t)(bits->window >> (WindowBits - 8));
-  uint32_t length = lookup->lengths[first], symbol = lookup->values[first];
-  if (length == 0 && symbol != 0) {
-    const uint32_t slot = symbol, second = (uint32_t)(bits->window >> (WindowBits - 16)) & 0xFF;
-    length = lookup->secondLengths[slot][second];
-    symbol = lookup->secondValues[slot][second];
-    if (length == 0) length = 8, symbol = 0;
-  }
-  Use(bits, length);
-  return symbol;
-}
-
-/** Takes a value of `size` bits, 0 to 15; the lower half of the range stands for negative numbers. */
-INLINE int32_t Take_Value(BitWindow* bits, uint32_t size) {
+/** The value of `size` bits, 0 to 15, at the window's top; the lower half of the range stands for negative numbers. */
+INLINE int32_t Value_At(Window window, uint32_t size) {
   // In two shifts, as one by all the bits is none.
-  const int32_t value = (int32_t)(bits->window >> 1 >> (WindowBits - 1 - size));
-  const int32_t negative = (int32_t)(~bits->window >> (WindowBits - 1));
-  Use(bits, size);
+  const int32_t value = (int32_t)(window >> 1 >> (WindowBits - 1 - size)), negative = (int32_t)(~window >> (WindowBits - 1));
   return value - (negative << size) + negative;
 }
 
 /** The next symbol by the rule: sets the block's progress, to its end at most. Gives 1 when the block ends. */
-INLINE uint32_t Careful_Symbol(BitWindow* bits, const JdecHuffLookup* lookup, const uint8_t* places, StripProgress* progress,
+INLINE uint32_t Careful_Symbol(BitWindow* bits, const uint16_t* codes, const uint8_t* places, StripProgress* progress,
                                int16_t* block) {
-  const uint32_t k = *progress & 0xFF, symbol = Take_Symbol(bits, lookup);
-  if (WindowBits < 64) Fill(bits);
-  const uint32_t run = symbol / 16, size = symbol % 16, next = k + run + 1;
+  const uint32_t k = *progress & 0xFF, code = Code_At(bits->window, codes);
+  const uint32_t run = code / 16 % 16, size = code % 16, all = code >> 8, next = k + run + 1;
+  int32_t value;
+  if (WindowBits < 64) {
+    Use(bits, all - size);
+    Fill(bits);
+    value = Value_At(bits->window, size);
+    Use(bits, size);
+  } else {
+    value = Value_At(bits->window << (all - size), size);
+    Use(bits, all);
+  }
   if (size == 0 && k != 0) {
     if (run < 15) return 1;
   } else {
-    const int32_t value = Take_Value(bits, size);
     block[places[k + run]] = (int16_t)value;
     if (k != 0) *progress += (uint32_t)(value < 0 ? -value : value) << StripSizeShift;
   }
   *progress += (next > 64 ? 64 : next) - k;
   return next > 63;
 }
+
+/** The block's further symbols. */
+INLINE void Careful_Rest(BitWindow* bits, const uint16_t* codes, const uint8_t* places, StripProgress* progress, int16_t* block) {
+  uint32_t ended;
+  do {
+    Fill(bits);
+    ended = Careful_Symbol(bits, codes, places, progress, block);
+    // A full window has room for two.
+    if (WindowBits == 64 && !ended) ended = Careful_Symbol(bits, codes, places, progress, block);
+  } while (!ended);
+}
+
+/** By the table of steps. */
+INLINE const uint16_t* Codes_Of(const StripTables* tables, const uint8_t* table) {
+  return tables->codes + ((table - tables->steps) >> StripLookupBits) * StripCodeEntries;
+}
+
+/** Steps that a full window is enough for. Where a lookup fails within so few of them after the last one that did, the rest of
+ * the block goes symbol by symbol: data full of long codes costs a wrong guess a symbol otherwise. */
+static const uint32_t MostSteps = (WindowBits - 7) / StripLookupBits, EasySteps = 1;
 
 static void Decode_Strip(StripReader* reader, const StripTables* tables, int16_t* blocks, StripReach* reach,
                          int32_t macroblocks) {
@@ -99,12 +110,13 @@ static void Decode_Strip(StripReader* reader, const StripTables* tables, int16_t
   const size_t stop = (size_t)6 * (size_t)macroblocks;
   BitWindow bits = Open_Window(reader);
   size_t b = 0;
+  uint32_t easy = 1;  // Whether a whole window of steps went well since the last that didn't.
   StripProgress progress = 0;
   const uint8_t* table = sequence[0];
 
   for (;;) {
     Fill(&bits);
-    uint32_t used = 0, left = (WindowBits - 7) / StripLookupBits;
+    uint32_t used = 0, left = MostSteps;
     do {
       const size_t index = bits.window >> (WindowBits - StripLookupBits);
       const uint32_t step = table[index];
@@ -126,12 +138,20 @@ static void Decode_Strip(StripReader* reader, const StripTables* tables, int16_t
       b += ended;
     } while (--left != 0);
     bits.count -= used & 63;
-    if (left == 0) continue;
+    if (left == 0) {
+      easy = 1;
+      continue;
+    }
 
     if (b == stop) break;
     Fill(&bits);
-    const JdecHuffLookup* const lookup = Lookup_Of(tables->symbolwise, (uint32_t)((table - tables->steps) >> StripLookupBits));
-    const uint32_t ended = Careful_Symbol(&bits, lookup, tables->places, &progress, blocks + tables->offsets[b]);
+    int16_t* const block = blocks + tables->offsets[b];
+    uint32_t ended = Careful_Symbol(&bits, Codes_Of(tables, table), tables->places, &progress, block);
+    if (!ended && !easy && left > MostSteps - EasySteps) {
+      Careful_Rest(&bits, Codes_Of(tables, sequence[2 * b + 1]), tables->places, &progress, block);
+      ended = 1;
+    }
+    easy = 0;
     reach->blocks[b] = progress;
     table = sequence[2 * b + 1 + ended];
     progress &= ended - 1;

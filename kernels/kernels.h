@@ -72,12 +72,17 @@ static const uint32_t StripPastEnd = 0xC0;
 /** Of a step: bits taken (the low six), and whether the block ends. */
 static const int32_t StepEnd = 0x40;
 
+/** Entries of a code's table of single symbols: by the next StripLookupBits bits, or, where the first 8 of 16 are ones, by the
+ * other
+ * 8. Longer codes all begin so. */
+static const int32_t StripCodeEntries = (1 << StripLookupBits) + 256;
+
 /** Tables of the fast decoding, indexed by table and the next StripLookupBits bits. Never change. */
 struct StripTables {
   uint8_t steps[5 << StripLookupBits];  ///< Luma DC, luma AC, chroma DC, chroma AC; the last stops a strip.
   StripSymbols symbols[5 << StripLookupBits];
-  uint8_t places[96];            ///< Scan position to word of a block; from 63 on the last one.
-  const HuffTables* symbolwise;  ///< For codes that are longer.
+  uint16_t codes[4 * StripCodeEntries];  ///< Symbol by symbol: the symbol, above it the bits of its code and value.
+  uint8_t places[96];                    ///< Scan position to word of a block; from 63 on the last one.
   /** By block of a full strip: table of its DC value and of what follows. One more DC table stops the strip. */
   const uint8_t* sequence[2 * (6 * StripMacroblocks + 1)];
   uint16_t offsets[6 * StripMacroblocks + 1];  ///< By block of a full strip: its first word.
@@ -113,8 +118,9 @@ static const int32_t StripWeightLimit = 32700;
 static const int32_t StripRowGains[8] = {256, 256, 256, 302, 256, 452, 618, 1287};
 
 /** Copies entropy-coded data, without its stuffing and with StripPadding zero bytes behind it. A run of FF counts as one; FF 00
- * is FF, any other byte behind FF stands for itself. out: room for count + 2 * StripPadding. Gives the number of bytes. */
-using UnstuffKernel = size_t (*)(const uint8_t* data, size_t count, uint8_t* out);
+ * is FF, any other byte behind FF stands for itself, as do FF at the end. Stops with `wanted` bytes or up to 31 more, and moves
+ * data on to where the next call is to go on. out: room for end - data + 2 * StripPadding. Gives the number of bytes. */
+using UnstuffKernel = size_t (*)(const uint8_t** data, const uint8_t* end, uint8_t* out, size_t wanted);
 
 /** Decodes up to StripMacroblocks macroblocks into blocks, which are zero; DC values are differences. reach: six a macroblock,
  * with at least the scan positions that a block uses, and its sum of sizes. Behind the data's end all bits are 0. */

@@ -31,13 +31,16 @@ struct Roads : LibraryTest {
   Noise noise{11};
   static constexpr int32_t Steps = 8;
 
-  /** Noise, some of it much too short for its picture, some full of markers. */
+  /** Noise, some of it much too short for its picture, some full of markers; or the bytes that long codes are made of, more than
+   * the picture can need. */
   std::vector<Bytes> Bodies(int32_t width, int32_t height) {
     std::vector<Bytes> bodies;
     for (int32_t i = 0; i < Steps; ++i) {
       static constexpr int32_t shares[4] = {9, 2, 500, 2};
-      Bytes body = noise.Some((size_t)noise.Between(0, width * height / shares[i % 4]));
-      for (uint8_t& byte : body) byte = i % 3 == 2 && noise.Next() % 8 == 0 ? 0xFF : byte;
+      const bool full = i % 4 == 1;
+      Bytes body =
+          noise.Some((size_t)(full ? std::min(7 * width * height, 60000) : noise.Between(0, width * height / shares[i % 4])));
+      for (uint8_t& byte : body) byte = i % 3 == 2 && noise.Next() % 8 == 0 ? 0xFF : full && noise.Next() % 2 == 0 ? 0xFE : byte;
       bodies.push_back(body);
     }
     return bodies;

@@ -23,11 +23,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const uint32_t mask = Draw_Level(&input);
   const uint8_t flags = input.Byte();
   const int32_t most = (flags & 0xE1) == 0xE1 ? 2048 : 48;
-  const int32_t width = input.Word() % most + 1, height = std::min(input.Word() % most + 1, 12000 / width);
+  const int32_t width = input.Word() % most + 1, height = std::min(input.Word() % most + 1, 2500 / width);
   const int32_t quality = (int16_t)input.Word();
   const Bytes before = flags & 4 ? Next_Frame(&input) : Bytes();
   const Bytes body = input.Some(input.left);
-  if (body.size() > 60000) return 0;
+  if (body.size() > 60000 || Announced_Pixels(data, size) > MostAnnounced) return 0;
   const Form form = (Form)((flags >> 3) % 3);
   const Bytes frame = Make_Frame(form, width, height, quality, body);
   const Bytes picture = Decode(mask, before, frame, flags & 2);

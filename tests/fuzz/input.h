@@ -49,7 +49,7 @@ inline uint64_t Announced_Pixels(const uint8_t* data, size_t size) {
   }
   return pixels;
 }
-inline constexpr uint64_t MostAnnounced = 12'000;
+inline constexpr uint64_t MostAnnounced = 6'000;
 
 enum class Form { Compact, Prefixed, Jfif };
 
@@ -72,9 +72,9 @@ inline Bytes Make_Frame(Form form, int32_t width, int32_t height, int32_t qualit
   return frame;
 }
 
-/** A frame of the next bytes: form, size of at most 80 by 80, quality, length, body. */
+/** A frame of the next bytes: form, size of at most 48 by 48, quality, length, body. */
 inline Bytes Next_Frame(Input* input) {
   const uint8_t form = input->Byte();
-  const int32_t width = input->Byte() % 80 + 1, height = input->Byte() % 80 + 1, quality = input->Byte();
+  const int32_t width = input->Byte() % 48 + 1, height = input->Byte() % 48 + 1, quality = input->Byte();
   return Make_Frame((Form)(form % 3), width, height, quality, input->Some((size_t)input->Word() % 2048));
 }

@@ -144,7 +144,8 @@ Row Decode_By_Strips(const Kernels& record, const Bytes& raw, int32_t columns) {
   Row row(columns);
   const std::unique_ptr<uint8_t[]> exact(new uint8_t[raw.size()]), data(new uint8_t[raw.size() + 2 * StripPadding]);
   std::copy(raw.begin(), raw.end(), exact.get());
-  StripReader reader = {data.get(), 0, 8 * record.unstuff(exact.get(), raw.size(), data.get())};
+  const uint8_t* stuffed = exact.get();
+  StripReader reader = {data.get(), 0, 8 * record.unstuff(&stuffed, stuffed + raw.size(), data.get(), raw.size())};
   for (int32_t done = 0; done < columns;) {
     const int32_t count = done == 0 && columns > 1 ? columns / 2 : columns - done;
     std::vector<int16_t> words((size_t)count * StripMacroblockSize + 16, 0);
