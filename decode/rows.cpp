@@ -117,6 +117,7 @@ void Rows_Open(RowsRun* run, JdecCodec* codec) {
   run->stuffed = frame->data + start;
   run->stuffedEnd = frame->data + frame->length;
   run->reader = {codec->rows->data, 0, 0};
+  std::memset(codec->rows->data, 0, StripPadding);  // Where there is no data it is all that is read.
   run->predictors[0] = run->predictors[1] = run->predictors[2] = 0;
   run->collector.length = run->collector.bitIndex = run->collector.byte = 0;
   run->row = run->column = run->strip = 0;

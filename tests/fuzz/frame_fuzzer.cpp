@@ -27,9 +27,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const int32_t quality = (int16_t)input.Word();
   const Bytes before = flags & 4 ? Next_Frame(&input) : Bytes();
   const Bytes body = input.Some(input.left);
-  if (body.size() > 60000 || Announced_Pixels(data, size) > MostAnnounced) return 0;
+  if (body.size() > 60000) return 0;
   const Form form = (Form)((flags >> 3) % 3);
   const Bytes frame = Make_Frame(form, width, height, quality, body);
+  Bytes both = before;
+  both.insert(both.end(), frame.begin(), frame.end());
+  if (Announced_Pixels(both.data(), both.size()) > MostAnnounced) return 0;  // In a body may stand another head.
   const Bytes picture = Decode(mask, before, frame, flags & 2);
   if (mask != KernelPlain && body.size() % 4 == 0) REQUIRE(picture == Decode(KernelPlain, before, frame, flags & 2));
   // A search is not begun with fewer bytes, and in what another frame has left behind it may start elsewhere.
