@@ -49,7 +49,9 @@ TEST_F(Exhaustive, QualitiesThatFramesAndTheEncoderCarry) {
   for (const auto& [level, mask] : Test_Levels()) {
     kernels = Kernels_Select(mask);
     const DecoderPtr decoder = Headless_Decoder(16, 16);
-    const auto keep_or_compare = [](Bytes* plain, const Bytes& bytes) { return (plain->empty() ? *plain = bytes : *plain) == bytes; };
+    const auto keep_or_compare = [](Bytes* plain, const Bytes& bytes) {
+      return (plain->empty() ? *plain = bytes : *plain) == bytes;
+    };
     for (int32_t value = 0; value < 65536; ++value) {  // The upper byte is not read.
       frame.compact[8] = (uint8_t)value;
       frame.compact[9] = (uint8_t)(value >> 8);
@@ -97,13 +99,13 @@ struct Watched {
   }
   Seen See(const Bytes& stream, int32_t cut, bool polling) {
     JDEC_Flush(decoder.get());
-    decoder->statsBits[0] = 0;
+    decoder->statsBits[0] = decoder->statsBits[1] = 0;
     frames.clear();
     Seen seen = {{}, {}, 0};
     for (const Bytes& chunk : {Bytes(stream.begin(), stream.begin() + cut), Bytes(stream.begin() + cut, stream.end())})
       seen.results.push_back(Feed(decoder.get(), chunk, polling));
     seen.frames = frames;
-    seen.bits = decoder->statsBits[0];
+    seen.bits = decoder->statsBits[0] + decoder->statsBits[1];
     return seen;
   }
 };
@@ -134,7 +136,8 @@ TEST_F(Exhaustive, SplitsOfThreeFramesIntoTwoChunks) {
         const int32_t wanted = held < 26 || lost ? cut : jfif ? held + 1 : (int32_t)parts[which].size();
         expected.results = polling ? std::vector{held < 26 ? 3 : 2, 3}
                                    : std::vector{which == 0 ? -1 : wanted, lost && which == 2 ? -1 : length - cut};
-        ASSERT_TRUE(watched.See(stream, cut, polling) == expected) << "polling " << polling << ", first form " << first << ", cut at " << cut;
+        ASSERT_TRUE(watched.See(stream, cut, polling) == expected)
+            << "polling " << polling << ", first form " << first << ", cut at " << cut;
       }
     }
   }
@@ -181,7 +184,8 @@ struct Damage : Exhaustive {
     }
   }
   void Try(const Bytes& bad, size_t end, bool polling) {
-    const Bytes swallowed = Joined(std::vector<Bytes>(end <= bad.size() ? 0 : (end - bad.size() + good.size() - 1) / good.size(), good));
+    const Bytes swallowed =
+        Joined(std::vector<Bytes>(end <= bad.size() ? 0 : (end - bad.size() + good.size() - 1) / good.size(), good));
     Bytes plain;
     for (size_t l = 0; l < levels.size(); ++l) {
       kernels = levels[l];
@@ -208,7 +212,8 @@ TEST_F(Damage, AnyByteOfAFrameOfEachForm) {
           Bytes bad = intact;
           bad[place] = value;
           Try(bad, Announced_End(form, intact, Joined({bad, good})), polling);
-          ASSERT_FALSE(HasFatalFailure()) << "form " << form << ", byte " << place << " is " << (int)value << ", polling " << polling;
+          ASSERT_FALSE(HasFatalFailure()) << "form " << form << ", byte " << place << " is " << (int)value << ", polling "
+                                          << polling;
         }
       }
     }
