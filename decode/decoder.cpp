@@ -11,8 +11,11 @@
 #include "pixel/color_tables.h"
 
 #include <array>
+#include <mutex>
 
 LONG jdecInitCount = 0;
+/** Whoever starts the library, on whatever thread, finds the tables there when JDEC_Init returns. */
+static std::mutex initLock;
 const uint32_t* bitMasks = nullptr;
 
 static constexpr auto bitMaskStore = [] {
@@ -40,14 +43,14 @@ void Free_Global_Tables() {
 }
 
 int32_t VELARTO_CDECL JDEC_Init(void) {
-  if (InterlockedIncrement(&jdecInitCount) > 1) return 1;
-  Init_Global_Tables();
-  jdecInitCount = 1;
+  const std::lock_guard guard(initLock);
+  if (++jdecInitCount == 1) Init_Global_Tables();
   return 1;
 }
 
 void VELARTO_CDECL JDEC_Exit(void) {
-  if (InterlockedDecrement(&jdecInitCount) >= 1) return;
+  const std::lock_guard guard(initLock);
+  if (--jdecInitCount >= 1) return;
   Free_Global_Tables();
   jdecInitCount = 0;
 }
@@ -187,6 +190,15 @@ static int32_t Go_Headless(JdecDecoder* decoder) {
   return 0;
 }
 
+/** Hands the decoder its display, with the draw callback that was kept for it. */
+static void Adopt_Display(JdecDecoder* decoder, JdecDisplay* display) {
+  WaitForSingleObject(decoder->lock, INFINITE);
+  display->drawCallback = decoder->keptCallback;
+  display->drawCallbackUser = decoder->keptCallbackUser;
+  decoder->display = display;
+  ReleaseMutex(decoder->lock);
+}
+
 /** Gives the decoder a display for the window, and a raster of the display's depth. */
 static int32_t Show_In(JdecDecoder* decoder, HWND window) {
   JdecDisplay* const display = Display_Create(window, decoder->width, decoder->height);
@@ -198,7 +210,7 @@ static int32_t Show_In(JdecDecoder* decoder, HWND window) {
     Display_Destroy(display);
     return 0;
   }
-  decoder->display = display;
+  Adopt_Display(decoder, display);
   GetClientRect(window, &decoder->srcRect);
   return 1;
 }
@@ -258,6 +270,27 @@ static void Codec_Exchange_Buffers(JdecCodec* codec, const SizedBuffers& buffers
   codec->planes = buffers.planes;
 }
 
+/** Takes the display of the old size away. What it calls back is kept for the new one, and may be changed meanwhile. */
+static void Begin_Size_Change(JdecDecoder* decoder) {
+  WaitForSingleObject(decoder->lock, INFINITE);
+  const JdecDisplay* const old = decoder->display;
+  decoder->keptCallback = old ? old->drawCallback : nullptr;
+  decoder->keptCallbackUser = old ? old->drawCallbackUser : 0;
+  decoder->sizeChanging = old != nullptr;
+  const int32_t hidden = decoder->hidden;
+  JDEC_Draw_Exit(decoder);
+  decoder->hidden = hidden;
+  ReleaseMutex(decoder->lock);
+}
+
+static void End_Size_Change(JdecDecoder* decoder) {
+  WaitForSingleObject(decoder->lock, INFINITE);
+  decoder->sizeChanging = 0;
+  decoder->keptCallback = nullptr;
+  decoder->keptCallbackUser = 0;
+  ReleaseMutex(decoder->lock);
+}
+
 int32_t Decoder_Change_Size(JdecDecoder* decoder, int32_t width, int32_t height) {
   // A decoder that has never had a window becomes headless with its first change.
   const int32_t headless = decoder->window == nullptr;
@@ -270,21 +303,15 @@ int32_t Decoder_Change_Size(JdecDecoder* decoder, int32_t width, int32_t height)
   }
   Planes_Darken(buffers.planes);
 
-  const JdecDisplay* const old = decoder->display;
-  const DrawCallback callback = old ? old->drawCallback : nullptr;
-  const uintptr_t callbackUser = old ? old->drawCallbackUser : 0;
-  const int32_t hidden = decoder->hidden;
-  JDEC_Draw_Exit(decoder);
-  decoder->hidden = hidden;
-
+  Begin_Size_Change(decoder);
   decoder->width = decoder->codec->width = width;
   decoder->height = decoder->codec->height = height;
   Codec_Exchange_Buffers(decoder->codec, buffers);
   if (headless) {
     decoder->headless = 1;
-  } else if (Show_In(decoder, decoder->window) && callback) {
-    decoder->display->drawCallback = callback;
-    decoder->display->drawCallbackUser = callbackUser;
+  } else {
+    Show_In(decoder, decoder->window);
   }
+  End_Size_Change(decoder);
   return 1;
 }

@@ -1,7 +1,7 @@
 /* The records of a decoder, and a decoder's life. All other parts of the library work on these records.
  *
- * A decoder is driven by one thread at a time. Its `lock` guards the ring, the recording fields and the release of the
- * display; nothing is decoded or drawn with it held. */
+ * A decoder is driven by one thread at a time. Its `lock` guards the ring, the recording fields, and display and draw callback
+ * against the registering of a callback, which other threads may do; nothing is decoded or drawn with it held. */
 #pragma once
 
 #include "velarto.h"
@@ -110,15 +110,18 @@ struct JdecDecoder {
   NPStream* npStream;    ///< Plug-in.
   NPInstance* npInstance;
   int32_t streamState;
-  JdecSpeedHolder* speedState;  ///< Owned.
-  int32_t skipRecording;        ///< Bit 3 of prefix byte 8 of the last prefixed frame.
-  int32_t mdMode;               ///< Not 0: the motion-area layer is shown.
-  uint32_t statsTick;           ///< Milliseconds: last report of the bit rate,
-  uint32_t statsBaseTick;       ///< first data.
-  int32_t statsSlot;            ///< Entry of statsBits being added to.
-  double statsBits[2];          ///< Bits received.
-  int32_t endSearched;          ///< Bytes at the head of assemblyBuffer known to hold no end marker.
-  int32_t pumpState;            ///< Plug-in: whether bytes are on their way from the ring (plugin/pump).
+  JdecSpeedHolder* speedState;       ///< Owned.
+  int32_t skipRecording;             ///< Bit 3 of prefix byte 8 of the last prefixed frame.
+  int32_t mdMode;                    ///< Not 0: the motion-area layer is shown.
+  uint32_t statsTick;                ///< Milliseconds: last report of the bit rate,
+  uint32_t statsBaseTick;            ///< first data.
+  int32_t statsSlot;                 ///< Entry of statsBits being added to.
+  double statsBits[2];               ///< Bits received.
+  int32_t endSearched;               ///< Bytes at the head of assemblyBuffer known to hold no end marker.
+  int32_t pumpState;                 ///< Plug-in: whether bytes are on their way from the ring (plugin/pump).
+  int32_t sizeChanging;              ///< 1 while the display of one size is gone and that of the next not there;
+  VelartoDrawCallback keptCallback;  ///< its draw callback meanwhile, and the callback's value.
+  uintptr_t keptCallbackUser;
 };
 
 /** States of a recording, in recordState. */

@@ -13,7 +13,8 @@
  *     JDEC_Exit();
  *
  * Threads: the library starts none. A decoder is driven by one thread at a time; decoders on different threads do not
- * disturb each other. JDEC_Init must have returned once before decoders are used.
+ * disturb each other. While one thread drives a decoder others may use its ring and register its draw callback, no more.
+ * JDEC_Init and JDEC_Exit may be called on any thread; JDEC_Init must have returned once before decoders are used.
  *
  * Ownership: a decoder owns everything that it hands out pointers to. A pointer to its picture or to one of its
  * rectangles stays valid until the decoder is freed, that to the picture only until the picture's size changes.
@@ -118,7 +119,7 @@ int32_t VELARTO_CDECL JDEC_Check_Decode_Frame(JdecDecoder* decoder, int32_t deco
                                               uint32_t* outLength, int32_t reserved, int32_t draw, int32_t* status);
 
 /** Gives the free bytes of the decoder's ring, of 524288, which stands between a thread that delivers stream bytes and the one
- * that decodes them; the only operations that a second thread may call are this and the next one. Holds the caller up while
+ * that decodes them: a second thread may call this and the next one. Holds the caller up while
  *  little room is left: 150 milliseconds below 65536 free bytes, 50 below 104857. 0 for a null decoder. */
 int32_t VELARTO_CDECL JDEC_query_decode_buffer_count(JdecDecoder* decoder);
 
@@ -217,7 +218,8 @@ void VELARTO_CDECL JDEC_set_ptz_bmp(JdecDecoder* decoder, VelartoBitmap bitmap);
 int32_t VELARTO_CDECL JDEC_set_pos_bmp(JdecDecoder* decoder, VelartoBitmap bitmap);
 
 /** Has callback called, on the thread that shows, after each frame that DirectDraw has brought to the screen; null ends that. The
- *  callback may register another. It outlives changes of the picture's size. */
+ *  callback may register another. It outlives changes of the picture's size. Any thread may register one while another drives the
+ *  decoder; a call of the one before may then still be under way. */
 void VELARTO_CDECL JDEC_register_draw_callback(JdecDecoder* decoder, VelartoDrawCallback callback, uintptr_t user);
 
 /** Shows (not 0) or hides the motion-search caption and rectangle, drawn in red into each shown frame. These three give 1; 0

@@ -66,10 +66,17 @@ int32_t VELARTO_CDECL JDEC_set_pos_bmp(JdecDecoder* decoder, VelartoBitmap bitma
 }
 
 void VELARTO_CDECL JDEC_register_draw_callback(JdecDecoder* decoder, VelartoDrawCallback callback, uintptr_t user) {
-  if (!decoder || !decoder->display) return;
-  JdecDisplay* const display = decoder->display;
-  if (display->lock) WaitForSingleObject(display->lock, INFINITE);
-  display->drawCallback = callback;
-  display->drawCallbackUser = user;
-  if (display->lock) ReleaseMutex(display->lock);
+  if (!decoder) return;
+  // With it the display, which a frame of another size ends, stays until the callback is stored.
+  WaitForSingleObject(decoder->lock, INFINITE);
+  if (JdecDisplay* const display = decoder->display) {
+    if (display->lock) WaitForSingleObject(display->lock, INFINITE);
+    display->drawCallback = callback;
+    display->drawCallbackUser = user;
+    if (display->lock) ReleaseMutex(display->lock);
+  } else if (decoder->sizeChanging) {
+    decoder->keptCallback = callback;
+    decoder->keptCallbackUser = user;
+  }
+  ReleaseMutex(decoder->lock);
 }

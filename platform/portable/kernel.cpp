@@ -107,9 +107,6 @@ BOOL CloseHandle(HANDLE handle) {
   return TRUE;
 }
 
-LONG InterlockedIncrement(LONG volatile* value) { return __atomic_add_fetch(value, 1, __ATOMIC_SEQ_CST); }
-LONG InterlockedDecrement(LONG volatile* value) { return __atomic_sub_fetch(value, 1, __ATOMIC_SEQ_CST); }
-
 LPVOID InterlockedExchangePointer(LPVOID volatile* target, LPVOID value) {
   return __atomic_exchange_n(target, value, __ATOMIC_SEQ_CST);
 }

@@ -41,9 +41,6 @@ BOOL ReleaseMutex(HANDLE mutex);
 /** Ends a mutex or closes a file. FALSE for null and INVALID_HANDLE_VALUE. */
 BOOL CloseHandle(HANDLE handle);
 
-/** The new value. */
-LONG InterlockedIncrement(LONG volatile* value);
-LONG InterlockedDecrement(LONG volatile* value);
 /** The value before. */
 LPVOID InterlockedExchangePointer(LPVOID volatile* target, LPVOID value);
 

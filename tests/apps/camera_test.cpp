@@ -8,6 +8,7 @@
 
 #include <chrono>
 #include <set>
+#include <thread>
 
 namespace {
 
@@ -127,6 +128,28 @@ TEST_F(ToolTest, CameraClientsThatStallLoseWholeFramesAndHoldNobodyUp) {
     ASSERT_TRUE(!next.empty() && !late.empty() && now.size() < Frames);
   }
   EXPECT_TRUE(stalled[0]->walk.frames < live[0]->walk.frames && Walk_Skipped(stalled[0]->walk) == 0);
+}
+
+/** Its threads must keep apart while clients leave in the midst of heads, frames and requests, with two that stay. */
+TEST_F(ToolTest, CameraClientsComeAndGo) {
+  for (const std::string form : {"prefixed", "jfif"}) {
+    std::unique_ptr<Client> staying[2];
+    const RunningCamera camera("--size 160x128 --fps 100 --garbage 0.1 --corrupt 0.1 --form " + form);
+    for (auto& client : staying) client = std::make_unique<Client>(camera, "/stream");
+    std::vector<std::thread> threads;
+    for (uint32_t t = 0; t < 8; ++t) {
+      threads.emplace_back([&, t] {
+        static const char* const paths[] = {"/stream", "/mjpeg", "", "/still.jpg", "/"};
+        Noise noise{t};
+        for (uint32_t i = 0; i < 10; ++i) {
+          Client client(camera, paths[(t + i) % 5]);
+          for (int32_t count = noise.Between(0, 3); count > 0; --count) client.Receive();
+        }
+      });
+    }
+    for (std::thread& thread : threads) thread.join();
+    for (const auto& client : staying) ASSERT_FALSE(client->Frame().empty());
+  }
 }
 
 TEST_F(ToolTest, CameraPassesRecordingsUnchangedAndTakesPicturesInTurn) {

@@ -6,6 +6,9 @@
 #include "support/streams.h"
 #include "support/window.h"
 
+#include <atomic>
+#include <thread>
+
 namespace {
 
 using DisplayedDecoder = FramesTest;
@@ -74,6 +77,32 @@ TEST_F(DisplayedDecoder, CallbackAndHiddenOutliveASizeChange) {
   EXPECT_EQ(Push(decoder.get(), large.jfif, &status), (int32_t)large.jfif.size());
   EXPECT_EQ(status, 77);
   EXPECT_EQ(Current_Picture(decoder.get()), Picture_Of(small));
+}
+
+/** Any thread may register a callback while another decodes, also while the display changes its size. A frame that is given
+ * behind a registration calls that one, or a later one. */
+TEST_F(DisplayedDecoder, CallbackIsRegisteredByAnotherThread) {
+  const TestWindow window(32);
+  const DecoderPtr decoder(JDEC_New(48, 48));
+  JDEC_Draw_Init(decoder.get(), window.handle);
+  static std::vector<uintptr_t> called;
+  std::atomic<uintptr_t> registered = 0;
+  std::atomic<bool> done = false;
+  std::thread registering([&] {
+    for (uintptr_t number = 1; !done; registered = number++) {
+      JDEC_register_draw_callback(
+          decoder.get(), [](HWND, uintptr_t user) { called.push_back(user); }, number);
+      std::this_thread::yield();
+    }
+  });
+  while (registered == 0) std::this_thread::yield();
+  for (size_t i = 1; i <= 200; ++i) {
+    const uintptr_t before = registered;
+    Push(decoder.get(), i / 2 % 2 ? large.compact : small.jfif);
+    if (called.size() != i || called.back() < before) ADD_FAILURE() << i << ": " << called.size() << " calls";
+  }
+  done = true;
+  registering.join();
 }
 
 TEST_F(DisplayedDecoder, DrawExitHidesAndShowAloneFindsNoDisplay) {

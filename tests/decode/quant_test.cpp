@@ -16,9 +16,9 @@ double Scale(size_t entry) {
 
 TEST(Quant, AllTablesOfAllQualities) {
   const Bytes base = Read_File(Data_Path("scene-q50.jpg"));
-  for (int32_t quality = -1; quality <= 102; ++quality) {
+  for (int32_t quality = -1; quality <= 256; ++quality) {
     uint16_t tables[2][64];
-    Quant_Build(quality == -1 ? INT32_MIN : quality == 102 ? INT32_MAX : quality, tables[0], tables[1]);
+    Quant_Build(quality == -1 ? INT32_MIN : quality == 256 ? INT32_MAX : quality, tables[0], tables[1]);
     const int32_t limited = std::clamp(quality, 1, 100);
     const double percent = limited < 50 ? std::floor(5000.0 / limited) : 200.0 - 2 * limited;
     for (size_t t = 0; t < 2; ++t) {

@@ -169,31 +169,32 @@ Row Decode_At_Level(uint32_t mask, const Bytes& raw, int32_t columns) {
 struct HuffmanKernel : LibraryTest {
   ReferenceDecoder reference;
   Noise noise{3};
+  const std::vector<NamedKernelLevel> levels = Test_Levels();
 };
 
 TEST_F(HuffmanKernel, EveryPrefixOfSixteenBitsInEachTable) {
-  // Empty blocks ahead of the code: DC luma 00 and AC luma 1010, DC chroma 00 and AC chroma 00.
-  const char* const leads[] = {"", "00", "001010001010001010001010", "00101000101000101000101000"};
-  for (const auto& [level, mask] : Test_Levels()) {
-    for (const std::string lead : leads) {
-      for (uint32_t prefix = 0; prefix < 65536; ++prefix) {
-        const std::string bits =
-            lead + std::bitset<16>(prefix).to_string() + std::bitset<12>(noise.Next()).to_string() + "1111111";
-        Bytes raw;
-        for (size_t i = 0; i + 8 <= bits.size(); i += 8) {
-          raw.push_back((uint8_t)std::bitset<8>(bits, i, 8).to_ulong());
-          if (raw.back() == 0xFF) raw.push_back(0);
-        }
-        raw.insert(raw.end(), {0x28, 0xA2, 0x8A, 0, 0, 0x28});
-        ASSERT_TRUE(Decode_At_Level(mask, raw, 1) == reference.Decode(raw, 1))
-            << level << " lead " << lead << " prefix " << prefix;
+  // Empty luma blocks ahead of chroma, 00 and 1010 each, and DC values that no table takes in one step ahead of AC: the prefix is
+  // what the table is asked for first.
+  const char* const leads[] = {"", "111101000000", "001010001010001010001010", "001010001010001010001010111110100000"};
+  for (const std::string lead : leads) {
+    for (uint32_t prefix = 0; prefix < 65536; ++prefix) {
+      const std::string bits = lead + std::bitset<16>(prefix).to_string() + std::bitset<12>(noise.Next()).to_string() + "1111111";
+      Bytes raw;
+      for (size_t i = 0; i + 8 <= bits.size(); i += 8) {
+        raw.push_back((uint8_t)std::bitset<8>(bits, i, 8).to_ulong());
+        if (raw.back() == 0xFF) raw.push_back(0);
+      }
+      raw.insert(raw.end(), {0x28, 0xA2, 0x8A, 0, 0, 0x28});
+      const Row expected = reference.Decode(raw, 2);
+      for (const auto& [level, mask] : levels) {
+        ASSERT_TRUE(Decode_At_Level(mask, raw, 2) == expected) << level << " lead " << lead << " prefix " << prefix;
       }
     }
   }
 }
 
 TEST_F(HuffmanKernel, AnyBytesMarkersStuffingAndEarlyEndsIncluded) {
-  for (const auto& [level, mask] : Test_Levels()) {
+  for (const auto& [level, mask] : levels) {
     for (int round = 0; round < 6000; ++round) {
       const int32_t columns = noise.Between(1, 6), shape = round % 4;
       Bytes raw = noise.Some((size_t)noise.Between(0, 40 * columns));
