@@ -7,7 +7,7 @@ import statistics
 
 MEMORY, HANDLES, THREADS = "memory", "handles", "threads"
 MOST_GROWTH = 0.01
-MOST_DELAY = 40  # Milliseconds, about half a frame's time: nothing may wait in a queue that didn't at the start.
+MOST_DELAY = 20  # Milliseconds, a quarter of a frame's time: nothing may wait in a queue that didn't at the start.
 
 
 class Program:

@@ -182,7 +182,7 @@ class Soak:
     def report(self):
         end = self.now()
         warm = max(30.0, end / 10)
-        part = max(CYCLE, (end - warm) / 10)
+        part = max(2 * CYCLE, (end - warm) / 10)
         first, last = (warm, warm + part), (end - part, end)
         programs.save(self.programs, self.folder / "samples.csv")
         programs.table(self.programs, first, last)
