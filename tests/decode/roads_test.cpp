@@ -31,7 +31,7 @@ struct Roads : LibraryTest {
   Noise noise{11};
   static constexpr int32_t Steps = 8;
 
-  /** Noise, some of it much too short for its picture, some full of markers, at last none at all; or the bytes that long codes
+  /** Noise, some of it much too short for its picture, some full of markers; or the bytes that long codes
    * are made of, more than the picture can need. */
   std::vector<Bytes> Bodies(int32_t width, int32_t height) {
     std::vector<Bytes> bodies;
@@ -43,7 +43,6 @@ struct Roads : LibraryTest {
       for (uint8_t& byte : body) byte = i % 3 == 2 && noise.Next() % 8 == 0 ? 0xFF : full && noise.Next() % 2 == 0 ? 0xFE : byte;
       bodies.push_back(body);
     }
-    bodies.back().clear();
     return bodies;
   }
 
