@@ -1,6 +1,6 @@
 """Cameras with chaos, eight viewers and recordings for a long time: is everything at the end as it was at the start?
 
-Usage: tests/soak/soak.py TOOL FOLDER MINUTES. Leaves a picture of the screen, the samples and what the programs said in FOLDER.
+Usage: bench/soak/soak.py TOOL FOLDER MINUTES. Leaves a picture of the screen, the samples and what the programs said in FOLDER.
 Fails if a program ended, if memory after warm-up isn't the same within 1 %, if handles or threads aren't the same, or if pictures
 come later than at the start."""
 
