@@ -1,6 +1,7 @@
 #include "platform/sdl/sdl_desktop.h"
 
 #include "platform/sdl/file_question.h"
+#include "platform/sdl/late_wakes.h"
 #include "platform/sdl/pointer.h"
 #include "platform/sdl/shown_windows.h"
 
@@ -108,6 +109,7 @@ bool Sdl_Desktop_Start(int bits, std::string* error) {
     SDL_Quit();
     return false;
   }
+  Late_Wakes_Forgive();
   ScreenSetup setup = Screen_Of_Depth(bits == 0 ? 32 : bits);
   setup.width = mode.w;
   setup.height = mode.h;
@@ -127,5 +129,6 @@ void Sdl_Desktop_Stop() {
   Screen_Set_Desktop({});
   Screen_Remove();
   Pointer_Stop();
+  Late_Wakes_Forget();
   SDL_Quit();
 }

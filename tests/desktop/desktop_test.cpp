@@ -8,6 +8,14 @@
 /** What the desktop's own libraries keep to themselves. */
 extern "C" const char* __lsan_default_suppressions() { return "leak:libdbus-1"; }
 
+// Of Xlib, whose header names what others name too.
+extern "C" {
+struct _XDisplay* XOpenDisplay(const char* name);
+int XSendEvent(_XDisplay* display, unsigned long window, int propagate, long mask, long* event);
+int XSync(_XDisplay* display, int discard);
+int XCloseDisplay(_XDisplay* display);
+}
+
 namespace {
 
 bool Await(const std::function<bool()>& condition) {
@@ -26,6 +34,15 @@ int Color_At(int x, int y) {
 
 void Do(const std::string& what) { EXPECT_EQ(std::system(("xdotool " + what).c_str()), 0) << what; }
 
+/** An event for a window that is gone, as a thread sends it that wakes the desktop too late. */
+void Wake_Late() {
+  _XDisplay* const other = XOpenDisplay(nullptr);
+  long message[24] = {33, 0, 0, 0, 3, 1, 32};  // A client's message, window, type, format.
+  XSendEvent(other, 3, 0, 0, message);
+  XSync(other, 0);
+  XCloseDisplay(other);
+}
+
 TEST_F(PluginTest, IsSeenAndUsedOnADesktop) {
   const std::filesystem::path folder = testing::TempDir() + "velarto-desktop-" + std::to_string(GetCurrentThreadId());
   std::filesystem::create_directory(folder);
@@ -43,6 +60,7 @@ TEST_F(PluginTest, IsSeenAndUsedOnADesktop) {
   setenv("DISPLAY", display, 1);
   std::string error;
   ASSERT_TRUE(Sdl_Desktop_Start(0, &error)) << error;
+  Wake_Late();
   const HWND top = CreateWindowExA(0, "page", "page", WS_VISIBLE, 0, 0, 300, 200, nullptr, nullptr, nullptr, nullptr);
   const HWND shown = Page_Window(top, 60, 40, 160, 120);
   Open(0, 1, shown);
