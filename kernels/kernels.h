@@ -73,8 +73,7 @@ static const uint32_t StripPastEnd = 0xC0;
 static const int32_t StepEnd = 0x40;
 
 /** Entries of a code's table of single symbols: by the next StripLookupBits bits, or, where the first 8 of 16 are ones, by the
- * other
- * 8. Longer codes all begin so. */
+ * 8 behind them. Longer codes all begin so. */
 static const int32_t StripCodeEntries = (1 << StripLookupBits) + 256;
 
 /** Tables of the fast decoding, indexed by table and the next StripLookupBits bits. Never change. */

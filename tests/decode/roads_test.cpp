@@ -46,6 +46,32 @@ struct Roads : LibraryTest {
     return bodies;
   }
 
+  /** Macroblocks of the longest codes, with values of as many bits as they take; but `shorter` of the first codes are short. */
+  Bytes Longest_Codes(int32_t macroblocks, int32_t shorter) {
+    Bytes body;
+    uint64_t bits = 0;
+    int32_t count = 0;
+    const auto put = [&](uint32_t code, int32_t length, int32_t size) {
+      bits = (bits << length | code) << size | (noise.Next() & ((1u << size) - 1));
+      for (count += length + size; count >= 8; count -= 8) {
+        body.push_back((uint8_t)(bits >> (count - 8)));
+        if (body.back() == 0xFF) body.push_back(0);
+      }
+    };
+    for (int32_t b = 0; b < 6 * macroblocks; ++b) {
+      const bool luma = b % 6 < 4;
+      put(luma ? 0x1FE : 0x7FE, luma ? 9 : 11, 11);
+      for (int32_t k = 1; k < 64; ++k) {
+        if (luma && shorter-- > 0) {
+          put(0, 2, 1);
+        } else {
+          put(luma ? 0xFF83 : 0xFF4, luma ? 16 : 12, 10);
+        }
+      }
+    }
+    return body;
+  }
+
   static Seen Run(uint32_t mask, int32_t width, int32_t height, const std::vector<Bytes>& bodies, const Bytes& pixels) {
     kernels = Kernels_Select(mask);
     Watermark_Reset();
@@ -86,6 +112,19 @@ TEST_F(Roads, GiveTheSamePictures) {
     for (const Bytes& text : expected.texts) longest = std::max(longest, text.size());
   }
   EXPECT_GT(longest, 5u);  // Noise hides texts, so that their comparison says something.
+}
+
+/** A strip leaves data over for the next one, anywhere from too much to too little for the most that this can take. */
+TEST_F(Roads, FindAllDataOfTheLongestCodes) {
+  for (int32_t shorter = 0; shorter < 480;) {
+    std::vector<Bytes> bodies;
+    for (int32_t i = 0; i < Steps; ++i, shorter += 10) bodies.push_back(Longest_Codes(32, shorter));
+    const Bytes pixels(size_t{512} * 16 * 3);
+    const Seen expected = Run(KernelPlain, 512, 16, bodies, pixels);
+    for (const auto& [level, mask] : Test_Levels()) {
+      EXPECT_TRUE(Run(mask, 512, 16, bodies, pixels) == expected) << level << ", up to " << shorter;
+    }
+  }
 }
 
 }  // namespace
