@@ -30,6 +30,7 @@ bool Multipart_Type(const std::string& type, std::string* boundary);
 void Multipart_Add(Multipart* multipart, std::span<const uint8_t> bytes);
 
 /** Gives the body of the next complete part, valid until bytes are added; false when more bytes are needed. A part whose head
- * tells no length is complete when the next delimiter is there. One whose length is wrong is given up to the delimiter; with too
- * small a length it was given cut short before, as nobody waits for the next part to show that a length is right. */
+ * tells no length is complete when the next delimiter is there. One whose length is wrong is given up to the delimiter; where the
+ * length ends in the body or in the delimiter, it was given so before, as nobody waits for the next part to show that a length
+ * is right. */
 bool Multipart_Next(Multipart* multipart, std::span<const uint8_t>* body);
