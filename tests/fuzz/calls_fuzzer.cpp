@@ -138,7 +138,7 @@ constexpr Act acts[] = {
     [](Caller*, JdecDecoder* d, uint8_t detail) {
       JDEC_SetMotionSeachEnable(d, detail & 16), JDEC_SetMotionSeachString(d, detail & 32 ? "moves" : nullptr);
     },
-    [](Caller* c, JdecDecoder*, uint8_t) { Draw_Memory_Failure(&c->input); },
+    [](Caller* c, JdecDecoder*, uint8_t) { Let_Memory_Fail(c->input.Byte()); },
 };
 
 void Call(Caller* c) {

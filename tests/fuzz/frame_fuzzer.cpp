@@ -2,13 +2,21 @@
 // forms that carry the quality as it is.
 #include "fuzz/machine.h"
 
-/** Picture and hidden text of the frame, in a decoder that has had another frame before. */
-static Bytes Decode(uint32_t mask, const Bytes& before, const Bytes& frame, bool hook) {
+/** What stays the same for all kernels and forms. */
+struct Around {
+  Bytes before;  // A frame that the decoder has had.
+  bool hook;
+  uint8_t failure;
+};
+
+/** Picture, hidden text and status of the frame. */
+static Bytes Decode(uint32_t mask, const Around& around, const Bytes& frame) {
   const Run run(mask);
+  Let_Memory_Fail(around.failure);
   JdecDecoder* const decoder = JDEC_New(48, 32);
   JDEC_Draw_Init(decoder, nullptr);
-  int32_t status = hook;
-  Push(decoder, before);
+  int32_t status = around.hook;
+  Push(decoder, around.before);
   Push(decoder, frame, &status);
   Bytes result = Picture_Of(decoder), text(1024);
   text.resize((size_t)JDEC_read_watermark_string(decoder, text.data(), (int32_t)text.size()));
@@ -25,19 +33,20 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const int32_t most = (flags & 0xE1) == 0xE1 ? 2048 : 48;
   const int32_t width = input.Word() % most + 1, height = std::min(input.Word() % most + 1, 2500 / width);
   const int32_t quality = (int16_t)input.Word();
-  const Bytes before = flags & 4 ? Next_Frame(&input) : Bytes();
+  Around around = {{}, (flags & 2) != 0, input.Byte()};
+  if (flags & 4) around.before = Next_Frame(&input);
   const Bytes body = input.Some(input.left);
   if (body.size() > 60000) return 0;
   const Form form = (Form)((flags >> 3) % 3);
   const Bytes frame = Make_Frame(form, width, height, quality, body);
-  Bytes both = before;
+  Bytes both = around.before;
   both.insert(both.end(), frame.begin(), frame.end());
   if (Announced_Pixels(both.data(), both.size()) > MostAnnounced) return 0;  // In a body may stand another head.
-  const Bytes picture = Decode(mask, before, frame, flags & 2);
-  if (mask != KernelPlain && body.size() % 4 == 0) REQUIRE(picture == Decode(KernelPlain, before, frame, flags & 2));
+  const Bytes picture = Decode(mask, around, frame);
+  if (mask != KernelPlain && body.size() % 4 == 0) REQUIRE(picture == Decode(KernelPlain, around, frame));
   // A search is not begun with fewer bytes, and in what another frame has left behind it may start elsewhere.
-  if (form == Form::Prefixed && before.empty() && body.size() >= LeastSearchBytes - CompactHeadSize) {
-    REQUIRE(picture == Decode(mask, before, Make_Frame(Form::Compact, width, height, quality, body), flags & 2));
+  if (form == Form::Prefixed && around.before.empty() && body.size() >= LeastSearchBytes - CompactHeadSize) {
+    REQUIRE(picture == Decode(mask, around, Make_Frame(Form::Compact, width, height, quality, body)));
   }
   return 0;
 }

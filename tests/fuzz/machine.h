@@ -24,8 +24,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size);
 inline uint32_t Draw_Level(Input* input) { return kernelLevels[input->Byte() % std::size(kernelLevels)].mask & Cpu_Levels(); }
 
 /** Lets one allocation fail, or all from one on, or none. */
-inline void Draw_Memory_Failure(Input* input) {
-  const uint8_t drawn = input->Byte();
+inline void Let_Memory_Fail(uint8_t drawn) {
   if (drawn & 1) Screen_Fail(ScreenStep::Memory, drawn >> 2, drawn & 2 ? 1 : INT32_MAX);
 }
 
@@ -88,6 +87,15 @@ struct FuzzWindow {
     return pixels ? Bytes(pixels, pixels + (ptrdiff_t)pitch * height) : Bytes();
   }
 };
+
+/** Gives the input to `run` with kernels of a drawn level; then, if its size is a multiple of `oneIn`, with the plain ones too,
+ *  which must come to the same. */
+inline void Compare_With_Plain(const uint8_t* data, size_t size, size_t oneIn, Bytes (*run)(uint32_t mask, Input input)) {
+  Input input = {data, size};
+  const uint32_t mask = Draw_Level(&input);
+  const Bytes result = run(mask, input);
+  if (mask != KernelPlain && size % oneIn == 0) REQUIRE(result == run(KernelPlain, input));
+}
 
 /** The current picture as a BMP file, in memory that ends where it does. */
 inline Bytes Picture_Of(JdecDecoder* decoder) {

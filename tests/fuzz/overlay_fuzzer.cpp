@@ -82,9 +82,6 @@ static Bytes Show(uint32_t mask, Input input) {
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  Input input = {data, size};
-  const uint32_t mask = Draw_Level(&input);
-  const Bytes shown = Show(mask, input);
-  if (mask != KernelPlain && size % 4 == 0) REQUIRE(shown == Show(KernelPlain, input));
+  Compare_With_Plain(data, size, 4, Show);
   return 0;
 }

@@ -95,7 +95,7 @@ void Call(Browser* browser) {
     case 9:
       return Message(browser, detail);
     case 10:
-      return Draw_Memory_Failure(&input);
+      return Let_Memory_Fail(input.Byte());
     default:
       return Screen_Fail((ScreenStep)(detail % ((int)ScreenStep::SetRegistryValue + 1)), which / 12, 2);
   }
@@ -110,7 +110,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const FuzzWindow window(&input);
   Screen_Set_File_Chooser([](const OPENFILENAMEA&) { return std::optional<std::string>("/dev/null"); });
   Draw_Registry(&input);
-  if (input.Byte() & 1) Draw_Memory_Failure(&input);
+  if (input.Byte() & 1) Let_Memory_Fail(input.Byte());
   Browser browser = {.input = input, .windows = {window.handle, window.Another()}};
   Start(&browser);
   for (int calls = 0; browser.input.left && calls < 60; ++calls) Call(&browser);
