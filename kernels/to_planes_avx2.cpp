@@ -62,11 +62,11 @@ static inline __m256i Red_Chroma(const Sixteen& pixels) {
 }
 
 /** What sixteen pixels of two rows come to: luma, and sums of two rows of what chroma lacks to 127. */
-struct Converted {
+struct ConvertedSixteen {
   __m256i yUpper, yLower, blue, red;
 };
 
-static inline Converted Convert_Sixteen(const uint8_t* upper, const uint8_t* lower) {
+static inline ConvertedSixteen Convert_Sixteen(const uint8_t* upper, const uint8_t* lower) {
   const Sixteen a = Load_Sixteen(upper), b = Load_Sixteen(lower);
   return {Luma(a), Luma(b), _mm256_add_epi16(Blue_Chroma(a), Blue_Chroma(b)), _mm256_add_epi16(Red_Chroma(a), Red_Chroma(b))};
 }
@@ -96,7 +96,7 @@ static inline Bias Bias_Of(int32_t even, int32_t odd) {
 
 static inline void Convert_Step(const uint8_t* upper, const uint8_t* lower, uint8_t* yUpper, uint8_t* yLower, uint8_t* cb,
                                 uint8_t* cr, Bias bias) {
-  const Converted a = Convert_Sixteen(upper, lower), b = Convert_Sixteen(upper + 48, lower + 48);
+  const ConvertedSixteen a = Convert_Sixteen(upper, lower), b = Convert_Sixteen(upper + 48, lower + 48);
   Store_Luma(yUpper, a.yUpper, b.yUpper);
   Store_Luma(yLower, a.yLower, b.yLower);
   const __m256i blue = Average(a.blue, b.blue, bias), red = Average(a.red, b.red, bias);

@@ -79,11 +79,11 @@ typedef __m128i Bias;
 static inline Bias Bias_Of(int32_t even, int32_t odd) { return _mm_set1_epi32((4 * 127 + odd) << 16 | (4 * 127 + even)); }
 
 /** What eight pixels of two rows come to: luma in words, sums of what 2x2 chroma samples lack to 127. */
-struct Converted {
+struct ConvertedEight {
   __m128i yUpper, yLower, blue, red;
 };
 
-static inline Converted Convert_Eight(const Eight& upper, const Eight& lower) {
+static inline ConvertedEight Convert_Eight(const Eight& upper, const Eight& lower) {
   return {Luma(upper), Luma(lower), _mm_add_epi32(Blue_Chroma(upper), Blue_Chroma(lower)),
           _mm_add_epi32(Red_Chroma(upper), Red_Chroma(lower))};
 }
@@ -94,8 +94,8 @@ static inline __m128i Average(__m128i a, __m128i b, Bias bias) {
 
 static inline void Convert_Step(const uint8_t* upper, const uint8_t* lower, uint8_t* yUpper, uint8_t* yLower, uint8_t* cb,
                                 uint8_t* cr, Bias bias) {
-  const Converted a = Convert_Eight(Load_Eight(upper), Load_Eight(lower));
-  const Converted b = Convert_Eight(Load_Last_Eight(upper + 24), Load_Last_Eight(lower + 24));
+  const ConvertedEight a = Convert_Eight(Load_Eight(upper), Load_Eight(lower));
+  const ConvertedEight b = Convert_Eight(Load_Last_Eight(upper + 24), Load_Last_Eight(lower + 24));
   _mm_storeu_si128((__m128i*)yUpper, _mm_packus_epi16(a.yUpper, b.yUpper));
   _mm_storeu_si128((__m128i*)yLower, _mm_packus_epi16(a.yLower, b.yLower));
   const __m128i packed = _mm_packus_epi16(Average(a.blue, b.blue, bias), Average(a.red, b.red, bias));

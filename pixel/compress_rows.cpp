@@ -10,7 +10,7 @@
 namespace {
 
 /** The caller's picture, bottom row first. */
-struct Source {
+struct BottomUpRows {
   const uint8_t* pixels;
   size_t pitch;
   int32_t height;  ///< Rows of the picture.
@@ -24,7 +24,7 @@ struct Source {
 };
 
 /** Brings the pairs of picture rows from..to into the planes. */
-void Load_Pairs(JdecPlanes* planes, const Source& source, int32_t from, int32_t to) {
+void Load_Pairs(JdecPlanes* planes, const BottomUpRows& source, int32_t from, int32_t to) {
   const int32_t rows = source.height / 2;
   for (int32_t r = from; r < to; ++r) {
     // As Downsample_Plane has it.
@@ -36,7 +36,7 @@ void Load_Pairs(JdecPlanes* planes, const Source& source, int32_t from, int32_t 
 }
 
 /** An odd last row has luma alone. */
-void Load_Last_Row(JdecPlanes* planes, const Source& source) {
+void Load_Last_Row(JdecPlanes* planes, const BottomUpRows& source) {
   const int32_t last = source.height - 1;
   uint8_t* const luma = planes->yRows[last];
   if (source.doubleRows && last == 0) {
@@ -68,7 +68,7 @@ void Compress_Rows(JdecCodec* codec, const uint8_t* pixels, bool doubleRows) {
   JdecPlanes* const planes = codec->planes;
   JdecFrameBuffer* const frame = codec->frame;
   const int32_t width = codec->width, height = codec->height, units = height / 16;
-  const Source source = {pixels, static_cast<size_t>(width) * 3, height, doubleRows};
+  const BottomUpRows source = {pixels, static_cast<size_t>(width) * 3, height, doubleRows};
   HuffWriter writer = {frame->data + frame->length, frame->data + FrameStoreSize, 0, 0, {}};
   int32_t whole = 1;
   for (int32_t m = 0; m < units; ++m) {

@@ -25,6 +25,11 @@ for file in $(git ls-files '*.h' '*.cpp' '*.c' '*.md' '*.sh' '*.cmake' '*.txt' r
   [ -z "$(tail -c 1 "$file")" ] || { echo "style: $file has no newline at its end" >&2; failed=1; }
 done
 
+# Two types of one name in one program share their implicit functions, and those of either may be the ones that are linked.
+types=$(git grep -hoE '^(struct|class|union|enum|enum class) [A-Za-z_]+.*\{' -- '*.h' '*.cpp' ':!tests' ':!bench' |
+  sed -E 's/^(enum class|[a-z]+) ([A-Za-z_]+).*/\2/' | sort | uniq -d)
+[ -z "$types" ] || { echo "style: types whose name stands twice: $types" >&2; failed=1; }
+
 twice=$(git ls-files '*.cpp' ':!tests' | xargs -n 1 basename | sort | uniq -d)
 [ -z "$twice" ] || { echo "style: base names that stand twice: $twice" >&2; failed=1; }
 exit $failed

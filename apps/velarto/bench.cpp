@@ -18,7 +18,7 @@ struct BenchOptions {
 };
 
 /** A whole recording in memory, and the frames in it that can be decoded. */
-struct Recording {
+struct RecordingInMemory {
   std::vector<uint8_t> bytes;
   std::vector<WalkedFrame> frames;
 };
@@ -29,7 +29,7 @@ struct Work {
   double seconds = 0;
 };
 
-static bool Read_Recording(const std::string& source, Recording* recording, std::string* error) {
+static bool Read_Recording(const std::string& source, RecordingInMemory* recording, std::string* error) {
   const std::atomic<bool> stop = false;
   const auto take = [recording](const WalkedFrame& frame) {
     if (Frame_Decodable(frame)) recording->frames.push_back(frame);
@@ -55,7 +55,7 @@ static double Seconds_Since(std::chrono::steady_clock::time_point start) {
 }
 
 /** Decodes the recording over and over. False, with *error, without memory. */
-static bool Decode_Frames(const Recording& recording, double asked, Work* work, std::string* error) {
+static bool Decode_Frames(const RecordingInMemory& recording, double asked, Work* work, std::string* error) {
   const auto count = static_cast<int64_t>(recording.frames.size());
   DecoderHolder decoder;
   const auto start = std::chrono::steady_clock::now();
@@ -74,7 +74,7 @@ static bool Decode_Frames(const Recording& recording, double asked, Work* work, 
 }
 
 /** Times the stages of frames spread over the recording, as many as the time allows. */
-static bool Time_Stages(const Recording& recording, double seconds, StageTimes* times, std::string* error) {
+static bool Time_Stages(const RecordingInMemory& recording, double seconds, StageTimes* times, std::string* error) {
   static constexpr size_t Step = 7;
   const size_t count = recording.frames.size();
   DecoderHolder decoder;
@@ -88,7 +88,8 @@ static bool Time_Stages(const Recording& recording, double seconds, StageTimes* 
   return true;
 }
 
-static void Print_Result(const BenchOptions& options, const Recording& recording, const Work& work, const StageTimes& times) {
+static void Print_Result(const BenchOptions& options, const RecordingInMemory& recording, const Work& work,
+                         const StageTimes& times) {
   const std::string kernel = options.kernelName.empty() ? Kernel_Best() : options.kernelName;
   const double frames = static_cast<double>(work.frames) / work.seconds,
                megapixels = static_cast<double>(work.pixels) / work.seconds / 1e6,
@@ -114,7 +115,7 @@ static void Print_Result(const BenchOptions& options, const Recording& recording
 }
 
 static int Run_Bench(const BenchOptions& options) {
-  Recording recording;
+  RecordingInMemory recording;
   Work work;
   StageTimes times;
   std::string error;

@@ -308,18 +308,18 @@ static void On_Destroy(Viewer* viewer, WPARAM, LPARAM) {
   PostQuitMessage(0);
 }
 
-struct MessageAction {
+struct ViewerAction {
   UINT message;
   void (*act)(Viewer* viewer, WPARAM wParam, LPARAM lParam);
 };
-static constexpr MessageAction messageActions[] = {
+static constexpr ViewerAction viewerActions[] = {
     {FrameMessage, On_Frame},  {WM_PAINT, On_Paint},       {WM_SIZE, On_Size},       {WM_CHAR, On_Char},
     {WM_KEYDOWN, On_Key_Down}, {WM_LBUTTONDOWN, On_Click}, {WM_DESTROY, On_Destroy},
 };
 
 static LRESULT CALLBACK Viewer_Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
   auto* const viewer = reinterpret_cast<Viewer*>(GetWindowLongPtrA(window, GWLP_USERDATA));
-  for (const MessageAction& action : messageActions) {
+  for (const ViewerAction& action : viewerActions) {
     if (!viewer || action.message != message) continue;
     action.act(viewer, wParam, lParam);
     return 0;
