@@ -33,7 +33,7 @@ const Bytes& In_Form(const TestFrame& frame, size_t form) {
 int32_t Feed(JdecDecoder* decoder, const Bytes& bytes, bool polling) {
   static Bytes taken((size_t)FrameStoreSize);
   if (!polling) return Push(decoder, bytes);
-  JDEC_Receive_Data_2(decoder, bytes.data(), (uint32_t)bytes.size());
+  Store(decoder, bytes);
   for (;;) {
     const int32_t result = JDEC_Check_Decode_Frame(decoder, 1, taken.data(), FrameStoreSize, nullptr, 0, 1, nullptr);
     if (result != 1) return result;
@@ -113,8 +113,7 @@ TEST_F(Exhaustive, SplitsOfThreeFramesIntoTwoChunks) {
     const Bytes stream = Joined(parts);
     const auto length = (int32_t)stream.size();
     for (const bool polling : {false, true}) {
-      const DecoderPtr decoder(JDEC_New(16, 16));
-      JDEC_Draw_Init(decoder.get(), window.handle);
+      const DecoderPtr decoder = Shown_Decoder(window.handle, 16, 16);
       const Seen whole = See(decoder.get(), stream, length, polling);
       ASSERT_EQ(whole.frames.size(), 3u);
       ASSERT_EQ(whole.bits, polling ? 0 : 8 * length);

@@ -50,7 +50,7 @@ TEST_F(FramesTest, DecodersOnManyThreadsKeepApart) {
             const size_t which = (t + i / 4) % 3;  // Keeps a size for a while, then changes it.
             const Bytes& bytes = i % 3 == 0 ? frames[which]->jfif : i % 3 == 1 ? frames[which]->compact : frames[which]->prefixed;
             int32_t status = 1;
-            if (t % 2) JDEC_Receive_Data_2(decoder.get(), bytes.data(), (uint32_t)bytes.size()), Poll(decoder.get());
+            if (t % 2) Store(decoder.get(), bytes), Poll(decoder.get());
             if (t % 2 == 0) Push(decoder.get(), bytes, &status);
             right[t] += Current_Picture(decoder.get()) == pictures[which];
             JDEC_read_watermark_string(decoder.get(), out.data(), 1024);

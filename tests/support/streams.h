@@ -1,7 +1,7 @@
 /* Test inputs: files of tests/data, frames in their three wire forms, decoders that free themselves, noise. */
 #pragma once
 
-#include "decode/decoder.h"
+#include "decode/buffers.h"
 
 #include <gtest/gtest.h>
 
@@ -19,12 +19,16 @@ struct Releaser {
   void operator()(auto* resource) const { release(resource); }
 };
 using DecoderPtr = std::unique_ptr<JdecDecoder, Releaser<JDEC_Free>>;
+using RasterPtr = std::unique_ptr<JdecRaster, Releaser<Arena_Free>>;
+using PlanesPtr = std::unique_ptr<JdecPlanes, Releaser<Arena_Free>>;
 
-inline DecoderPtr Headless_Decoder(int32_t width, int32_t height) {
+inline DecoderPtr Shown_Decoder(HWND window, int32_t width, int32_t height) {
   DecoderPtr decoder(JDEC_New(width, height));
-  if (decoder) JDEC_Draw_Init(decoder.get(), nullptr);
+  if (decoder) JDEC_Draw_Init(decoder.get(), window);
   return decoder;
 }
+
+inline DecoderPtr Headless_Decoder(int32_t width, int32_t height) { return Shown_Decoder(nullptr, width, height); }
 
 inline std::string Data_Path(const std::string& name) { return VELARTO_SOURCE_DIR "/tests/data/" + name; }
 
@@ -43,6 +47,25 @@ inline Bytes Joined(const std::vector<Bytes>& parts) {
   Bytes all;
   for (const Bytes& part : parts) all.insert(all.end(), part.begin(), part.end());
   return all;
+}
+
+/** Coded data as a decoder reads it: of FF 00 stays FF, of FF and another byte that byte, 0 at the end. */
+inline Bytes Without_Stuffing(const Bytes& raw) {
+  Bytes data;
+  for (size_t i = 0; i < raw.size(); ++i) {
+    const bool escaped = raw[i] == 0xFF;
+    while (i < raw.size() && raw[i] == 0xFF) ++i;
+    const uint8_t octet = i < raw.size() ? raw[i] : 0;
+    data.push_back(escaped && octet == 0 ? 0xFF : octet);
+  }
+  return data;
+}
+
+/** Memory that ends where the bytes do, so that a sanitizer sees one too many. */
+inline std::unique_ptr<uint8_t[]> Exact_Copy(const Bytes& bytes) {
+  std::unique_ptr<uint8_t[]> exact(new uint8_t[bytes.size()]);
+  std::copy(bytes.begin(), bytes.end(), exact.get());
+  return exact;
 }
 
 inline Bytes Compact_Frame(int32_t width, int32_t height, int32_t quality, const Bytes& body) {
@@ -71,6 +94,11 @@ inline TestFrame Load_Frame(const std::string& name, int32_t quality) {
 
 inline int32_t Push(JdecDecoder* decoder, const Bytes& bytes, int32_t* status = nullptr) {
   return JDEC_Receive_Data(decoder, (int32_t)bytes.size(), bytes.data(), status);
+}
+
+/** Gives bytes to the polling path. */
+inline int32_t Store(JdecDecoder* decoder, const Bytes& bytes) {
+  return JDEC_Receive_Data_2(decoder, bytes.data(), (uint32_t)bytes.size());
 }
 
 inline int32_t Poll(JdecDecoder* decoder, Bytes* frame = nullptr) {
