@@ -38,39 +38,6 @@ struct EncodeKernels : LibraryTest {
   }
 };
 
-/** What one call of ToPlanesKernel is to give, and room beside it that stays as it was. */
-struct PlaneRows {
-  Bytes rows[4];
-  PlaneRows(size_t count) {
-    for (size_t i = 0; i < 4; ++i) rows[i].assign((i < 2 ? count : count / 2) + 80, Guard);
-  }
-  uint8_t* At(size_t i) { return rows[i].data() + 40; }
-  bool operator==(const PlaneRows&) const = default;
-};
-
-TEST_F(EncodeKernels, PixelsToPlanes) {
-  for (const auto& [level, mask] : Levels()) {
-    for (int32_t round = 0; round < 3000; ++round) {
-      const int32_t count = round % 150 + 1, evenBias = noise.Between(1, 2), oddBias = noise.Between(1, 2);
-      Bytes pixels[2] = {noise.Some(3 * (size_t)count), noise.Some(3 * (size_t)count)};
-      for (Bytes& row : pixels) {
-        for (uint8_t& byte : row) byte = round % 3 ? byte : byte & 1 ? 255 : 0;
-      }
-      PlaneRows tested(count), expected(count);
-      Kernels_Select(mask).toPlanes(pixels[0].data(), pixels[1].data(), tested.At(0), tested.At(1), tested.At(2), tested.At(3),
-                                    count, evenBias, oddBias);
-      PlaneRows full[2] = {2 * count, 2 * count};
-      for (size_t i = 0; i < 2; ++i) {
-        To_Ycc_Row_Plain(rgbYccTable, pixels[i].data(), expected.At(i), full[i].At(2), full[i].At(3), count);
-      }
-      for (const size_t i : {2, 3}) {
-        Downsample_Row_Plain(full[0].At(i), full[1].At(i), expected.At(i), count / 2, evenBias, oddBias);
-      }
-      ASSERT_TRUE(tested == expected) << level << " round " << round;
-    }
-  }
-}
-
 /** Two rows of macroblocks, and what the plain kernels make of them. */
 struct Rows {
   DecoderPtr decoder;
