@@ -39,7 +39,7 @@ TEST(Context, EachFailingStepHasItsForm) {
       EXPECT_EQ(display->primarySurface != nullptr, step != DirectDrawCreate && step != CreatePrimary) << "what was made stays";
       EXPECT_EQ(display->offscreenSurface != nullptr, form == DirectDrawForm);
       Screen_Fail_Nothing();
-      const Raster raster = Noise_Raster(64, 48, 32);
+      const RasterPtr raster = Noise_Raster(64, 48, 32);
       machine.Show(raster);
       machine.Expect_Shown(raster);
     }
