@@ -18,7 +18,7 @@ struct Receiver : FramesTest {
   Receiver() {
     for (size_t i = 0; i < 18; ++i) {
       const TestFrame& frame = i / 2 % 3 == 0 ? small : i / 2 % 3 == 1 ? middle : large;
-      frames.push_back(i % 3 == 0 ? frame.jfif : i % 3 == 1 ? frame.compact : frame.prefixed);
+      frames.push_back(frame.In_Form(i % 3));
       pictures.push_back(Picture_Of(frame));
     }
   }

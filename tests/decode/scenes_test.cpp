@@ -44,16 +44,16 @@ TEST_F(FramesTest, DecodersOnManyThreadsKeepApart) {
         for (size_t life = 0; life < 3; ++life) {
           if (each) JDEC_Init();
           DecoderPtr decoder = Headless_Decoder(32, 32);
-          Bytes out(8192);
-          right[t] += JDEC_Compress_RGB888(decoder.get(), 50, pixels.data(), 0, out.data(), 8192, t % 2, 0) > 0;
+          right[t] += !Compressed(decoder.get(), 50, pixels, t % 2).empty();
           for (size_t i = 0; i < 16; ++i) {
             const size_t which = (t + i / 4) % 3;  // Keeps a size for a while, then changes it.
-            const Bytes& bytes = i % 3 == 0 ? frames[which]->jfif : i % 3 == 1 ? frames[which]->compact : frames[which]->prefixed;
+            const Bytes& bytes = frames[which]->In_Form(i % 3);
             int32_t status = 1;
             if (t % 2) Store(decoder.get(), bytes), Poll(decoder.get());
             if (t % 2 == 0) Push(decoder.get(), bytes, &status);
             right[t] += Current_Picture(decoder.get()) == pictures[which];
-            JDEC_read_watermark_string(decoder.get(), out.data(), 1024);
+            uint8_t text[1024];
+            JDEC_read_watermark_string(decoder.get(), text, sizeof text);
             JDEC_enable_MD(decoder.get(), (int32_t)i % 4);
             JDEC_set_MD_color((int32_t)i % 2);
           }

@@ -78,10 +78,13 @@ inline Bytes Prefixed_Frame(const Bytes& compact, uint8_t flags = 0) {
   return Joined({{0xF6, 0, 0xFF, 0, 0xF9, 0x11, 0xDD, 0x22, flags, 0x33, 0x44, 0x55, 0xC5, 0x66}, compact});
 }
 
+enum : size_t { Jfif, Compact, Prefixed };
+
 /** One picture in each of the wire forms. */
 struct TestFrame {
   int32_t width, height, quality;
   Bytes jfif, compact, prefixed;
+  const Bytes& In_Form(size_t form) const { return form == Jfif ? jfif : form == Compact ? compact : prefixed; }
 };
 
 /** A file made by cjpeg at that quality, as the three frames that it is. */
@@ -107,6 +110,14 @@ inline int32_t Poll(JdecDecoder* decoder, Bytes* frame = nullptr) {
   const int32_t result = JDEC_Check_Decode_Frame(decoder, 1, out.data(), (int32_t)out.size(), &length, 0, 1, nullptr);
   if (frame) frame->assign(out.begin(), out.begin() + length);
   return result;
+}
+
+/** A picture of that decoder's size as a frame; empty when it can't be made. */
+inline Bytes Compressed(JdecDecoder* encoder, int32_t quality, const Bytes& pixels, int32_t withMarkers, int32_t doubleRows = 0) {
+  Bytes out(FrameStoreSize);
+  out.resize(
+      (size_t)JDEC_Compress_RGB888(encoder, quality, pixels.data(), 0, out.data(), FrameStoreSize, withMarkers, doubleRows));
+  return out;
 }
 
 /** The current picture as a BMP file. */
