@@ -1,4 +1,4 @@
-// Converters of every level against the plain ones for every colour there is. Lengths and addresses are tried on rasters, in
+// Converters of every level against the plain ones for every colour there is. Lengths and addresses are tried on pictures, in
 // pixel/convert_test.cpp.
 #include "pixel/color_tables.h"
 #include "support/levels.h"
