@@ -22,17 +22,14 @@ struct EncodeKernels : LibraryTest {
     return levels;
   }
 
-  /** 8x8 samples: noise, one frequency of some size or as black and white, flat, dots. */
+  /** 8x8 samples: of one frequency, from flat to black and white, with noise over it, from none to all that can be. */
   void Fill_Block(uint8_t* const* rows, int32_t left) {
-    const int32_t shape = noise.Between(0, 5), u = noise.Between(0, 7), v = noise.Between(0, 7);
-    const int32_t size = noise.Between(0, 160), level = noise.Between(0, 255), sign = noise.Between(0, 1) ? 1 : -1;
+    const int32_t level = noise.Between(0, 255), size = noise.Between(-20, 20) * noise.Between(0, 15);
+    const int32_t rough = noise.Between(0, 2) * noise.Between(0, 127), u = noise.Between(0, 7), v = noise.Between(0, 7);
     for (int32_t y = 0; y < 8; ++y) {
       for (int32_t x = 0; x < 8; ++x) {
-        const double wave =
-            sign * std::cos((2 * x + 1) * u * std::numbers::pi / 16) * std::cos((2 * y + 1) * v * std::numbers::pi / 16);
-        const double values[] = {(double)noise.Between(0, 255), wave > 0 ? 255.0 : 0.0, 128 + size * wave, (double)level,
-                                 noise.Next() % 2 ? 255.0 : 0,  level + 8 * wave};
-        rows[y][left + x] = (uint8_t)std::clamp(values[shape], 0.0, 255.0);
+        const double wave = std::cos((2 * x + 1) * u * std::numbers::pi / 16) * std::cos((2 * y + 1) * v * std::numbers::pi / 16);
+        rows[y][left + x] = (uint8_t)std::clamp(level + size * wave + noise.Between(-rough, rough), 0.0, 255.0);
       }
     }
   }
