@@ -1,5 +1,4 @@
 // A decoder and its window: depth of the raster, what outlives a size change, frames that find no display.
-#include "decode/buffers.h"
 #include "display/context.h"
 #include "pixel/convert.h"
 #include "pixel/dither.h"
@@ -43,10 +42,9 @@ TEST_F(DisplayedDecoder, RasterHasTheDepthOfTheScreen) {
 TEST_F(DisplayedDecoder, PaletteIndicesComeRowByRowDownToAnOddLastOne) {
   for (const auto& [windowWidth, mode] : {std::pair{320, DitherNormal}, {20, DitherShrink}}) {
     const TestWindow window(8, windowWidth);
-    const DecoderPtr decoder(JDEC_New(47, 33));
-    JDEC_Draw_Init(decoder.get(), window.handle);
+    const DecoderPtr decoder = Shown_Decoder(window.handle, 47, 33);
     Push(decoder.get(), Compact_Frame(47, 33, 50, Noise{5}.Some(900)));
-    const std::unique_ptr<JdecRaster, Releaser<Arena_Free>> whole(Raster_New(47, 33, 8));
+    const RasterPtr whole(Raster_New(47, 33, 8));
     YCC_To_Palette8(decoder->codec->planes, whole.get(), mode);
     for (int32_t i = 0; i < 33; ++i) {
       ASSERT_TRUE(std::equal(whole->rows[i], whole->rows[i] + 47, decoder->codec->raster->rows[i])) << mode << " row " << i;
@@ -59,8 +57,7 @@ void Keep_Picture(HWND, uintptr_t user) { shown.push_back(Current_Picture(reinte
 
 TEST_F(DisplayedDecoder, CallbackAndHiddenOutliveASizeChange) {
   const TestWindow window(32);
-  const DecoderPtr decoder(JDEC_New(48, 48));
-  JDEC_Draw_Init(decoder.get(), window.handle);
+  const DecoderPtr decoder = Shown_Decoder(window.handle, 48, 48);
   decoder->display->drawCallback = Keep_Picture;
   decoder->display->drawCallbackUser = reinterpret_cast<uintptr_t>(decoder.get());
   const Bytes stream = Joined({small.jfif, large.compact, small.prefixed, large.jfif});
@@ -69,7 +66,7 @@ TEST_F(DisplayedDecoder, CallbackAndHiddenOutliveASizeChange) {
   EXPECT_EQ(decoder->hidden, 0);
 
   JDEC_show(decoder.get(), 0);  // The polling path decodes all the same.
-  JDEC_Receive_Data_2(decoder.get(), small.compact.data(), (uint32_t)small.compact.size());
+  Store(decoder.get(), small.compact);
   EXPECT_EQ(Poll(decoder.get()), 1);
   EXPECT_EQ(decoder->hidden, 1);
   EXPECT_EQ(shown.size(), 5u);
@@ -83,8 +80,7 @@ TEST_F(DisplayedDecoder, CallbackAndHiddenOutliveASizeChange) {
  * behind a registration calls that one, or a later one. */
 TEST_F(DisplayedDecoder, CallbackIsRegisteredByAnotherThread) {
   const TestWindow window(32);
-  const DecoderPtr decoder(JDEC_New(48, 48));
-  JDEC_Draw_Init(decoder.get(), window.handle);
+  const DecoderPtr decoder = Shown_Decoder(window.handle, 48, 48);
   static std::vector<uintptr_t> called;
   std::atomic<uintptr_t> registered = 0;
   std::atomic<bool> done = false;
@@ -107,8 +103,7 @@ TEST_F(DisplayedDecoder, CallbackIsRegisteredByAnotherThread) {
 
 TEST_F(DisplayedDecoder, DrawExitHidesAndShowAloneFindsNoDisplay) {
   const TestWindow window(32);
-  const DecoderPtr decoder(JDEC_New(48, 48));
-  JDEC_Draw_Init(decoder.get(), window.handle);
+  const DecoderPtr decoder = Shown_Decoder(window.handle, 48, 48);
   JDEC_Draw_Exit(decoder.get());
   EXPECT_EQ(decoder->display, nullptr);
   const Bytes dark = Current_Picture(decoder.get());

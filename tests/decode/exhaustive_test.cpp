@@ -11,10 +11,9 @@ namespace {
 
 /** A picture of noise in few bytes. */
 Bytes Encoded(JdecDecoder* encoder, int32_t quality, int32_t withMarkers) {
-  Bytes pixels = Noise{7}.Some((size_t)encoder->width * (size_t)encoder->height * 3), out(8192);
+  Bytes pixels = Noise{7}.Some((size_t)encoder->width * (size_t)encoder->height * 3);
   for (size_t i = 3; i < pixels.size(); ++i) pixels[i] = (uint8_t)((pixels[i - 3] + pixels[i]) / 2);
-  out.resize((size_t)JDEC_Compress_RGB888(encoder, quality, pixels.data(), 0, out.data(), 8192, withMarkers, 0));
-  return out;
+  return Compressed(encoder, quality, pixels, withMarkers);
 }
 
 TestFrame Small_Frame(int32_t width, int32_t height, int32_t quality) {
@@ -23,17 +22,11 @@ TestFrame Small_Frame(int32_t width, int32_t height, int32_t quality) {
   return {width, height, compact[8], Encoded(encoder.get(), quality, 1), compact, Prefixed_Frame(compact)};
 }
 
-enum : size_t { Jfif, Compact, Prefixed };
-
-const Bytes& In_Form(const TestFrame& frame, size_t form) {
-  return form == Jfif ? frame.jfif : form == Compact ? frame.compact : frame.prefixed;
-}
-
 /** Gives bytes to either path, which takes all frames that they complete. Gives the result of the last call. */
 int32_t Feed(JdecDecoder* decoder, const Bytes& bytes, bool polling) {
   static Bytes taken((size_t)FrameStoreSize);
   if (!polling) return Push(decoder, bytes);
-  JDEC_Receive_Data_2(decoder, bytes.data(), (uint32_t)bytes.size());
+  Store(decoder, bytes);
   for (;;) {
     const int32_t result = JDEC_Check_Decode_Frame(decoder, 1, taken.data(), FrameStoreSize, nullptr, 0, 1, nullptr);
     if (result != 1) return result;
@@ -109,12 +102,11 @@ TEST_F(Exhaustive, SplitsOfThreeFramesIntoTwoChunks) {
   const TestFrame frames[] = {Small_Frame(16, 16, 20), Small_Frame(16, 16, 10), Small_Frame(32, 16, 0)};
   for (size_t first = 0; first < 3; ++first) {
     std::vector<Bytes> parts;
-    for (size_t i = 0; i < 3; ++i) parts.push_back(In_Form(frames[i], (first + i) % 3));
+    for (size_t i = 0; i < 3; ++i) parts.push_back(frames[i].In_Form((first + i) % 3));
     const Bytes stream = Joined(parts);
     const auto length = (int32_t)stream.size();
     for (const bool polling : {false, true}) {
-      const DecoderPtr decoder(JDEC_New(16, 16));
-      JDEC_Draw_Init(decoder.get(), window.handle);
+      const DecoderPtr decoder = Shown_Decoder(window.handle, 16, 16);
       const Seen whole = See(decoder.get(), stream, length, polling);
       ASSERT_EQ(whole.frames.size(), 3u);
       ASSERT_EQ(whole.bits, polling ? 0 : 8 * length);
@@ -188,7 +180,7 @@ TEST_F(Exhaustive, WrongBytesInAFrameOfEachForm) {
     return true;
   };
   for (const size_t form : {Jfif, Compact, Prefixed}) {
-    const Bytes& intact = In_Form(frame, form);
+    const Bytes& intact = frame.In_Form(form);
     for (size_t place = 0; place < intact.size(); ++place) {
       for (const uint8_t value : Wrong_Values(form, place)) {
         Bytes bad = intact;

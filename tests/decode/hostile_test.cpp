@@ -60,8 +60,7 @@ TEST_F(Hostile, MemoryOfTheLargestPictures) {
     for (const auto& [width, height] : {std::pair{8192, 4000}, {65535, 500}, {500, 65535}, {65535, 1}, {1, 65535}}) {
       const int64_t before = Resident_Bytes();
       ASSERT_GT(before, 0);
-      const DecoderPtr huge(JDEC_New(16, 16));
-      ASSERT_EQ(JDEC_Draw_Init(huge.get(), shown), 1);
+      const DecoderPtr huge = Shown_Decoder(shown, 16, 16);
       Push(huge.get(), Compact_Frame(width, height, 90, Bytes(20, 0x28)));
       int32_t gotWidth = 0, gotHeight = 0;
       JDEC_get_size(huge.get(), &gotWidth, &gotHeight);
@@ -84,7 +83,7 @@ TEST_F(Hostile, JfifStartWithoutAnEnd) {
       EXPECT_NE(Poll(polling.get()), 1);
     }
     EXPECT_EQ(Frames_Until_Shown(), 1u) << chunk;
-    JDEC_Receive_Data_2(polling.get(), small.compact.data(), (uint32_t)small.compact.size());
+    Store(polling.get(), small.compact);
     EXPECT_EQ(Poll(polling.get()), 1) << chunk;
     EXPECT_EQ(Current_Picture(polling.get()), picture) << chunk;
   }
@@ -100,7 +99,7 @@ TEST_F(Hostile, NoiseOnBothPaths) {
     if (round % 3 == 0)
       bytes.insert(bytes.begin() + noise.Between(0, (int32_t)bytes.size()), small.jfif.begin(), small.jfif.end());
     Push(decoder.get(), bytes);
-    JDEC_Receive_Data_2(decoder.get(), bytes.data(), (uint32_t)bytes.size());
+    Store(decoder.get(), bytes);
     Poll(decoder.get());
   }
   EXPECT_NE(Frames_Until_Shown(), 0u);

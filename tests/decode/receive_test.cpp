@@ -18,7 +18,7 @@ struct Receiver : FramesTest {
   Receiver() {
     for (size_t i = 0; i < 18; ++i) {
       const TestFrame& frame = i / 2 % 3 == 0 ? small : i / 2 % 3 == 1 ? middle : large;
-      frames.push_back(i % 3 == 0 ? frame.jfif : i % 3 == 1 ? frame.compact : frame.prefixed);
+      frames.push_back(frame.In_Form(i % 3));
       pictures.push_back(Picture_Of(frame));
     }
   }
@@ -57,10 +57,10 @@ TEST_F(Receiver, PushingFindsEveryFrameWhoseHeadComesInOnePiece) {
 }
 
 TEST_F(Receiver, StartAtTheEndOfAFullBufferIsKept) {
-  const Bytes bytes = Joined({Bytes(StreamBufferSize - 100, 'x'), small.jfif});
-  JDEC_Receive_Data_2(decoder.get(), bytes.data(), StreamBufferSize);
+  const auto middleOfHead = small.jfif.begin() + 100;
+  Store(decoder.get(), Joined({Bytes(StreamBufferSize - 100, 'x'), Bytes(small.jfif.begin(), middleOfHead)}));
   EXPECT_EQ(Poll(decoder.get()), 2);
-  JDEC_Receive_Data_2(decoder.get(), &bytes[StreamBufferSize], (uint32_t)(bytes.size() - StreamBufferSize));
+  Store(decoder.get(), Bytes(middleOfHead, small.jfif.end()));
   EXPECT_EQ(Poll(decoder.get()), 1);
   EXPECT_EQ(Current_Picture(decoder.get()), Picture_Of(small));
 }
@@ -68,7 +68,7 @@ TEST_F(Receiver, StartAtTheEndOfAFullBufferIsKept) {
 TEST_F(Receiver, PollingPassesOverAHeadWithoutScan) {
   Bytes bytes = small.jfif;
   bytes[610] = 0;
-  JDEC_Receive_Data_2(decoder.get(), bytes.data(), (uint32_t)bytes.size());
+  Store(decoder.get(), bytes);
   EXPECT_EQ(Poll(decoder.get()), 3);
 }
 
@@ -83,8 +83,7 @@ TEST_F(Receiver, NoDataAddsNothing) {
 
 TEST_F(Receiver, BitRateIsReportedEveryThreeSeconds) {
   const TestWindow window(32);
-  const DecoderPtr shown(JDEC_New(48, 48));
-  JDEC_Draw_Init(shown.get(), window.handle);
+  const DecoderPtr shown = Shown_Decoder(window.handle, 48, 48);
   const struct {
     uint32_t tick;
     size_t bytes;

@@ -93,19 +93,4 @@ TEST_F(FramesTest, RingBetweenTwoThreadsLosesNothing) {
   EXPECT_EQ(decoder->hidden, 0);
 }
 
-/** A stream delivered through the ring shows the same last picture, and only the frames of the backlog are passed over. */
-TEST_F(FramesTest, RingPumpedIntoTheReceivePath) {
-  const DecoderPtr decoder = Headless_Decoder(48, 48);
-  const Bytes frames = Joined({large.compact, small.jfif});
-  while (decoder->ringFill <= StreamBufferSize * 3 / 4)
-    JDEC_write_decode_buffer(decoder.get(), frames.data(), (int32_t)frames.size());
-  Bytes piece((size_t)frames.size());
-  const Bytes dark = Current_Picture(decoder.get());
-  for (int i = 0; i < 2; ++i) {
-    ASSERT_EQ(Ring_Read(decoder.get(), piece.data(), (int32_t)piece.size()), (int32_t)piece.size());
-    Push(decoder.get(), piece);
-    EXPECT_EQ(Current_Picture(decoder.get()), i == 0 ? dark : Picture_Of(small));
-  }
-}
-
 }  // namespace

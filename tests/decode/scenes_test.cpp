@@ -28,45 +28,55 @@ TEST_F(LibraryTest, ScenesLookAsAnotherDecoderShowsThem) {
 
 /** A decoder belongs to one thread at a time. Many of them share tables, and by design the hidden text read last and the state of
  *  the motion area, which any thread may read and change; and each thread may start and end the library for itself. */
-TEST_F(FramesTest, DecodersOnManyThreadsKeepApart) {
-  const TestFrame* const frames[] = {&small, &middle, &large};
-  const Bytes pictures[] = {Picture_Of(small), Picture_Of(middle), Picture_Of(large)}, pixels = Noise{5}.Some(32 * 32 * 3);
-  std::vector<NamedKernelLevel> levels = Test_Levels();
-  levels.push_back({"started by each", 0});
-  for (const auto& [level, mask] : levels) {
-    const bool each = level == levels.back().name;
-    if (each) JDEC_Exit();
-    if (!each) kernels = Kernels_Select(mask);
+struct Threads : FramesTest {
+  const TestFrame* const frames[3] = {&small, &middle, &large};
+  const Bytes pictures[3] = {Picture_Of(small), Picture_Of(middle), Picture_Of(large)}, pixels = Noise{5}.Some(32 * 32 * 3);
+
+  /** A decoder's life on thread `t`. Gives how many of 17 results are right. */
+  int Live(size_t t) const {
+    const DecoderPtr decoder = Headless_Decoder(32, 32);
+    int right = !Compressed(decoder.get(), 50, pixels, t % 2).empty();
+    for (size_t i = 0; i < 16; ++i) {
+      const size_t which = (t + i / 4) % 3;  // Keeps a size for a while, then changes it.
+      const Bytes& bytes = frames[which]->In_Form(i % 3);
+      int32_t status = 1;
+      if (t % 2) Store(decoder.get(), bytes), Poll(decoder.get());
+      if (t % 2 == 0) Push(decoder.get(), bytes, &status);
+      right += Current_Picture(decoder.get()) == pictures[which];
+      uint8_t text[1024];
+      JDEC_read_watermark_string(decoder.get(), text, sizeof text);
+      JDEC_enable_MD(decoder.get(), (int32_t)i % 4);
+      JDEC_set_MD_color((int32_t)i % 2);
+    }
+    JDEC_Flush(decoder.get());
+    return right;
+  }
+  std::vector<int> On_Eight_Threads(bool startedByEach) const {
     std::vector<int> right(8);
     std::vector<std::thread> threads;
     for (size_t t = 0; t < right.size(); ++t) {
       threads.emplace_back([&, t] {
-        for (size_t life = 0; life < 3; ++life) {
-          if (each) JDEC_Init();
-          DecoderPtr decoder = Headless_Decoder(32, 32);
-          Bytes out(8192);
-          right[t] += JDEC_Compress_RGB888(decoder.get(), 50, pixels.data(), 0, out.data(), 8192, t % 2, 0) > 0;
-          for (size_t i = 0; i < 16; ++i) {
-            const size_t which = (t + i / 4) % 3;  // Keeps a size for a while, then changes it.
-            const Bytes& bytes = i % 3 == 0 ? frames[which]->jfif : i % 3 == 1 ? frames[which]->compact : frames[which]->prefixed;
-            int32_t status = 1;
-            if (t % 2) JDEC_Receive_Data_2(decoder.get(), bytes.data(), (uint32_t)bytes.size()), Poll(decoder.get());
-            if (t % 2 == 0) Push(decoder.get(), bytes, &status);
-            right[t] += Current_Picture(decoder.get()) == pictures[which];
-            JDEC_read_watermark_string(decoder.get(), out.data(), 1024);
-            JDEC_enable_MD(decoder.get(), (int32_t)i % 4);
-            JDEC_set_MD_color((int32_t)i % 2);
-          }
-          JDEC_Flush(decoder.get());
-          decoder.reset();
-          if (each) JDEC_Exit();
+        for (int lives = 0; lives < 3; ++lives) {
+          if (startedByEach) JDEC_Init();
+          right[t] += Live(t);
+          if (startedByEach) JDEC_Exit();
         }
       });
     }
     for (std::thread& thread : threads) thread.join();
-    EXPECT_EQ(right, std::vector<int>(8, 3 * 17)) << level;
-    if (each) JDEC_Init();
+    return right;
   }
+};
+
+TEST_F(Threads, KeepTheirDecodersApart) {
+  const std::vector<int> allRight(8, 3 * 17);
+  for (const auto& [level, mask] : Test_Levels()) {
+    kernels = Kernels_Select(mask);
+    EXPECT_EQ(On_Eight_Threads(false), allRight) << level;
+  }
+  JDEC_Exit();
+  EXPECT_EQ(On_Eight_Threads(true), allRight);
+  JDEC_Init();
 }
 
 }  // namespace

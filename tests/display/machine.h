@@ -1,20 +1,16 @@
 /* What the tests of the display share: a machine with one window and a display in it, and rasters that go by themselves. */
 #pragma once
 
-#include "decode/buffers.h"
 #include "display/context.h"
 #include "display/present.h"
 #include "pixel/convert.h"
+#include "support/streams.h"
 #include "support/window.h"
 
 #include "platform/win32.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cstring>
-#include <memory>
-#include <random>
 
 constexpr uint32_t Blue = 0x0000FF, Green = 0x00FF00, Red = 0xFF0000, White = 0xFFFFFF, Black = 0;
 
@@ -34,17 +30,11 @@ inline Form Form_Of(const JdecDisplay* display) {
   return display->useDirectDraw ? DirectDrawForm : GdiForm;
 }
 
-struct DisplayReleaser {
-  void operator()(JdecDisplay* display) const { Display_Destroy(display); }
-  void operator()(JdecRaster* raster) const { Arena_Free(raster); }
-};
-using Raster = std::unique_ptr<JdecRaster, DisplayReleaser>;
-
 /** A screen, a window and the display opened in it. Fails the test when something is still alive at its end, or when anything
  *  was written beside the surface. */
 struct Machine : TestWindow {
   const int32_t aliveAtStart = Screen_Objects_Alive();
-  std::unique_ptr<JdecDisplay, DisplayReleaser> display;
+  std::unique_ptr<JdecDisplay, Releaser<Display_Destroy>> display;
   int32_t frames = 0;  ///< That reached the screen, told by the callback.
 
   using TestWindow::TestWindow;
@@ -60,13 +50,13 @@ struct Machine : TestWindow {
     if (display) display->drawCallbackUser = reinterpret_cast<uintptr_t>(&frames);
     return display.get();
   }
-  void Show(const Raster& raster, int32_t mdMode = 0) {
+  void Show(const RasterPtr& raster, int32_t mdMode = 0) {
     Display_Present(display.get(), raster.get(), 0, 0, raster->width, raster->height, mdMode);
   }
   uint32_t Color(int32_t x, int32_t y) const { return Screen_Window_Color(handle, x, y); }
 
   /** The window's upper left corner holds exactly the raster. */
-  void Expect_Shown(const Raster& raster) const {
+  void Expect_Shown(const RasterPtr& raster) const {
     int32_t width = 0, height = 0, pitch = 0;
     const uint8_t* pixels = Screen_Window_Pixels(handle, &width, &height, &pitch);
     ASSERT_TRUE(pixels && raster->width <= width && raster->height <= height);
@@ -76,16 +66,15 @@ struct Machine : TestWindow {
   }
 };
 
-inline Raster Noise_Raster(int32_t width, int32_t height, int32_t bits) {
-  Raster raster(Raster_New(width, height, bits));
-  std::mt19937 random(static_cast<uint32_t>(width * height));
-  for (int32_t y = 0; y < height; ++y) std::generate_n(raster->rows[y], raster->pitch, [&] { return uint8_t(random()); });
+inline RasterPtr Noise_Raster(int32_t width, int32_t height, int32_t bits) {
+  RasterPtr raster(Raster_New(width, height, bits));
+  std::ranges::copy(Noise{7}.Some(static_cast<size_t>(height * raster->pitch)), raster->rows[height - 1]);
   return raster;
 }
 
 /** 32 bits, of one colour. */
-inline Raster Plain_Raster(int32_t width, int32_t height, uint32_t color) {
-  Raster raster(Raster_New(width, height, 32));
+inline RasterPtr Plain_Raster(int32_t width, int32_t height, uint32_t color) {
+  RasterPtr raster(Raster_New(width, height, 32));
   for (int32_t y = 0; y < height; ++y) std::fill_n(reinterpret_cast<uint32_t*>(raster->rows[y]), width, color);
   return raster;
 }

@@ -31,7 +31,7 @@ TEST(Present, PictureArrivesPixelByPixel) {
         EXPECT_EQ(std::memcmp(&display->bitmapInfo->bmiHeader, &header, sizeof header), 0);
 
         Screen_Move_To_Monitor(machine.handle, road == SecondaryMonitor ? 1 : 0);
-        const Raster raster = Noise_Raster(width, height, bits);
+        const RasterPtr raster = Noise_Raster(width, height, bits);
         if (raster->pitch % 4 != 0 && road != DirectDraw) {
           Screen_Fail(Memory, 0, 1);
           machine.Show(raster);
@@ -70,7 +70,7 @@ TEST(Present, SmallOrMinimisedWindowsGetNothing) {
       machine.Open(width, height);
       Screen_Minimise(machine.handle, state == Minimised);
       Screen_Disable(machine.handle, state == Disabled);
-      const Raster raster = Plain_Raster(width, height, Green);
+      const RasterPtr raster = Plain_Raster(width, height, Green);
       machine.Show(raster);
       EXPECT_EQ(machine.display->lastRaster, raster.get());
       EXPECT_EQ(machine.frames, isShown && !gdi ? 1 : 0);
@@ -135,7 +135,7 @@ TEST(Present, EachFailureHasItsReaction) {
     Machine machine(32, 64, 64);
     Switch_On(machine.Open(64, 64), overlay);
     const int32_t mdMode = overlay == MotionLayer ? 1 : 0;
-    const Raster green = Plain_Raster(64, 64, Green), blue = Plain_Raster(64, 64, Blue);
+    const RasterPtr green = Plain_Raster(64, 64, Green), blue = Plain_Raster(64, 64, Blue);
     machine.Show(green, mdMode);
     Screen_Fail(step, 0, times, code);
     if (restoreFails) Screen_Fail(RestorePrimary);
@@ -153,7 +153,7 @@ TEST(Present, LostSurfacesComeBack) {
   Machine machine(32, 64, 64);
   JdecDisplay* const display = machine.Open(64, 64);
   EXPECT_EQ(Display_Restore(display), 1) << "nothing shown yet";
-  const Raster green = Plain_Raster(64, 64, Green), blue = Plain_Raster(64, 64, Blue);
+  const RasterPtr green = Plain_Raster(64, 64, Green), blue = Plain_Raster(64, 64, Blue);
   machine.Show(green);
   Screen_Lose_Surfaces();
   machine.Show(blue);

@@ -4,41 +4,40 @@
 
 namespace {
 
-/** Black pixels around a text drawn as the display draws it. */
-struct Statistics : testing::Test {
-  static std::vector<uint8_t> Pixels(HWND window, int32_t left, int32_t top, int32_t right, int32_t bottom) {
-    int32_t width = 0, height = 0, pitch = 0;
-    const uint8_t* const pixels = Screen_Window_Pixels(window, &width, &height, &pitch);
-    std::vector<uint8_t> part;
-    for (int32_t y = top; y < bottom; ++y) part.insert(part.end(), pixels + y * pitch + 4 * left, pixels + y * pitch + 4 * right);
-    return part;
+std::vector<uint32_t> Colors(const Machine& machine, const RECT& rect) {
+  std::vector<uint32_t> colors;
+  for (LONG y = rect.top; y < rect.bottom; ++y) {
+    for (LONG x = rect.left; x < rect.right; ++x) colors.push_back(machine.Color(x, y));
   }
-  /** The window shows that text in white on black at the place, over the whole height of a line. */
-  static void Expect_Text(const Machine& machine, int32_t x, int32_t y, const std::string& text) {
-    std::vector<uint8_t> before = Pixels(machine.handle, x, y, 320, y + 16);
-    const HDC dc = GetDC(machine.handle);
-    const HFONT font = CreateFontA(16, 8, 0, 0, FW_NORMAL, FALSE, FALSE, FALSE, DEFAULT_CHARSET, OUT_DEFAULT_PRECIS,
-                                   CLIP_DEFAULT_PRECIS, PROOF_QUALITY, FIXED_PITCH | FF_MODERN, "Courier New");
-    const HGDIOBJ old = SelectObject(dc, font);
-    SelectObject(dc, GetStockObject(BLACK_BRUSH));
-    Rectangle(dc, x, y, 320, y + 16);
-    SetBkMode(dc, TRANSPARENT);
-    SetTextColor(dc, RGB(255, 255, 255));
-    TextOutA(dc, x, y, text.c_str(), static_cast<int>(text.size()));
-    SelectObject(dc, old);
-    DeleteObject(font);
-    ReleaseDC(machine.handle, dc);
-    EXPECT_TRUE(before == Pixels(machine.handle, x, y, 320, y + 16)) << text;
-  }
-};
+  return colors;
+}
 
-TEST_F(Statistics, FrameRateByForm) {
+/** The window shows that text in white on black at the place, over the whole height of a line. Draws it there for that. */
+void Expect_Text(const Machine& machine, int32_t x, int32_t y, const std::string& text) {
+  const RECT line = {x, y, 320, y + 16};
+  const std::vector<uint32_t> shown = Colors(machine, line);
+  const HDC dc = GetDC(machine.handle);
+  const HFONT font = CreateFontA(16, 8, 0, 0, FW_NORMAL, FALSE, FALSE, FALSE, DEFAULT_CHARSET, OUT_DEFAULT_PRECIS,
+                                 CLIP_DEFAULT_PRECIS, PROOF_QUALITY, FIXED_PITCH | FF_MODERN, "Courier New");
+  const HGDIOBJ old = SelectObject(dc, font);
+  SelectObject(dc, GetStockObject(BLACK_BRUSH));
+  Rectangle(dc, line.left, line.top, line.right, line.bottom);
+  SetBkMode(dc, TRANSPARENT);
+  SetTextColor(dc, RGB(255, 255, 255));
+  TextOutA(dc, x, y, text.c_str(), static_cast<int>(text.size()));
+  SelectObject(dc, old);
+  DeleteObject(font);
+  ReleaseDC(machine.handle, dc);
+  EXPECT_EQ(shown, Colors(machine, line)) << text;
+}
+
+TEST(Statistics, FrameRateByForm) {
   for (const bool gdi : {false, true}) {
     SCOPED_TRACE(gdi ? "GDI" : "DirectDraw");
     Machine machine(Screen_With(32, gdi), 320, 240);
     Screen_Set_Tick(1000);
     JdecDisplay* const display = machine.Open(320, 240);
-    const Raster black = Plain_Raster(320, 240, Black);
+    const RasterPtr black = Plain_Raster(320, 240, Black);
     machine.Show(black);
     EXPECT_EQ(display->fpsCount, -1) << "off at first";
     Display_Show_Statistics(display, 1);
@@ -70,7 +69,7 @@ TEST_F(Statistics, FrameRateByForm) {
   }
 }
 
-TEST_F(Statistics, BitRateInTheDirectDrawFormAlone) {
+TEST(Statistics, BitRateInTheDirectDrawFormAlone) {
   for (const bool gdi : {false, true}) {
     Machine machine(Screen_With(32, gdi), 320, 240);
     JdecDisplay* const display = machine.Open(320, 240);

@@ -22,54 +22,18 @@ struct EncodeKernels : LibraryTest {
     return levels;
   }
 
-  /** 8x8 samples: noise, one frequency of some size or as black and white, flat, dots. */
+  /** 8x8 samples: of one frequency, from flat to black and white, with noise over it, from none to all that can be. */
   void Fill_Block(uint8_t* const* rows, int32_t left) {
-    const int32_t shape = noise.Between(0, 5), u = noise.Between(0, 7), v = noise.Between(0, 7);
-    const int32_t size = noise.Between(0, 160), level = noise.Between(0, 255), sign = noise.Between(0, 1) ? 1 : -1;
+    const int32_t level = noise.Between(0, 255), size = noise.Between(-20, 20) * noise.Between(0, 15);
+    const int32_t rough = noise.Between(0, 2) * noise.Between(0, 127), u = noise.Between(0, 7), v = noise.Between(0, 7);
     for (int32_t y = 0; y < 8; ++y) {
       for (int32_t x = 0; x < 8; ++x) {
-        const double wave =
-            sign * std::cos((2 * x + 1) * u * std::numbers::pi / 16) * std::cos((2 * y + 1) * v * std::numbers::pi / 16);
-        const double values[] = {(double)noise.Between(0, 255), wave > 0 ? 255.0 : 0.0, 128 + size * wave, (double)level,
-                                 noise.Next() % 2 ? 255.0 : 0,  level + 8 * wave};
-        rows[y][left + x] = (uint8_t)std::clamp(values[shape], 0.0, 255.0);
+        const double wave = std::cos((2 * x + 1) * u * std::numbers::pi / 16) * std::cos((2 * y + 1) * v * std::numbers::pi / 16);
+        rows[y][left + x] = (uint8_t)std::clamp(level + size * wave + noise.Between(-rough, rough), 0.0, 255.0);
       }
     }
   }
 };
-
-/** What one call of ToPlanesKernel is to give, and room beside it that stays as it was. */
-struct PlaneRows {
-  Bytes rows[4];
-  PlaneRows(size_t count) {
-    for (size_t i = 0; i < 4; ++i) rows[i].assign((i < 2 ? count : count / 2) + 80, Guard);
-  }
-  uint8_t* At(size_t i) { return rows[i].data() + 40; }
-  bool operator==(const PlaneRows&) const = default;
-};
-
-TEST_F(EncodeKernels, PixelsToPlanes) {
-  for (const auto& [level, mask] : Levels()) {
-    for (int32_t round = 0; round < 3000; ++round) {
-      const int32_t count = round % 150 + 1, evenBias = noise.Between(1, 2), oddBias = noise.Between(1, 2);
-      Bytes pixels[2] = {noise.Some(3 * (size_t)count), noise.Some(3 * (size_t)count)};
-      for (Bytes& row : pixels) {
-        for (uint8_t& byte : row) byte = round % 3 ? byte : byte & 1 ? 255 : 0;
-      }
-      PlaneRows tested(count), expected(count);
-      Kernels_Select(mask).toPlanes(pixels[0].data(), pixels[1].data(), tested.At(0), tested.At(1), tested.At(2), tested.At(3),
-                                    count, evenBias, oddBias);
-      PlaneRows full[2] = {2 * count, 2 * count};
-      for (size_t i = 0; i < 2; ++i) {
-        To_Ycc_Row_Plain(rgbYccTable, pixels[i].data(), expected.At(i), full[i].At(2), full[i].At(3), count);
-      }
-      for (const size_t i : {2, 3}) {
-        Downsample_Row_Plain(full[0].At(i), full[1].At(i), expected.At(i), count / 2, evenBias, oddBias);
-      }
-      ASSERT_TRUE(tested == expected) << level << " round " << round;
-    }
-  }
-}
 
 /** Two rows of macroblocks, and what the plain kernels make of them. */
 struct Rows {

@@ -89,14 +89,8 @@ struct ReferenceDecoder {
     if (luma) scans->insert(scans->end(), scan, scan + 64);
   }
   Row Decode(const Bytes& raw, int32_t columns) {
-    data.clear();
+    data = Without_Stuffing(raw);
     position = 0;
-    for (size_t i = 0; i < raw.size(); ++i) {
-      const bool escaped = raw[i] == 0xFF;
-      while (i < raw.size() && raw[i] == 0xFF) ++i;
-      const uint8_t octet = i < raw.size() ? raw[i] : 0;
-      data.push_back(escaped && octet == 0 ? 0xFF : octet);
-    }
     Row row(columns);
     for (int32_t c = 0; c < columns; ++c) {
       for (const int32_t i : {0, 1, 2, 3}) Block(true, &row.predictors[0], row.At(i / 2) + 128 * c + i % 2 * 64, &row.scans);
@@ -113,8 +107,7 @@ void Keep_Scan(void* scans, const int32_t* scan) {
 
 Row Decode_By_Kernel(DecodeRowKernel kernel, const Bytes& raw, int32_t columns) {
   Row row(columns);
-  const std::unique_ptr<uint8_t[]> exact(new uint8_t[raw.size()]);  // So that a sanitizer sees a byte too many.
-  std::copy(raw.begin(), raw.end(), exact.get());
+  const auto exact = Exact_Copy(raw);
   HuffReader reader = {exact.get(), exact.get() + raw.size(), 0, 0};
   kernel(&reader, &huffTables, row.At(0), row.At(1), row.At(2), row.At(3), columns, row.predictors.data(), Keep_Scan, &row.scans);
   return row;
@@ -142,8 +135,7 @@ void Take_Block(Row* row, const int16_t* words, StripProgress progress, int32_t 
 /** The same in two strips, from data without stuffing. */
 Row Decode_By_Strips(const Kernels& record, const Bytes& raw, int32_t columns) {
   Row row(columns);
-  const std::unique_ptr<uint8_t[]> exact(new uint8_t[raw.size()]), data(new uint8_t[raw.size() + 2 * StripPadding]);
-  std::copy(raw.begin(), raw.end(), exact.get());
+  const auto exact = Exact_Copy(raw), data = Exact_Copy(Bytes(raw.size() + 2 * StripPadding));
   const uint8_t* stuffed = exact.get();
   StripReader reader = {data.get(), 0, 8 * record.unstuff(&stuffed, stuffed + raw.size(), data.get(), raw.size())};
   for (int32_t done = 0; done < columns;) {

@@ -93,17 +93,11 @@ TEST_F(StripKernel, StuffingGoesAndZerosFollow) {
   for (const auto& [level, mask] : Test_Levels()) {
     const Kernels record = Kernels_Select(mask);
     for (size_t count = 0; record.unstuff && count < 400; ++count) {
-      Bytes raw = noise.Some(count), expected;
+      Bytes raw = noise.Some(count);
       const uint32_t one = count % 4 == 3 ? 32 : (uint32_t)count % 4 * 20 + 2;  // Of so many bytes is FF; or isn't.
       for (uint8_t& octet : raw) octet = (noise.Next() % one == 0) != (one == 32) ? 0xFF : noise.Next() % 8 == 0 ? 0 : octet;
-      for (size_t i = 0; i < count; ++i) {
-        const bool escaped = raw[i] == 0xFF;
-        while (i < count && raw[i] == 0xFF) ++i;
-        const uint8_t octet = i < count ? raw[i] : 0;
-        expected.push_back(escaped && octet == 0 ? 0xFF : octet);
-      }
-      const std::unique_ptr<uint8_t[]> exact(new uint8_t[count]);
-      std::copy(raw.begin(), raw.end(), exact.get());
+      Bytes expected = Without_Stuffing(raw);
+      const auto exact = Exact_Copy(raw);
       Bytes out(count + 2 * StripPadding, 0xA5);
       const uint8_t *from = exact.get(), *const end = from + count;
       size_t made = 0;

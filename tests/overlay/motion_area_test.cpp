@@ -2,7 +2,6 @@
  */
 #include "overlay/motion_area.h"
 
-#include "decode/decoder.h"
 #include "display/machine.h"
 #include "overlay/color_key.h"
 #include "overlay/motion_state.h"
@@ -13,35 +12,27 @@ namespace {
 
 constexpr uint32_t DarkBlue = 0x000040;
 
-struct LayerTest : testing::Test {
-  void TearDown() override { mdRectMode = 0; }
+struct LayerTest : LibraryTest {
+  ~LayerTest() override { mdRectMode = 0; }
 };
 
 /** A decoder with a display of that size, and the layer that it should have by now. */
 struct Motion : Machine {
-  JdecDecoder* const decoder;
-  const int32_t width, height, across, down;
+  const DecoderPtr owned;
+  JdecDecoder* const decoder = owned.get();
+  const int32_t width, height, across = width == 640 ? 2 : 1, down = width == 640 && height == 480 ? 2 : 1;
   std::vector<uint32_t> model;  ///< Colours.
   std::map<uint32_t, uint32_t> pixels;
 
   Motion(int32_t bits, int32_t pictureWidth, int32_t pictureHeight)
       : Machine(Screen_With(bits), pictureWidth, pictureHeight),
-        decoder(Make_Decoder(pictureWidth, pictureHeight)),
+        owned(Shown_Decoder(handle, pictureWidth, pictureHeight)),
         width(pictureWidth),
-        height(pictureHeight),
-        across(pictureWidth == 640 ? 2 : 1),
-        down(pictureWidth == 640 && pictureHeight == 480 ? 2 : 1) {
+        height(pictureHeight) {
     for (const uint32_t color : {Black, Red, Blue, DarkBlue, White}) pixels[color] = Pixel(color);
     for (int32_t i = 0; i < width * height; ++i) model.push_back(Grid_Color(i % width / across, i / width / down));
   }
-  ~Motion() { JDEC_Free(decoder); }
 
-  JdecDecoder* Make_Decoder(int32_t w, int32_t h) const {
-    JDEC_Init();
-    JdecDecoder* const made = JDEC_New(w, h);
-    EXPECT_EQ(JDEC_Draw_Init(made, handle), 1);
-    return made;
-  }
   IDirectDrawSurface* Surface() const { return decoder->display->offscreenSurface; }
   uint32_t Pixel(uint32_t color) const {
     return Sample_Colors(Surface(), RGB(color >> 16, color >> 8 & 255, color & 255), decoder->display->keyRow);
@@ -52,10 +43,13 @@ struct Motion : Machine {
     uint32_t& at = model[static_cast<size_t>(y * width + x)];
     if (mdRectMode == 0 || at != Red) at = color;
   }
+  /** A line with no length is one pixel, but of horizontal ones in 8 and 16 bits none while red isn't kept. */
   void Outline(int32_t x, int32_t y, int32_t w, int32_t h, uint32_t color) {
+    const bool noPixel = mdRectMode == 0 && decoder->display->displayBits <= 16;
+    const int32_t columns = std::max(w, noPixel ? 0 : 1), lines = std::max(h, 1);
     for (int32_t thick = 0; thick < across; ++thick) {
-      for (int32_t i = 0; i < w; ++i) Set(x + i, y + thick, color), Set(x + i, y + h - 1 + thick, color);
-      for (int32_t i = 0; i < h; ++i) Set(x + thick, y + i, color), Set(x + w - 1 + thick, y + i, color);
+      for (int32_t i = 0; i < columns; ++i) Set(x + i, y + thick, color), Set(x + i, y + h - 1 + thick, color);
+      for (int32_t i = 0; i < lines; ++i) Set(x + thick, y + i, color), Set(x + w - 1 + thick, y + i, color);
     }
   }
   void Cell(int32_t column, int32_t row, bool marked) {
@@ -76,38 +70,36 @@ struct Motion : Machine {
       for (int32_t k = 0; k < w; ++k) Set(x + k, y + i, Black);
     Outline(x, y, w, h, color);
   }
-  /** All of the layer, from the surface. */
-  void Expect_Model(const char* what) const {
-    int32_t surfaceWidth = 0, rows = 0, pitch = 0;
-    const uint8_t* const first = Screen_Surface_Pixels(Surface(), &surfaceWidth, &rows, &pitch);
+  /** Where the first pixel is not the one expected, `first` being the picture's upper left one. */
+  template <typename Expected>
+  void Expect_Pixels(const std::string& what, const uint8_t* first, int32_t pitch, Expected expected) const {
     const int32_t bytes = decoder->display->displayBits / 8;
-    int32_t wrong = 0;
     for (int32_t i = 0; i < width * height; ++i) {
-      const uint8_t* const at = first + (height + i / width) * pitch + i % width * bytes;
-      uint32_t pixel = 0;
-      std::memcpy(&pixel, at, static_cast<size_t>(bytes));
-      const uint32_t expected = pixels.at(model[static_cast<size_t>(i)]);
-      if (pixel != expected && wrong++ == 0)
-        ADD_FAILURE() << what << ": " << pixel << " for " << expected << " at " << i % width << ", " << i / width;
+      const uint8_t* const at = first + i / width * pitch + i % width * bytes;
+      if (std::memcmp(at, expected(i), static_cast<size_t>(bytes)) == 0) continue;
+      ADD_FAILURE() << what << " at " << i % width << ", " << i / width;
+      return;
     }
-    EXPECT_EQ(wrong, 0) << what;
-    Expect_Shown_Over_A_Picture(what);
   }
-  /** The window shows the layer where it is not black, and elsewhere the picture. */
-  void Expect_Shown_Over_A_Picture(const char* what) const {
+  /** All of the layer, on the surface; and in the window, over a picture that shows where the layer is black. */
+  void Expect_Model(const std::string& what) const {
+    int32_t surfaceWidth = 0, rows = 0, pitch = 0;
+    const auto layer_pixel = [&](int32_t i) {
+      return reinterpret_cast<const uint8_t*>(&pixels.at(model[static_cast<size_t>(i)]));
+    };
+    const uint8_t* const picture = Screen_Surface_Pixels(Surface(), &surfaceWidth, &rows, &pitch);
+    Expect_Pixels(what, picture + height * pitch, pitch, layer_pixel);
+
     const int32_t bytes = decoder->display->displayBits / 8;
-    const Raster raster = Noise_Raster(width, height, 8 * bytes);
+    const RasterPtr raster = Noise_Raster(width, height, 8 * bytes);
     Display_Present(decoder->display, raster.get(), 0, 0, width, height, 1);
-    int32_t windowWidth = 0, rows = 0, pitch = 0, wrong = 0;
-    const uint8_t* const first = Screen_Window_Pixels(handle, &windowWidth, &rows, &pitch);
+    int32_t windowWidth = 0;
+    const uint8_t* const window = Screen_Window_Pixels(handle, &windowWidth, &rows, &pitch);
     ASSERT_EQ((std::vector{windowWidth, rows}), (std::vector{width, height}));
-    for (int32_t i = 0; i < width * height; ++i) {
-      const uint32_t layer = model[static_cast<size_t>(i)], pixel = pixels.at(layer);
+    Expect_Pixels(what + " in the window", window, pitch, [&](int32_t i) {
       const uint8_t* const below = raster->rows[i / width] + i % width * bytes;
-      const uint8_t* const expected = layer == Black ? below : reinterpret_cast<const uint8_t*>(&pixel);
-      wrong += std::memcmp(first + i / width * pitch + i % width * bytes, expected, static_cast<size_t>(bytes)) != 0;
-    }
-    EXPECT_EQ(wrong, 0) << what << " in the window";
+      return model[static_cast<size_t>(i)] == Black ? below : layer_pixel(i);
+    });
   }
 };
 
@@ -145,10 +137,17 @@ TEST_F(LayerTest, EverySizeAndDepthAgreesWithTheModel) {
       motion.Outline(220 * across, 200 * down, 100 * across, 40 * down, Black);
       motion.Expect_Model("a rectangle taken away");
       EXPECT_EQ(Last_Rect().width, 320 * across);
+      JDEC_show_rectangle(decoder, 50, 60, 0, 0, 0);
+      motion.Outline(0, 0, 320 * across, 240 * down, Black);
+      motion.Outline(50 * across, 60 * down, 0, 0, Blue);
+      motion.Expect_Model("a rectangle of no size");
 
       JDEC_enable_MD(decoder, 1);
       JDEC_show_rectangle(decoder, 10, 20, 30, 40, 0);             // Not in this mode.
       const int32_t tall = width == 640 && height == 240 ? 2 : 1;  // There it counts in 480 rows.
+      JDEC_set_MD_area_2(decoder, 30, 40 * tall, 0, 0, 0);
+      motion.Area(30, 40, 0, 0, Red);
+      motion.Expect_Model("an area of no size");
       JDEC_set_MD_area_2(decoder, width - 20, 50 * tall, 100, 101 * tall, 0);
       motion.Area(width - 100, 50, 100, 101, Red);
       motion.Expect_Model("an area");
@@ -169,10 +168,10 @@ TEST_F(LayerTest, EverySizeAndDepthAgreesWithTheModel) {
 TEST_F(LayerTest, AnyCallOnAnyPictureKeepsToTheSurface) {
   const std::pair<int32_t, int32_t> sizes[] = {{16, 16},   {352, 288},  {640, 960},   {640, 360}, {640, 16},
                                                {704, 480}, {1280, 720}, {1920, 1080}, {1, 300}};
-  std::mt19937 random(3);
+  Noise noise{3};
   const auto any = [&] {
     constexpr int32_t corners[] = {INT32_MIN, INT32_MAX, INT32_MIN + 1, -1, 0, 1, 15, 16, 239, 240, 479, 480, 639, 640};
-    return random() % 2 ? corners[random() % std::size(corners)] : static_cast<int32_t>(random() % 2000) - 500;
+    return noise.Next() % 2 ? corners[noise.Next() % std::size(corners)] : noise.Between(-500, 1499);
   };
   for (const auto& [width, height] : sizes) {
     for (const int32_t bits : {8, 16, 24, 32}) {

@@ -2,9 +2,6 @@
 #include "display/statistics.h"
 #include "overlay/color_key.h"
 #include "overlay/motion_state.h"
-#include "support/streams.h"
-
-#include <string>
 
 namespace {
 
@@ -21,7 +18,7 @@ void Fill(IDirectDrawSurface* surface, const RECT& rect, uint32_t color) {
 struct Overlays : testing::Test {
   Machine machine{32, 320, 240};
   JdecDisplay* const display = machine.Open(320, 240);
-  const Raster green = Plain_Raster(320, 240, Green);
+  const RasterPtr green = Plain_Raster(320, 240, Green);
 
   void Paint(const RECT& rect, uint32_t color) { Fill(display->offscreenSurface, rect, color); }
   int32_t Count(uint32_t color, const RECT& part = {0, 0, 320, 240}) const {
@@ -134,7 +131,7 @@ HBITMAP Make_Bitmap(int32_t width, int32_t height, uint32_t color) {
 struct Bitmaps : LibraryTest {
   Machine machine{Screen_With(32), 320, 240};
   JdecDecoder* const decoder = JDEC_New(320, 240);
-  const Raster green = Plain_Raster(320, 240, Green);
+  const RasterPtr green = Plain_Raster(320, 240, Green);
 
   ~Bitmaps() override { JDEC_Free(decoder); }
   uint32_t Shown(int32_t x, int32_t y) {

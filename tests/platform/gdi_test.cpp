@@ -74,23 +74,6 @@ TEST_F(GdiTest, StretchesAndIsCutToTheClient) {
   Expect_Pixels(window, {{9, 4, Blue}, {10, 4, White}, {80, 0, CLR_INVALID}});
 }
 
-TEST_F(GdiTest, RectangleLeavesOutRightBottomAndTheInside) {
-  HDC dc = GetDC(window);
-  HPEN pen = CreatePen(PS_SOLID, 1, Red);
-  HGDIOBJ oldPen = SelectObject(dc, pen), oldBrush = SelectObject(dc, GetStockObject(NULL_BRUSH));
-  EXPECT_TRUE(Rectangle(dc, 10, 10, 20, 15));
-  EXPECT_EQ(SelectObject(dc, oldPen), pen);
-  EXPECT_EQ(SelectObject(dc, oldBrush), GetStockObject(NULL_BRUSH));
-  EXPECT_TRUE(DeleteObject(pen));
-  ReleaseDC(window, dc);
-  for (int y = 8; y < 18; ++y)
-    for (int x = 8; x < 22; ++x) {
-      const bool within = x >= 10 && x < 20 && y >= 10 && y < 15;
-      const bool inside = x > 10 && x < 19 && y > 10 && y < 14;
-      EXPECT_EQ(Pixel(window, x, y), within && !inside ? Red : White) << x << ", " << y;
-    }
-}
-
 TEST_F(GdiTest, TextFillsItsCellsAndLeavesTheGround) {
   HDC dc = GetDC(window);
   HFONT font = CreateFontA(40, 20, 0, 0, FW_NORMAL, FALSE, FALSE, FALSE, DEFAULT_CHARSET, OUT_DEFAULT_PRECIS, CLIP_DEFAULT_PRECIS,

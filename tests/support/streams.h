@@ -1,7 +1,7 @@
 /* Test inputs: files of tests/data, frames in their three wire forms, decoders that free themselves, noise. */
 #pragma once
 
-#include "decode/decoder.h"
+#include "decode/buffers.h"
 
 #include <gtest/gtest.h>
 
@@ -19,12 +19,16 @@ struct Releaser {
   void operator()(auto* resource) const { release(resource); }
 };
 using DecoderPtr = std::unique_ptr<JdecDecoder, Releaser<JDEC_Free>>;
+using RasterPtr = std::unique_ptr<JdecRaster, Releaser<Arena_Free>>;
+using PlanesPtr = std::unique_ptr<JdecPlanes, Releaser<Arena_Free>>;
 
-inline DecoderPtr Headless_Decoder(int32_t width, int32_t height) {
+inline DecoderPtr Shown_Decoder(HWND window, int32_t width, int32_t height) {
   DecoderPtr decoder(JDEC_New(width, height));
-  if (decoder) JDEC_Draw_Init(decoder.get(), nullptr);
+  if (decoder) JDEC_Draw_Init(decoder.get(), window);
   return decoder;
 }
+
+inline DecoderPtr Headless_Decoder(int32_t width, int32_t height) { return Shown_Decoder(nullptr, width, height); }
 
 inline std::string Data_Path(const std::string& name) { return VELARTO_SOURCE_DIR "/tests/data/" + name; }
 
@@ -45,6 +49,25 @@ inline Bytes Joined(const std::vector<Bytes>& parts) {
   return all;
 }
 
+/** Coded data as a decoder reads it: of FF 00 stays FF, of FF and another byte that byte, 0 at the end. */
+inline Bytes Without_Stuffing(const Bytes& raw) {
+  Bytes data;
+  for (size_t i = 0; i < raw.size(); ++i) {
+    const bool escaped = raw[i] == 0xFF;
+    while (i < raw.size() && raw[i] == 0xFF) ++i;
+    const uint8_t octet = i < raw.size() ? raw[i] : 0;
+    data.push_back(escaped && octet == 0 ? 0xFF : octet);
+  }
+  return data;
+}
+
+/** Memory that ends where the bytes do, so that a sanitizer sees one too many. */
+inline std::unique_ptr<uint8_t[]> Exact_Copy(const Bytes& bytes) {
+  std::unique_ptr<uint8_t[]> exact(new uint8_t[bytes.size()]);
+  std::copy(bytes.begin(), bytes.end(), exact.get());
+  return exact;
+}
+
 inline Bytes Compact_Frame(int32_t width, int32_t height, int32_t quality, const Bytes& body) {
   const auto word = [](auto value) { return Bytes{(uint8_t)value, (uint8_t)(value >> 8)}; };
   return Joined({{0xFF, 0xD8}, word(body.size()), word(width), word(height), word(quality), {0xFF, 0xD9}, body});
@@ -55,10 +78,13 @@ inline Bytes Prefixed_Frame(const Bytes& compact, uint8_t flags = 0) {
   return Joined({{0xF6, 0, 0xFF, 0, 0xF9, 0x11, 0xDD, 0x22, flags, 0x33, 0x44, 0x55, 0xC5, 0x66}, compact});
 }
 
+enum : size_t { Jfif, Compact, Prefixed };
+
 /** One picture in each of the wire forms. */
 struct TestFrame {
   int32_t width, height, quality;
   Bytes jfif, compact, prefixed;
+  const Bytes& In_Form(size_t form) const { return form == Jfif ? jfif : form == Compact ? compact : prefixed; }
 };
 
 /** A file made by cjpeg at that quality, as the three frames that it is. */
@@ -73,12 +99,25 @@ inline int32_t Push(JdecDecoder* decoder, const Bytes& bytes, int32_t* status = 
   return JDEC_Receive_Data(decoder, (int32_t)bytes.size(), bytes.data(), status);
 }
 
+/** Gives bytes to the polling path. */
+inline int32_t Store(JdecDecoder* decoder, const Bytes& bytes) {
+  return JDEC_Receive_Data_2(decoder, bytes.data(), (uint32_t)bytes.size());
+}
+
 inline int32_t Poll(JdecDecoder* decoder, Bytes* frame = nullptr) {
   Bytes out(8192);
   uint32_t length = 0;
   const int32_t result = JDEC_Check_Decode_Frame(decoder, 1, out.data(), (int32_t)out.size(), &length, 0, 1, nullptr);
   if (frame) frame->assign(out.begin(), out.begin() + length);
   return result;
+}
+
+/** A picture of that decoder's size as a frame; empty when it can't be made. */
+inline Bytes Compressed(JdecDecoder* encoder, int32_t quality, const Bytes& pixels, int32_t withMarkers, int32_t doubleRows = 0) {
+  Bytes out(FrameStoreSize);
+  out.resize(
+      (size_t)JDEC_Compress_RGB888(encoder, quality, pixels.data(), 0, out.data(), FrameStoreSize, withMarkers, doubleRows));
+  return out;
 }
 
 /** The current picture as a BMP file. */
