@@ -42,13 +42,11 @@ void Answer(int client, const std::string& bytes) {
 
 struct SourceTest : ToolTest {
   SourceTest() {
-    JDEC_Init();
     unsetenv("http_proxy");
     Walk_Add(&walk, {(const uint8_t*)stream.data(), stream.size()});
     for (WalkedFrame frame; Walk_Next(&walk, &frame);) frames.push_back(frame);
     serve = [this](auto&, auto& answer) { answer.set_content(stream, "video/x-orvistream"); };
   }
-  ~SourceTest() override { JDEC_Exit(); }
   /** The sample's bytes from one frame's start to another's end. */
   std::string Stretch(size_t from, size_t to) const {
     return stream.substr((size_t)frames[from].offset,
@@ -56,7 +54,7 @@ struct SourceTest : ToolTest {
   }
   /** The source gives what the file gives. */
   void Expect_Sample(const std::string& name) const { EXPECT_EQ(Run("info " + name).out, Run("info " + sample).out) << name; }
-  const std::string stream = ::Read_File(fs::path(sample));
+  const std::string stream = Read_Text(sample);
   FrameWalk walk;
   std::vector<WalkedFrame> frames;
   httplib::Server server;
@@ -77,7 +75,7 @@ TEST_F(SourceTest, HttpGivesTheFramesOfTheFile) {
   const std::string name = "http://" + site.host;
   for (const char* const path : {"/file", "/live", "/moved"}) Expect_Sample(name + path);
   EXPECT_EQ(Run("record " + name + "/file -o all").code, 0);
-  EXPECT_TRUE(::Read_File(folder / "all") == stream);  // Delivered whole: that is the end.
+  EXPECT_TRUE(Read_Text(folder / "all") == stream);  // Delivered whole: that is the end.
   Expect_Failure("view http://eve:secret@" + site.host + "/no", "can't read " + name + "/no: the server answered 404");
   Expect_Failure("info " + name + "/loop", "redirects");
 }
@@ -192,7 +190,7 @@ TEST_F(SourceTest, PicturesOfOtherCamerasBecomeFrames) {
   for (const std::string maker : {"-quality 75", "-quality 40", "-quality 98", "-progressive", "-sample 1x1", "-optimize",
                                   "-restart 1", "-grayscale", own.c_str(), "-quality 75 | jpegtran -crop 150x100+0+0"}) {
     Shell("djpeg " + Data_Path("scene-q75.jpg") + " | cjpeg " + maker + " > " + part);
-    const Bytes jpeg = ::Read_File(part);
+    const Bytes jpeg = Read_File(part);
     Bytes frame, none;
     PartConverter converter;
     ASSERT_TRUE(Part_To_Frame(&converter, jpeg, &frame)) << maker;
@@ -224,7 +222,7 @@ TEST_F(SourceTest, ABrokenConnectionIsMadeAnew) {
     EXPECT_EQ(outcome.code, 0);
     const std::string line = "velarto: " + rude.Name(scheme) + ": the connection ";
     EXPECT_EQ(outcome.err, line + "was lost (the other side ended it); trying again\n" + line + "is back\n");
-    EXPECT_TRUE(::Read_File(folder / "live") == first + rest);
+    EXPECT_TRUE(Read_Text(folder / "live") == first + rest);
   }
 }
 
@@ -235,14 +233,14 @@ TEST_F(SourceTest, RecordEndsOnASignalBehindTheLastWholeFrame) {
   const char* const line[] = {VELARTO_TOOL_PATH, "record", name.c_str(), "-o", path.c_str(), nullptr};
   pid_t process = 0;
   ASSERT_EQ(posix_spawn(&process, VELARTO_TOOL_PATH, nullptr, nullptr, const_cast<char* const*>(line), environ), 0);
-  while (::Read_File(fs::path(path)).size() < first.size()) std::this_thread::yield();
+  while (Read_Text(path).size() < first.size()) std::this_thread::yield();
   const auto begin = std::chrono::steady_clock::now();
   kill(process, SIGINT);
   int status = -1;
   waitpid(process, &status, 0);
   EXPECT_EQ(status, 0);
   EXPECT_LT(std::chrono::steady_clock::now() - begin, StallTimeOut / 2);
-  EXPECT_TRUE(::Read_File(fs::path(path)) == first);
+  EXPECT_TRUE(Read_Text(path) == first);
 }
 
 TEST_F(SourceTest, FailuresAreOneLine) {
