@@ -76,9 +76,10 @@ TEST_F(PluginTest, MenuLooksAndActsAsTheRecordingAllows) {
   EXPECT_EQ(Menu(window, StopButtonId), "011");
   Feed(Prefixed_Frame(small.compact, 0x08));
   EXPECT_EQ(Menu(window, CloseButtonId), "001") << "the camera forbids it";
-  Menu(window, CloseButtonId, [&](HWND menu) {
+  const std::string again = Menu(window, CloseButtonId, [&](HWND menu) {
     End_Instance();
     SendMessageA(menu, WM_COMMAND, RecordButtonId, 0);
     EXPECT_EQ(Screen_Dialog(), menu) << "without the instance the button does nothing";
   });
+  EXPECT_EQ(again, "001") << "closing it had started nothing";
 }

@@ -7,9 +7,11 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
-#include <cstdio>
 #include <cstdlib>
+#include <fstream>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -149,10 +151,17 @@ inline Bytes Palette_Color(int index) {
 }
 
 inline Bytes Read_File(const std::string& name) {
-  FILE* const file = std::fopen(name.c_str(), "rb");
-  EXPECT_NE(file, nullptr) << name;
-  Bytes bytes(1 << 20);
-  bytes.resize(file ? std::fread(bytes.data(), 1, bytes.size(), file) : 0);
-  if (file) std::fclose(file);
-  return bytes;
+  std::ifstream file(name, std::ios::binary);
+  EXPECT_TRUE(file) << name;
+  return Bytes(std::istreambuf_iterator<char>(file), {});
+}
+
+inline void Append(Bytes* bytes, const Bytes& more) { bytes->insert(bytes->end(), more.begin(), more.end()); }
+
+/** How many GDI objects, user objects and handles the process has. */
+inline std::array<DWORD, 3> Handle_Counts() {
+  const HANDLE process = GetCurrentProcess();
+  DWORD handles = 0;
+  GetProcessHandleCount(process, &handles);
+  return {GetGuiResources(process, GR_GDIOBJECTS), GetGuiResources(process, GR_USEROBJECTS), handles};
 }

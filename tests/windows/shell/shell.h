@@ -1,8 +1,7 @@
 // The plug-in in a browser's page on Windows: registry, window, and a user who clicks in the dialogs that hold the page up.
 #pragma once
 
-#include "apps/host/browser.h"
-#include "windows/library.h"
+#include "windows/page.h"
 
 #include <commctrl.h>
 #include <deque>
@@ -86,7 +85,7 @@ inline HWND Name_Field(HWND dialog) {
   return combo ? combo : GetDlgItem(dialog, 0x480);
 }
 
-/** Steps: press a button of the menu; answer the file dialog with a path, or with null cancel it; close a message box. */
+/** Steps: press a button of the menu; answer the file dialog with a path, or with null cancel it. */
 inline void Then_Press(int button) {
   steps.push_back([=] {
     const HWND menu = Find_Menu();
@@ -103,21 +102,6 @@ inline void Then_Answer_File(const char* path, std::string* proposed = nullptr) 
     return PostMessageA(dialog, WM_COMMAND, path ? IDOK : IDCANCEL, 0) != 0;
   });
 }
-inline void Then_Close_Box(const char* title, std::string* text) {
-  steps.push_back([=] {
-    const HWND box = Find_Top("#32770", title);
-    char shown[300] = "";
-    if (!box) return false;
-    for (HWND child = GetWindow(box, GW_CHILD); child && !shown[0]; child = GetWindow(child, GW_HWNDNEXT)) {
-      char name[32] = "";
-      GetClassNameA(child, name, sizeof name);
-      if (lstrcmpiA(name, "Static") == 0) GetWindowTextA(child, shown, sizeof shown);
-    }
-    *text = shown;
-    return PostMessageA(box, WM_COMMAND, IDOK, 0) != 0;
-  });
-}
-
 /* ---- The page ------------------------------------------------------------------------------------------------------------- */
 
 /** The messages that reached a window's own procedure, numbers and parameters. */
@@ -143,12 +127,9 @@ inline HWND Page_Window(HWND parent, int left, int top, int width, int height) {
   return window;
 }
 
-struct ShellTest : testing::Test {
+struct ShellTest : testing::Test, PluginPage {
   const Bytes frame = Read_File("tile-96x64-q40.jpg");
   const HWND parent = Page_Window(nullptr, 60, 50, 400, 300), window = Page_Window(parent, 20, 30, 160, 120);
-  Plugin plugin = {};
-  Page page = {};
-  int loaded = 0;
 
   ShellTest() {
     steps.clear();
@@ -162,38 +143,10 @@ struct ShellTest : testing::Test {
     DestroyWindow(parent);
     Pump_Messages(20);
   }
-
-  /** The maker's values of the mouse; one without a value is removed. */
-  static void Set_Mouse(std::optional<uint8_t> left, std::optional<uint8_t> right) {
-    const auto number = [](std::optional<uint8_t> value) { return value ? std::optional(Number(*value)) : std::nullopt; };
-    Set_Value(HKEY_LOCAL_MACHINE, MakerKey, "Mouse_LButton", REG_DWORD, number(left));
-    Set_Value(HKEY_LOCAL_MACHINE, MakerKey, "Mouse_RButton", REG_DWORD, number(right));
-  }
-  void Load(uint16_t version = 11) {
-    std::string error;
-    ASSERT_TRUE(Plugin_Load("velarto.dll", version, &plugin, &error)) << error;
-    ++loaded;
-  }
-  /** Loads with these settings of the mouse, and shows an instance with an open stream in the window. */
-  void Open(uint8_t left, uint8_t right, uint16_t version = 11) {
-    Set_Mouse(left, right);
-    Load(version);
-    ASSERT_EQ(Page_Open(&page, &plugin), NPERR_NO_ERROR);
-    ASSERT_EQ(Page_Set_Window(&page, window), NPERR_NO_ERROR);
-    ASSERT_EQ(Page_New_Stream(&page, "video/x-orvistream", "http://camera/live"), NPERR_NO_ERROR);
-  }
-  void Close() {
-    if (page.instance.pdata) Page_Close(&page);
-    if (loaded) Plugin_Unload(&plugin);
-    loaded = 0;
-  }
-  /** Brings bytes to the plug-in as offered, the messages running between the pieces. */
-  void Feed(const Bytes& bytes) {
-    for (size_t at = 0; at < bytes.size();) {
-      const int32_t taken = Page_Deliver(&page, std::span(bytes).subspan(at));
-      at += static_cast<size_t>(taken);
-      ASSERT_GT(taken, 0) << "held back at " << at << ", though the messages have run";
-      for (MSG message; PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE);) DispatchMessageA(&message);
-    }
+  /** Shows an instance in the window, with these settings of the mouse. */
+  void Open(DWORD left, DWORD right) {
+    Set_Value(HKEY_LOCAL_MACHINE, MakerKey, "Mouse_LButton", REG_DWORD, Number(left));
+    Set_Value(HKEY_LOCAL_MACHINE, MakerKey, "Mouse_RButton", REG_DWORD, Number(right));
+    Show(window);
   }
 };

@@ -16,19 +16,20 @@ struct ShellMouseTest : ShellTest {
   LRESULT Poke() { return SendMessageA(window, WM_USER + 1, 1, 2); }
 };
 
-TEST_F(ShellMouseTest, PlainItHandlesNothing) {
+TEST_F(ShellMouseTest, PlainItOnlyAsksTheBrowser) {
   Open(0, 0);
   EXPECT_EQ(Right_Click(window) + Poke(), 0);
   EXPECT_TRUE(seen.empty()) << "its own procedure is not called";
   // By default the parent is asked for a cursor.
   SendMessageA(window, WM_SETCURSOR, Id(window), MAKELPARAM(HTCLIENT, WM_MOUSEMOVE));
   EXPECT_TRUE(seen == (Seen{{Id(parent), WM_SETCURSOR, Id(window), MAKELPARAM(HTCLIENT, WM_MOUSEMOVE)}}));
-}
-
-TEST_F(ShellMouseTest, ANewBrowserMakesItPlain) {
-  Open(1, 1, 12);
-  EXPECT_EQ(Right_Click(window) + Poke(), 0);
-  EXPECT_EQ(Find_Menu(), nullptr);
+  SendMessageA(window, 1125, 0, 0);
+  EXPECT_EQ(page.wanted, std::vector<std::string>{"http://camera/live"});
+  EXPECT_TRUE(page.streaming);
+  SendMessageA(window, 1124, 0, 0);
+  EXPECT_FALSE(page.streaming);
+  Close();
+  EXPECT_EQ(Poke(), OwnResult) << "the instance gone, the window is its own again";
 }
 
 TEST_F(ShellMouseTest, ForwardingTheParentGetsTheRightButton) {
@@ -47,26 +48,6 @@ TEST_F(ShellMouseTest, WithTheMenuTheClickGoesOnToTheWindow) {
   Then_Press(1002);
   EXPECT_EQ(Right_Click(window), 2 * OwnResult);
   EXPECT_EQ(seen.size(), 2u);
-}
-
-TEST_F(ShellMouseTest, TheBrowserIsAskedByMessages) {
-  Open(0, 0);
-  SendMessageA(window, 1125, 0, 0);
-  EXPECT_EQ(page.wanted, std::vector<std::string>{"http://camera/live"});
-  EXPECT_TRUE(page.streaming);
-  SendMessageA(window, 1124, 0, 0);
-  EXPECT_FALSE(page.streaming);
-  // The instance gone, the window is its own again.
-  Close();
-  EXPECT_EQ(Poke(), OwnResult);
-}
-
-TEST_F(ShellMouseTest, AnIncompatibleBrowserIsTurnedAway) {
-  Set_Mouse(0, 1);
-  std::string error;
-  EXPECT_FALSE(Plugin_Load("velarto.dll", 0x0100, &plugin, &error));
-  EXPECT_NE(error.find('8'), std::string::npos) << error;
-  Plugin_Unload(&plugin);
 }
 
 }  // namespace
