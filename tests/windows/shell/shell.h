@@ -55,29 +55,17 @@ inline void CALLBACK Try_Step(HWND, UINT, UINT_PTR timer, DWORD) {
   SetTimer(nullptr, 0, 50, Try_Step);
 }
 
-struct Search {
-  const char *type, *title;  // Each may be null.
-  HWND found;
-};
-inline BOOL CALLBACK Look_At(HWND window, LPARAM param) {
-  auto* const search = reinterpret_cast<Search*>(param);
-  if (!IsWindowVisible(window)) return TRUE;
-  char text[256] = "", name[256] = "";
-  GetClassNameA(window, name, sizeof name);
-  GetWindowTextA(window, text, sizeof text);
-  const auto fits = [](const char* wanted, const char* found) { return !wanted || lstrcmpiA(wanted, found) == 0; };
-  if (fits(search->type, name) && fits(search->title, text)) search->found = window;
-  return !search->found;
+/** A dialog of this thread with that title that is to be seen, or null. */
+inline HWND Find_Dialog(const char* title) {
+  const auto fits = [](HWND dialog) {
+    return IsWindowVisible(dialog) && GetWindowThreadProcessId(dialog, nullptr) == GetCurrentThreadId();
+  };
+  HWND dialog = nullptr;
+  do dialog = FindWindowExA(nullptr, dialog, "#32770", title);
+  while (dialog && !fits(dialog));
+  return dialog;
 }
-/** A window of this thread that is to be seen, or null. */
-inline HWND Find_Top(const char* type, const char* title) {
-  Search search = {type, title, nullptr};
-  EnumThreadWindows(GetCurrentThreadId(), Look_At, reinterpret_cast<LPARAM>(&search));
-  return search.found;
-}
-
-/** The record menu: a dialog without a title. */
-inline HWND Find_Menu() { return Find_Top("#32770", ""); }
+inline HWND Find_Menu() { return Find_Dialog(""); }
 
 /** The field of the file dialog that takes the name, in either of its styles. */
 inline HWND Name_Field(HWND dialog) {
@@ -94,7 +82,7 @@ inline void Then_Press(int button) {
 }
 inline void Then_Answer_File(const char* path, std::string* proposed = nullptr) {
   steps.push_back([=] {
-    const HWND dialog = Find_Top("#32770", "Save Video Stream...");
+    const HWND dialog = Find_Dialog("Save Video Stream...");
     char name[300] = "";
     if (!dialog || !GetWindowTextA(Name_Field(dialog), name, sizeof name)) return false;
     if (proposed) *proposed = name;
@@ -102,6 +90,7 @@ inline void Then_Answer_File(const char* path, std::string* proposed = nullptr) 
     return PostMessageA(dialog, WM_COMMAND, path ? IDOK : IDCANCEL, 0) != 0;
   });
 }
+
 /* ---- The page ------------------------------------------------------------------------------------------------------------- */
 
 /** The messages that reached a window's own procedure, numbers and parameters. */
