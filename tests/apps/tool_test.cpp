@@ -148,16 +148,11 @@ TEST_F(ToolTest, StaysSmallAndTellsWhatIsMissing) {
   EXPECT_EQ(Read_Text(alone + ".out"), "velarto: can't start " + alone + "-live: No such file or directory\n");
 }
 
-TEST_F(ToolTest, TcpSourcesAreReadToTheirEnd) {
-  const std::string stream = Read_Text(sample);
-  {
-    const RudeServer server({[&](int client) { Send(client, stream); }});
-    Expect_In(Run("info " + server.Name("tcp")).out, "\n120 frames, 18 bytes skipped");
-  }
-  const std::string cut = stream.substr(0, stream.size() - 1000);  // Inside the last frame.
+TEST_F(ToolTest, ATcpSourceIsReadToItsEnd) {
+  const std::string stream = Read_Text(sample), cut = stream.substr(0, stream.size() - 1000);  // Inside the last frame.
   const RudeServer server({[&](int client) { Send(client, cut); }});
-  const Outcome outcome = Run("export " + server.Name("tcp") + " -o %d.bmp --every 60");
-  EXPECT_EQ(outcome.out, "2 pictures written\n");
+  const Outcome outcome = Run("info " + server.Name("tcp"));
+  Expect_In(outcome.out, "\n119 frames, ");
   EXPECT_EQ(outcome.code, 0);
 }
 
