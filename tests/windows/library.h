@@ -72,21 +72,26 @@ inline void Pump_Messages(DWORD milliseconds) {
   } while (GetTickCount() - start < milliseconds);
 }
 
-/** A visible top-level window of white, with a client area of that size, at the screen's upper left. */
+/** A visible window of white with that procedure: in its parent's client area, or above all others on the screen. */
+inline HWND Make_Window(WNDPROC procedure, HWND parent, int left, int top, int width, int height) {
+  WNDCLASSA type = {};
+  type.lpfnWndProc = procedure;
+  type.hInstance = GetModuleHandleA(nullptr);
+  type.hbrBackground = static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH));
+  type.lpszClassName = "velarto test";
+  RegisterClassA(&type);
+  const DWORD style = (parent ? WS_CHILD : WS_POPUP) | WS_VISIBLE;
+  const HWND window = CreateWindowExA(parent ? 0 : WS_EX_TOPMOST, type.lpszClassName, "", style, left, top, width, height, parent,
+                                      nullptr, type.hInstance, nullptr);
+  UpdateWindow(window);
+  return window;
+}
+
+/** A window with a client area of that size, at the screen's upper left. */
 struct Window {
   HWND handle;
 
-  Window(int width, int height, int left = 40, int top = 40) {
-    WNDCLASSA windowClass = {};
-    windowClass.lpfnWndProc = DefWindowProcA;
-    windowClass.hbrBackground = static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH));
-    windowClass.lpszClassName = "velarto test";
-    RegisterClassA(&windowClass);
-    handle = CreateWindowExA(WS_EX_TOPMOST, "velarto test", "", WS_POPUP | WS_VISIBLE, left, top, width, height, nullptr, nullptr,
-                             nullptr, nullptr);
-    UpdateWindow(handle);
-    Pump_Messages(200);
-  }
+  Window(int width, int height) : handle(Make_Window(DefWindowProcA, nullptr, 40, 40, width, height)) { Pump_Messages(200); }
   ~Window() {
     DestroyWindow(handle);
     Pump_Messages(20);

@@ -93,36 +93,21 @@ inline void Then_Answer_File(const char* path, std::string* proposed = nullptr) 
 
 /* ---- The page ------------------------------------------------------------------------------------------------------------- */
 
-/** The messages that reached a window's own procedure, numbers and parameters. */
-inline std::vector<std::array<LONG_PTR, 4>> seen;
+inline HWND seenBy;  // The window whose own procedure got a mouse message last.
 
 inline LRESULT CALLBACK Page_Proc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-  if (message == WM_RBUTTONDOWN || message == WM_RBUTTONUP || message == WM_SETCURSOR || message == WM_USER + 1) {
-    seen.push_back({reinterpret_cast<LONG_PTR>(window), static_cast<LONG_PTR>(message), static_cast<LONG_PTR>(wParam), lParam});
-    return OwnResult;
-  }
-  return DefWindowProcA(window, message, wParam, lParam);
-}
-
-inline HWND Page_Window(HWND parent, int left, int top, int width, int height) {
-  WNDCLASSA type = {};
-  type.lpfnWndProc = Page_Proc;
-  type.hInstance = GetModuleHandleA(nullptr);
-  type.lpszClassName = "velarto page";
-  RegisterClassA(&type);
-  const HWND window = CreateWindowExA(0, "velarto page", "", (parent ? WS_CHILD : WS_POPUP) | WS_VISIBLE, left, top, width,
-                                      height, parent, nullptr, type.hInstance, nullptr);
-  UpdateWindow(window);
-  return window;
+  if (message != WM_RBUTTONDOWN && message != WM_RBUTTONUP) return DefWindowProcA(window, message, wParam, lParam);
+  seenBy = window;
+  return OwnResult;
 }
 
 struct ShellTest : testing::Test, PluginPage {
   const Bytes frame = Read_File("tile-96x64-q40.jpg");
-  const HWND parent = Page_Window(nullptr, 60, 50, 400, 300), window = Page_Window(parent, 20, 30, 160, 120);
+  const HWND parent = Make_Window(Page_Proc, nullptr, 60, 50, 400, 300),
+             window = Make_Window(Page_Proc, parent, 20, 30, 160, 120);
 
   ShellTest() {
     steps.clear();
-    seen.clear();
     static const UINT_PTR timer = SetTimer(nullptr, 0, 50, Try_Step);
     EXPECT_NE(timer, 0u);
   }

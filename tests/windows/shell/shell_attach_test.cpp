@@ -1,18 +1,20 @@
-// Coming and going of the library: what it reads from and writes to the registry, and that it leaves nothing behind.
+// Coming and going of the library: what it reads from and writes to the registry, what its window then does of the mouse and
+// tells the browser, and that nothing is left behind.
 #include "windows/shell/shell.h"
 
 namespace {
 
 struct ShellAttachTest : ShellTest {
   static void Come_And_Go() { FreeLibrary(LoadLibraryA("velarto.dll")); }
-  /** The answer to a right click: 0 plain, 1 forwarded, OwnResult behind the menu. */
-  LRESULT Mode() {
+  /** The answer to a right click, and whose procedure got it. */
+  std::pair<LRESULT, HWND> Mode() {
     Show(window);
+    seenBy = nullptr;
     steps.push_back([] { return Find_Menu() && PostMessageA(Find_Menu(), WM_COMMAND, IDCANCEL, 0); });
     const LRESULT answer = SendMessageA(window, WM_RBUTTONDOWN, 0, 0);
     steps.clear();
     Close();
-    return answer;
+    return {answer, seenBy};
   }
 };
 
@@ -47,15 +49,28 @@ TEST_F(ShellAttachTest, ReadsTheMouseFromTheMakersKey) {
     Set_Value(HKEY_LOCAL_MACHINE, MakerKey, "Mouse_RButton", REG_BINARY, right);
     return Mode();
   };
-  EXPECT_EQ(mode(none, Number(0x101), Number(0)), 1);
-  EXPECT_EQ(mode(none, Number(0), Number(0x201)), OwnResult);
-  EXPECT_EQ(mode(none, Bytes(5, 1), Number(0)), 0) << "longer than four bytes";
+  const auto plain = std::pair(LRESULT{0}, HWND{}), forwarded = std::pair(LRESULT{1}, parent),
+             menu = std::pair(OwnResult, window);
+  EXPECT_EQ(mode(none, Number(0x101), Number(0)), forwarded);
+  EXPECT_EQ(mode(none, Number(0), Number(0x201)), menu);
+  EXPECT_EQ(mode(none, Bytes(5, 1), Number(0)), plain) << "longer than four bytes";
   // A short value leaves little room for those that are read after it.
-  EXPECT_EQ(mode(Bytes{9}, Number(1), none), 0);
-  EXPECT_EQ(mode(Bytes{9}, Bytes{1}, Bytes{0}), 1);
-  EXPECT_EQ(mode(none, none, none), 0);
+  EXPECT_EQ(mode(Bytes{9}, Number(1), none), plain);
+  EXPECT_EQ(mode(Bytes{9}, Bytes{1}, Bytes{0}), forwarded);
+  EXPECT_EQ(mode(none, none, none), plain);
   RegDeleteKeyA(HKEY_LOCAL_MACHINE, MakerKey);
-  EXPECT_EQ(Mode(), 0) << "without the key";
+  EXPECT_EQ(Mode(), plain) << "without the key";
+}
+
+TEST_F(ShellAttachTest, TheBrowserIsAskedByMessages) {
+  Open(0, 0);
+  SendMessageA(window, 1125, 0, 0);
+  EXPECT_EQ(page.wanted, std::vector<std::string>{"http://camera/live"});
+  EXPECT_TRUE(page.streaming);
+  SendMessageA(window, 1124, 0, 0);
+  EXPECT_FALSE(page.streaming);
+  Close();
+  EXPECT_EQ(SendMessageA(window, WM_RBUTTONUP, 0, 0), OwnResult) << "the instance gone, the window is its own again";
 }
 
 TEST_F(ShellAttachTest, FiftyTimesInAPageItLeavesNoHandle) {
