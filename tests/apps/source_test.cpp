@@ -53,7 +53,9 @@ struct SourceTest : ToolTest {
                          (size_t)(frames[to].offset - frames[from].offset) + frames[to].bytes.size());
   }
   /** The source gives what the file gives. */
-  void Expect_Sample(const std::string& name) const { EXPECT_EQ(Run("info " + name).out, Run("info " + sample).out) << name; }
+  void Expect_Sample(const std::string& name, const std::string& program = VELARTO_TOOL_PATH) const {
+    EXPECT_EQ(Run("info " + name, program).out, Run("info " + sample).out) << name;
+  }
   const std::string stream = Read_Text(sample);
   FrameWalk walk;
   std::vector<WalkedFrame> frames;
@@ -102,11 +104,7 @@ TEST_F(SourceTest, UserAndPasswordAreGivenAndNotShown) {
   const Site site(server);
   for (const std::string path : {"/basic", "/digest"}) {
     Expect_Sample("http://ada:se%40cret@" + site.host + path);
-    setenv("VELARTO_USER", "ada", 1);
-    setenv("VELARTO_PASSWORD", "se@cret", 1);
-    Expect_Sample("http://" + site.host + path);
-    unsetenv("VELARTO_USER");
-    unsetenv("VELARTO_PASSWORD");
+    Expect_Sample("http://" + site.host + path, "VELARTO_USER=ada VELARTO_PASSWORD=se@cret " VELARTO_TOOL_PATH);
     for (const std::string user : {"", "ada:wrong@"}) {
       Expect_Failure("info http://" + user + site.host + path, "read http://" + site.host + path + ": the server answered 401");
     }
