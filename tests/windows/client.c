@@ -1,6 +1,7 @@
-/* A client in plain C: the JDEC_ operations through the header's prototypes, linked, by name and by ordinal; and the other two
- * families with an eye on the stack, as programs without a header have them, Visual Basic's among them: an operation is declared by
- * its arguments (Declare Function vb_JDEC_New Lib "velarto.dll" [Alias "#6"] (ByVal width As Long, ByVal height As Long) As Long). */
+/* A client in plain C: the JDEC_ operations through the header's prototypes, linked; and the other two families with an eye on the
+ * stack, as programs without a header have them, Visual Basic's among them: an operation is declared by its arguments (Declare
+ * Function vb_JDEC_New Lib "velarto.dll" [Alias "#6"] (ByVal width As Long, ByVal height As Long) As Long). All of them are found by
+ * name and by ordinal. */
 #include "velarto.h"
 
 #include <windows.h>
@@ -11,45 +12,37 @@
 #include <string.h>
 
 /* The picture that is fed, and its BMP file as each way to the DLL gives it. */
-enum { Width = 96, Height = 64, Quality = 40, BmpSize = Width * Height * 3 + 54, Ways = 9 };
+enum { Width = 96, Height = 64, Quality = 40, BmpSize = Width * Height * 3 + 54, Ways = 4 };
 static uint8_t frame[4096], bmp[Ways][BmpSize];
 static uint32_t frameSize;
 static HMODULE library;
-static int byOrdinal, failures;
+static int failures;
 #define CHECK(condition) ((condition) ? (void)0 : (void)(++failures, printf("line %d: %s\n", __LINE__, #condition)))
 
+/* The operation, which is the same by its name and by its ordinal. */
 static void* Find(const char* name, int ordinal) {
-  void* const found = (void*)GetProcAddress(library, byOrdinal ? MAKEINTRESOURCEA(ordinal) : name);
+  const FARPROC found = GetProcAddress(library, name);
   if (!found) exit(printf("%s is missing\n", name));
-  return found;
+  if (found != GetProcAddress(library, MAKEINTRESOURCEA(ordinal))) exit(printf("%s is not number %d\n", name, ordinal));
+  return (void*)found;
 }
 
 /* ---- The header's prototypes ---------------------------------------------------------------------------------------------- */
 
-/* clang-format off */
-#define USED(X) X(JDEC_Init, 31) X(JDEC_Exit, 27) X(JDEC_New, 32) X(JDEC_Free, 29) X(JDEC_Draw_Init, 26) \
-  X(JDEC_Receive_Data, 33) X(JDEC_get_size, 43) X(JDEC_Get_Quality, 30) X(JDEC_get_decompressed_bitmap_ex2, 42) \
-  X(JDEC_Write_JFIF_File, 38)
-#define FIELD(name, ordinal) __typeof__(&name) name;
-#define LINKED(name, ordinal) name,
-#define FOUND(name, ordinal) (__typeof__(&name))Find(#name, ordinal),
-typedef struct { USED(FIELD) } Operations;
-/* clang-format on */
-
-static void Run_Main(Operations dll, uint8_t* picture) {
+static void Run_Linked(uint8_t* picture) {
   int32_t status = 0, width = 0, height = 0;
   FILE* const file = fopen("client.jpg", "w+b");
-  CHECK(dll.JDEC_Init() == 1);
-  JdecDecoder* const decoder = dll.JDEC_New(320, 240);
-  CHECK(dll.JDEC_Draw_Init(decoder, NULL) == 1);
-  CHECK(dll.JDEC_Receive_Data(decoder, (int32_t)frameSize, frame, &status) == (int32_t)frameSize);
-  dll.JDEC_get_size(decoder, &width, &height);
-  CHECK(width == Width && height == Height && dll.JDEC_Get_Quality(decoder) == Quality);
-  CHECK(dll.JDEC_get_decompressed_bitmap_ex2(decoder, picture, BmpSize) == BmpSize);
-  CHECK(dll.JDEC_Write_JFIF_File(decoder, file) == 2 && ftell(file) == (long)frameSize);
+  CHECK(JDEC_Init() == 1);
+  JdecDecoder* const decoder = JDEC_New(320, 240);
+  CHECK(JDEC_Draw_Init(decoder, NULL) == 1);
+  CHECK(JDEC_Receive_Data(decoder, (int32_t)frameSize, frame, &status) == (int32_t)frameSize);
+  JDEC_get_size(decoder, &width, &height);
+  CHECK(width == Width && height == Height && JDEC_Get_Quality(decoder) == Quality);
+  CHECK(JDEC_get_decompressed_bitmap_ex2(decoder, picture, BmpSize) == BmpSize);
+  CHECK(JDEC_Write_JFIF_File(decoder, file) == 2 && ftell(file) == (long)frameSize);
   fclose(file);
-  dll.JDEC_Free(decoder);
-  dll.JDEC_Exit();
+  JDEC_Free(decoder);
+  JDEC_Exit();
 }
 
 /* ---- Without a header ----------------------------------------------------------------------------------------------------- */
@@ -155,13 +148,12 @@ int main(void) {
   library = LoadLibraryA("velarto.dll");
   if (!library || !file) exit(printf("no velarto.dll, or no frame\n"));
   frameSize = (uint32_t)fread(frame, 1, sizeof frame, file);
-  Run_Main((Operations){USED(LINKED)}, bmp[0]);
-  for (byOrdinal = 0; byOrdinal < 2; ++byOrdinal) {
-    uint8_t(*const pictures)[BmpSize] = &bmp[1 + 4 * byOrdinal];
-    Run_Main((Operations){USED(FOUND)}, pictures[0]);
-    Run_Cdecl(pictures[1]);
-    Run_Stdcall(pictures[2], pictures[3]);
-  }
+  Find("JDEC_Draw_Init", 26), Find("JDEC_Exit", 27), Find("JDEC_Free", 29), Find("JDEC_Get_Quality", 30), Find("JDEC_Init", 31);
+  Find("JDEC_New", 32), Find("JDEC_Receive_Data", 33), Find("JDEC_Write_JFIF_File", 38), Find("JDEC_get_size", 43);
+  Find("JDEC_get_decompressed_bitmap_ex2", 42);
+  Run_Linked(bmp[0]);
+  Run_Cdecl(bmp[1]);
+  Run_Stdcall(bmp[2], bmp[3]);
   for (int way = 1; way < Ways; ++way) CHECK(memcmp(bmp[way], bmp[0], BmpSize) == 0);
   if (!failures) printf("ok: %d ways to the same picture\n", Ways);
   return failures != 0;
