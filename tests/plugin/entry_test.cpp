@@ -47,11 +47,8 @@ TEST_F(PluginTest, VersionsNullsAndMemory) {
 TEST_F(PluginTest, StreamsKeepVideoUrlsAndAskAgainWithoutAWindow) {
   const auto* const decoder = Open(0, 0, nullptr);
   const std::string most(1023, 'u'), more(1024, 'u');
-  const std::tuple<const char*, std::string, std::string> video = {"a video b", most, most}, cases[] = {video,
-                                                                                                        {"Video", "a", most},
-                                                                                                        {nullptr, "a", most},
-                                                                                                        {"video", more, ""},
-                                                                                                        {"video/x", "b", "b"}};
+  const std::tuple<const char*, std::string, std::string> cases[] = {
+      {"a video b", most, most}, {"Video", "a", most}, {nullptr, "a", most}, {"video", more, ""}, {"video/x", "b", "b"}};
   for (const auto& [type, url, expected] : cases) {
     stream.url = url.c_str();
     EXPECT_TRUE(New_Stream(type) == NPERR_NO_ERROR && decoder->streamState == 1 && decoder->npStream == &stream);
