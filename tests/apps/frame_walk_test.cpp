@@ -69,6 +69,7 @@ TEST_F(FrameWalkTest, PiecesAndHostileBytesChangeNothing) {
   ASSERT_GT(expected.size(), 5u);
   EXPECT_EQ(expected[0], Place(40, 112));
   EXPECT_EQ(expected[1], Place(40 + 112 + 2 + 42, 526));
+  EXPECT_EQ(expected[2], Place(40 + 112 + 2 + 42 + 526 + 66 + 90, 12));
   for (const size_t largest : {1u, 2u, 3u, 17u, 600u, 5000u}) {
     FrameWalk walk;
     EXPECT_EQ(Walk_In_Pieces(stream, largest, &walk), expected) << "pieces of up to " << largest;
@@ -81,8 +82,10 @@ TEST_F(FrameWalkTest, AStartWithoutAnEndIsGivenUp) {
   const auto jfif = std::search(sample.begin(), sample.end(), mark.begin(), mark.end()) - 6;
   Bytes start(jfif, jfif + 700);
   start.resize(FrameStoreSize + 1000, 0x11);
-  FrameWalk walk;
-  EXPECT_EQ(Walk_In_Pieces(Joined({start, Compact(64)}), 4096, &walk), std::vector<Place>({{FrameStoreSize + 1000, 76}}));
+  FrameWalk full, ended;
+  EXPECT_EQ(Walk_In_Pieces(Joined({start, Compact(64)}), 4096, &full), std::vector<Place>({{FrameStoreSize + 1000, 76}}));
+  start.resize(300);  // Too short to be known as one.
+  EXPECT_EQ(Walk_In_Pieces(Joined({start, Compact(64)}), 4096, &ended), std::vector<Place>({{300, 76}}));
 }
 
 }  // namespace
