@@ -1,7 +1,7 @@
-/* A client in plain C: the JDEC_ operations through the header's prototypes, linked; and the other two families with an eye on the
- * stack, as programs without a header have them, Visual Basic's among them: an operation is declared by its arguments (Declare
- * Function vb_JDEC_New Lib "velarto.dll" [Alias "#6"] (ByVal width As Long, ByVal height As Long) As Long). All of them are found by
- * name and by ordinal. */
+/* A client in plain C: the JDEC_ operations through the header's prototypes, linked; and the other two families with an eye on
+ * the stack, as programs without a header have them, Visual Basic's among them: an operation is declared by its arguments
+ * (Declare Function vb_JDEC_New Lib "velarto.dll" [Alias "#6"] (ByVal width As Long, ByVal height As Long) As Long). All of them
+ * are found by name and by ordinal. */
 #include "velarto.h"
 
 #include <windows.h>
