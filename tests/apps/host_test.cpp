@@ -4,42 +4,34 @@
 
 namespace {
 
-struct HostTest : ToolTest {
-  Outcome Run_Host(const std::string& arguments, const std::string& input = "") const {
-    return Run("--version >/dev/null; " + input + " " VELARTO_HOST_PATH " " + arguments);
-  }
-  void Expect_Refused(const std::string& arguments, const std::string& text, int code = 1) const {
-    const Outcome outcome = Run_Host(arguments);
-    const size_t line = outcome.err.find("velarto-host: ");
-    EXPECT_TRUE(outcome.code == code && line != std::string::npos) << arguments << ": " << outcome.code << outcome.err;
-    EXPECT_EQ(outcome.out, "") << arguments;
-    if (line == std::string::npos) return;
-    EXPECT_NE(outcome.err.find(text, line), std::string::npos) << outcome.err;
-    EXPECT_EQ(outcome.err.find('\n', line), outcome.err.size() - 1) << outcome.err;
-  }
-};
+using HostTest = ToolTest;
 
 TEST_F(HostTest, AStreamReachesThePlugInWhole) {
-  const std::string size = std::to_string(4 * fs::file_size(sample)) + " bytes delivered, ";
-  const std::string files = "cat '" + sample + "' '" + sample + "' '" + sample + "' '" + sample + "'";
-  Run_Host("--version", files + " >four.vlr;");
-  for (const std::string options : {"- --version-word 0x000C", "four.vlr --menu --child --size 200x150 --screen 16"}) {
-    const Outcome outcome = Run_Host("--quit " + options, options[0] == '-' ? files + " |" : "");
-    EXPECT_TRUE(outcome.code == 0 && outcome.out.find(size) != std::string::npos) << outcome.out << outcome.err;
+  std::string four;
+  for (int i = 0; i < 4; ++i) four += Read_Text(sample);
+  Write("four.vlr", four);
+  const std::pair<std::string, const char*> calls[] = {{"- --version-word 0x000C", "cat four.vlr | " VELARTO_HOST_PATH},
+                                                       {"four.vlr --menu --child --size 200x150 --screen 16", VELARTO_HOST_PATH}};
+  for (const auto& [options, program] : calls) {
+    const Outcome outcome = Run("--quit " + options, program);
+    EXPECT_EQ(outcome.code, 0) << outcome.err;
+    Expect_In(outcome.out, std::to_string(four.size()) + " bytes delivered, ");
     EXPECT_TRUE(outcome.out.ends_with(" 1 stream\n")) << outcome.out;
   }
 }
 
 TEST_F(HostTest, WhatCannotBeIsToldInOneLine) {
-  Expect_Refused("--version-word 0x0100 '" + sample + "'",
-                 "libvelarto.so does not start for this browser: NP_Initialize gives 8");
-  Expect_Refused("--library missing.so '" + sample + "'", "can't load missing.so: ");
-  Expect_Refused("--library libm.so.6 '" + sample + "'", "libm.so.6 is no plug-in: it has no NP_GetEntryPoints");
+  const auto expect_refused = [&](const std::string& options, const std::string& file, const std::string& text, int code = 1) {
+    Expect_Failure(options + " '" + file + "'", text, code, VELARTO_HOST_PATH);
+  };
+  expect_refused("--version-word 0x0100", sample, "libvelarto.so does not start for this browser: NP_Initialize gives 8");
+  expect_refused("--library missing.so", sample, "can't load missing.so: ");
+  expect_refused("--library libm.so.6", sample, "libm.so.6 is no plug-in: it has no NP_GetEntryPoints");
   // With a window system of its own it knows none of ours.
-  Expect_Refused("--library " VELARTO_LIBRARY_PATH " '" + sample + "'", "does not take the window over; only the library in");
-  Expect_Refused("missing.vlr", "can't open missing.vlr");
-  Expect_Refused("--size 640 x", "640 is no size such as", 2);
-  Expect_Refused("--loop -", "only a file can be read again", 2);
+  expect_refused("--library " VELARTO_LIBRARY_PATH, sample, "does not take the window over; only the library in");
+  expect_refused("", "missing.vlr", "can't open missing.vlr");
+  expect_refused("--size 640", "x", "640 is no size such as", 2);
+  expect_refused("--loop", "-", "only a file can be read again", 2);
 }
 
 TEST(Browser, WithoutAWindowBytesAreHeldBackAndAskedForAgain) {
@@ -50,7 +42,7 @@ TEST(Browser, WithoutAWindowBytesAreHeldBackAndAskedForAgain) {
   ASSERT_TRUE(Plugin_Load(VELARTO_LIBRARY_PATH, 0x000B, &plugin, &error)) << error;
   ASSERT_EQ(Page_Open(&page, &plugin), NPERR_NO_ERROR);
   ASSERT_EQ(Page_New_Stream(&page, "video/x-orvistream", "http://camera/live"), NPERR_NO_ERROR);
-  const std::vector<uint8_t> bytes(RingSize, 7);
+  const Bytes bytes(RingSize, 7);
   while (Page_Deliver(&page, bytes) > 0) continue;
   EXPECT_TRUE(page.delivered == RingSize && page.heldBack == 1) << page.delivered;
   Page_End_Stream(&page, NPRES_NETWORK_ERR);

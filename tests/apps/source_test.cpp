@@ -42,21 +42,21 @@ void Answer(int client, const std::string& bytes) {
 
 struct SourceTest : ToolTest {
   SourceTest() {
-    JDEC_Init();
     unsetenv("http_proxy");
     Walk_Add(&walk, {(const uint8_t*)stream.data(), stream.size()});
     for (WalkedFrame frame; Walk_Next(&walk, &frame);) frames.push_back(frame);
     serve = [this](auto&, auto& answer) { answer.set_content(stream, "video/x-orvistream"); };
   }
-  ~SourceTest() override { JDEC_Exit(); }
   /** The sample's bytes from one frame's start to another's end. */
   std::string Stretch(size_t from, size_t to) const {
     return stream.substr((size_t)frames[from].offset,
                          (size_t)(frames[to].offset - frames[from].offset) + frames[to].bytes.size());
   }
   /** The source gives what the file gives. */
-  void Expect_Sample(const std::string& name) const { EXPECT_EQ(Run("info " + name).out, Run("info " + sample).out) << name; }
-  const std::string stream = ::Read_File(fs::path(sample));
+  void Expect_Sample(const std::string& name, const std::string& program = VELARTO_TOOL_PATH) const {
+    EXPECT_EQ(Run("info " + name, program).out, Run("info " + sample).out) << name;
+  }
+  const std::string stream = Read_Text(sample);
   FrameWalk walk;
   std::vector<WalkedFrame> frames;
   httplib::Server server;
@@ -77,7 +77,7 @@ TEST_F(SourceTest, HttpGivesTheFramesOfTheFile) {
   const std::string name = "http://" + site.host;
   for (const char* const path : {"/file", "/live", "/moved"}) Expect_Sample(name + path);
   EXPECT_EQ(Run("record " + name + "/file -o all").code, 0);
-  EXPECT_TRUE(::Read_File(folder / "all") == stream);  // Delivered whole: that is the end.
+  EXPECT_TRUE(Read_Text(folder / "all") == stream);  // Delivered whole: that is the end.
   Expect_Failure("view http://eve:secret@" + site.host + "/no", "can't read " + name + "/no: the server answered 404");
   Expect_Failure("info " + name + "/loop", "redirects");
 }
@@ -104,11 +104,7 @@ TEST_F(SourceTest, UserAndPasswordAreGivenAndNotShown) {
   const Site site(server);
   for (const std::string path : {"/basic", "/digest"}) {
     Expect_Sample("http://ada:se%40cret@" + site.host + path);
-    setenv("VELARTO_USER", "ada", 1);
-    setenv("VELARTO_PASSWORD", "se@cret", 1);
-    Expect_Sample("http://" + site.host + path);
-    unsetenv("VELARTO_USER");
-    unsetenv("VELARTO_PASSWORD");
+    Expect_Sample("http://" + site.host + path, "VELARTO_USER=ada VELARTO_PASSWORD=se@cret " VELARTO_TOOL_PATH);
     for (const std::string user : {"", "ada:wrong@"}) {
       Expect_Failure("info http://" + user + site.host + path, "read http://" + site.host + path + ": the server answered 401");
     }
@@ -126,17 +122,21 @@ TEST_F(SourceTest, AnUnknownCertificateIsRefused) {
   Expect_Failure("info https://" + Site(secure).host, "self-signed certificate");
 }
 
-std::vector<std::string> Taken_Apart(const std::string& type, const std::string& text, size_t piece) {
-  Multipart parts;
-  EXPECT_TRUE(Multipart_Type(type, &parts.boundary));
-  std::vector<std::string> found;
-  std::span<const uint8_t> body;
-  for (size_t at = 0; at < text.size(); at += piece) {
-    Multipart_Add(&parts, {(const uint8_t*)&text[at], std::min(piece, text.size() - at)});
-    while (Multipart_Next(&parts, &body)) found.emplace_back(body.begin(), body.end());
-    EXPECT_LE(parts.held.size(), LargestPart + 2 * piece);
+/** A body that arrives in pieces of these sizes has these parts, of which no more is held than may be. */
+void Expect_Parts(const std::string& type, const std::string& text, const std::vector<std::string>& expected,
+                  std::initializer_list<size_t> pieces) {
+  for (const size_t piece : pieces) {
+    Multipart parts;
+    EXPECT_TRUE(Multipart_Type(type, &parts.boundary));
+    std::vector<std::string> found;
+    std::span<const uint8_t> body;
+    for (size_t at = 0; at < text.size(); at += piece) {
+      Multipart_Add(&parts, {(const uint8_t*)&text[at], std::min(piece, text.size() - at)});
+      while (Multipart_Next(&parts, &body)) found.emplace_back(body.begin(), body.end());
+      EXPECT_LE(parts.held.size(), LargestPart + 2 * piece);
+    }
+    EXPECT_EQ(found, expected) << type << " in pieces of " << piece << ": " << text.substr(0, 300);
   }
-  return found;
 }
 
 TEST(Multipart, SpellingsAndPiecesChangeNothing) {
@@ -151,37 +151,31 @@ TEST(Multipart, SpellingsAndPiecesChangeNothing) {
         if (spelling & 2) text += "CONTENT-LENGTH:  " + std::to_string(body.size()) + end;
         text += end + body + end;
       }
-      for (const size_t piece : {1u, 2u, 3u, 11u, 1000u})
-        EXPECT_EQ(Taken_Apart(type, text + "--foo--", piece), bodies) << type << spelling;
+      Expect_Parts(type, text + "--foo--", bodies, {1, 2, 3, 11, 1000});
     }
   }
 }
 
 TEST(Multipart, WrongLengthsLoseNoPart) {
-  const std::vector<std::string> bodies = {"alpha alpha", "beta beta beta", "gamma gamma", "delta delta"};
-  const size_t right = bodies[1].size();
-  for (const size_t wrong : {right - 11, right - 2, right + 26, size_t{2000000}, LargestPart + 1}) {
+  const std::string given = "beta beta beta";
+  for (const size_t wrong : {given.size() - 11, given.size() - 2, given.size() + 26, size_t{2000000}, LargestPart + 1}) {
+    std::vector<std::string> expected = {"alpha alpha", given, "gamma gamma", "delta delta"};
     std::string text;
-    for (const std::string& body : bodies) {
-      const size_t length = body.size() == right ? wrong : body.size();
+    for (const std::string& body : expected) {
+      const size_t length = body == given ? wrong : body.size();
       text += "--foo\r\nContent-Length: " + std::to_string(length) + "\r\n\r\n" + body + "\r\n";
     }
-    auto expected = bodies;
-    if (wrong < right) expected.insert(expected.begin() + 1, bodies[1].substr(0, wrong));
-    for (const size_t piece : {1u, 2u, 3u, 11u, 1000u})
-      EXPECT_EQ(Taken_Apart("multipart/x; boundary=foo", text + "--foo--", piece), expected) << wrong << " " << piece;
+    if (wrong < given.size()) expected.insert(expected.begin() + 1, given.substr(0, wrong));
+    Expect_Parts("multipart/x; boundary=foo", text + "--foo--", expected, {1, 2, 3, 11, 1000});
   }
 }
 
 TEST(Multipart, WhatHasNoEndIsNotKept) {
-  const std::string endless(3 * LargestPart, 'y'), good = "\n--foo\n\nwell\n--foo\n";
-  for (const std::string start : {"", "--foo\r\n", "--foo\r\n\r\n", "--foo\r\nContent-Length: 99999999\r\n\r\n"}) {
-    EXPECT_EQ(Taken_Apart("multipart/x; boundary=foo", start + endless + good, 65536), std::vector<std::string>({"well"}))
-        << start;
-  }
-  EXPECT_EQ(Taken_Apart("multipart/x; boundary=foo", "--foo\nContent-Length: 2\n\nab" + std::string(endless.size(), '\n') + good,
-                        65536),
-            std::vector<std::string>({"ab", "well"}));
+  const std::string type = "multipart/x; boundary=foo", endless(3 * LargestPart, 'y'), lines(3 * LargestPart, '\n'),
+                    good = "\n--foo\n\nwell\n--foo\n";
+  for (const std::string start : {"", "--foo\r\n", "--foo\r\n\r\n", "--foo\r\nContent-Length: 99999999\r\n\r\n"})
+    Expect_Parts(type, start + endless + good, {"well"}, {65536});
+  Expect_Parts(type, "--foo\nContent-Length: 2\n\nab" + lines + good, {"ab", "well"}, {65536});
 }
 
 TEST_F(SourceTest, PicturesOfOtherCamerasBecomeFrames) {
@@ -192,7 +186,7 @@ TEST_F(SourceTest, PicturesOfOtherCamerasBecomeFrames) {
   for (const std::string maker : {"-quality 75", "-quality 40", "-quality 98", "-progressive", "-sample 1x1", "-optimize",
                                   "-restart 1", "-grayscale", own.c_str(), "-quality 75 | jpegtran -crop 150x100+0+0"}) {
     Shell("djpeg " + Data_Path("scene-q75.jpg") + " | cjpeg " + maker + " > " + part);
-    const Bytes jpeg = ::Read_File(part);
+    const Bytes jpeg = Read_File(part);
     Bytes frame, none;
     PartConverter converter;
     ASSERT_TRUE(Part_To_Frame(&converter, jpeg, &frame)) << maker;
@@ -224,7 +218,7 @@ TEST_F(SourceTest, ABrokenConnectionIsMadeAnew) {
     EXPECT_EQ(outcome.code, 0);
     const std::string line = "velarto: " + rude.Name(scheme) + ": the connection ";
     EXPECT_EQ(outcome.err, line + "was lost (the other side ended it); trying again\n" + line + "is back\n");
-    EXPECT_TRUE(::Read_File(folder / "live") == first + rest);
+    EXPECT_TRUE(Read_Text(folder / "live") == first + rest);
   }
 }
 
@@ -235,14 +229,14 @@ TEST_F(SourceTest, RecordEndsOnASignalBehindTheLastWholeFrame) {
   const char* const line[] = {VELARTO_TOOL_PATH, "record", name.c_str(), "-o", path.c_str(), nullptr};
   pid_t process = 0;
   ASSERT_EQ(posix_spawn(&process, VELARTO_TOOL_PATH, nullptr, nullptr, const_cast<char* const*>(line), environ), 0);
-  while (::Read_File(fs::path(path)).size() < first.size()) std::this_thread::yield();
+  while (Read_Text(path).size() < first.size()) std::this_thread::yield();
   const auto begin = std::chrono::steady_clock::now();
   kill(process, SIGINT);
   int status = -1;
   waitpid(process, &status, 0);
   EXPECT_EQ(status, 0);
   EXPECT_LT(std::chrono::steady_clock::now() - begin, StallTimeOut / 2);
-  EXPECT_TRUE(::Read_File(fs::path(path)) == first);
+  EXPECT_TRUE(Read_Text(path) == first);
 }
 
 TEST_F(SourceTest, FailuresAreOneLine) {

@@ -1,24 +1,26 @@
 // The tool as a user runs it.
 #pragma once
 
-#include <gtest/gtest.h>
+#include "support/streams.h"
+
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <string>
-#include <vector>
+#include <regex>
 
 namespace fs = std::filesystem;
 
 inline const std::string sample = VELARTO_SOURCE_DIR "/samples/street.vlr";
 
-inline std::string Read_File(const fs::path& path) {
+inline std::string Read_Text(const fs::path& path) {
   std::ifstream file(path, std::ios::binary);
   return {std::istreambuf_iterator<char>(file), {}};
+}
+
+inline void Expect_In(const std::string& text, const std::string& part) {
+  EXPECT_NE(text.find(part), text.npos) << part << " in " << text;
 }
 
 struct Outcome {
@@ -26,21 +28,33 @@ struct Outcome {
   std::string out, err;
 };
 
-/** A folder for the files of one test, and the tool run in it. */
-class ToolTest : public testing::Test {
- protected:
-  void SetUp() override {
-    folder = fs::path(testing::TempDir()) / ("velarto-tool-" + std::to_string(getpid()));
+/** A folder for the files of one test, and programs run in it. */
+struct ToolTest : LibraryTest {
+  const fs::path folder = testing::TempDir() + "velarto-tool-" + std::to_string(getpid());
+
+  ToolTest() {
+    setenv("SDL_VIDEODRIVER", "dummy", 1);
     fs::remove_all(folder);
     fs::create_directory(folder);
   }
-  void TearDown() override { fs::remove_all(folder); }
+  ~ToolTest() override { fs::remove_all(folder); }
 
-  Outcome Run(const std::string& arguments) const {
-    const std::string line =
-        "cd '" + folder.string() + "' && { SDL_VIDEODRIVER=dummy " VELARTO_TOOL_PATH " " + arguments + "; } >out 2>err";
+  /** What the library says of each decoder's speed is left out of `err`. */
+  Outcome Run(const std::string& arguments, const std::string& program = VELARTO_TOOL_PATH) const {
+    const std::string line = "cd '" + folder.string() + "' && { " + program + " " + arguments + "; } >out 2>err";
     const int status = std::system(line.c_str());
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, Read_File(folder / "out"), Read_File(folder / "err")};
+    const std::string err = std::regex_replace(Read_Text(folder / "err"), std::regex("speed=.*\n"), "");
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, Read_Text(folder / "out"), err};
+  }
+  /** Nothing but one line of error, with that text in it, and that exit code. */
+  void Expect_Failure(const std::string& arguments, const std::string& text, int code = 1,
+                      const std::string& program = VELARTO_TOOL_PATH) const {
+    const Outcome outcome = Run(arguments, program);
+    EXPECT_EQ(outcome.code, code) << arguments;
+    EXPECT_EQ(outcome.out, "") << arguments;
+    EXPECT_TRUE(outcome.err.starts_with(fs::path(program).filename().string() + ": ")) << arguments << ": " << outcome.err;
+    EXPECT_EQ(std::ranges::count(outcome.err, '\n'), 1) << arguments << ": " << outcome.err;
+    Expect_In(outcome.err, text);
   }
   void Write(const std::string& name, const std::string& bytes) const { std::ofstream(folder / name, std::ios::binary) << bytes; }
   std::vector<std::string> Pictures() const {
@@ -52,13 +66,4 @@ class ToolTest : public testing::Test {
     std::ranges::sort(names);
     return names;
   }
-  /** One line of error, with that text in it, and exit code 1. */
-  void Expect_Failure(const std::string& arguments, const std::string& text) const {
-    const Outcome outcome = Run(arguments);
-    EXPECT_EQ(outcome.code, 1) << arguments;
-    EXPECT_TRUE(outcome.err.starts_with("velarto: ")) << arguments << ": " << outcome.err;
-    EXPECT_EQ(std::ranges::count(outcome.err, '\n'), 1) << outcome.err;
-    EXPECT_NE(outcome.err.find(text), std::string::npos) << arguments << ": " << outcome.err;
-  }
-  fs::path folder;
 };

@@ -1,22 +1,14 @@
 #include "apps/velarto/viewer.h"
 
-#include "apps/velarto/picture.h"
-#include "apps/velarto/stream.h"
+#include "apps/tool.h"
 #include "platform/portable/screen.h"
 
-#include <gtest/gtest.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
-#include <filesystem>
-#include <fstream>
 #include <functional>
-#include <iterator>
 #include <thread>
 
 namespace {
-
-const std::string sample = VELARTO_SOURCE_DIR "/samples/street.vlr";
 
 /** What the test does while the viewer runs: looks in after each change of the window's pixels. */
 struct Watcher {
@@ -48,36 +40,41 @@ std::string Title() {
   return title;
 }
 
-class ViewerTest : public testing::Test {
- protected:
-  void SetUp() override {
+/** The colours of the picture's place in the window, top row first. */
+std::vector<uint32_t> Shown() {
+  std::vector<uint32_t> colors(320 * 240);
+  Screen_Copy_Colors(watcher.window, {0, 0, 320, 240}, colors.data(), 320 * 4);
+  return colors;
+}
+
+struct ViewerTest : ToolTest {
+  ViewerTest() {
     watcher = {};
     Screen_Set_Up(Screen_Of_Depth(32));
     Screen_Set_Desktop({Created, nullptr, Pixels_Changed, Destroyed, Pump, nullptr});
-    folder = std::filesystem::path(testing::TempDir()) / ("velarto-viewer-" + std::to_string(getpid()));
-    std::filesystem::remove_all(folder);
-    std::filesystem::create_directory(folder);
     options.feed = {.source = sample, .framesPerSecond = 200, .loop = true};
-    options.snapshots = folder.string();
-    Library_Start("");
+    options.snapshots = folder;
   }
-  void TearDown() override {
-    JDEC_Exit();
+  ~ViewerTest() override {
     Screen_Set_Desktop({});
     Screen_Remove();
-    std::filesystem::remove_all(folder);
+  }
+  /** A pipe that takes the place of the recording. */
+  std::string Pipe() const {
+    const std::string path = folder / "pipe";
+    EXPECT_EQ(mkfifo(path.c_str(), 0600), 0);
+    return path;
   }
   ViewerOptions options;
-  std::filesystem::path folder;
 };
 
 TEST_F(ViewerTest, ShowsThePictureThatASnapshotSaves) {
-  uint32_t shownColors[3] = {};
+  std::vector<uint32_t> shown, saved;
   std::string title;
   watcher.onChange = [&] {
-    if (watcher.changes == 5) Press('s');
     if (watcher.changes != 5) return;
-    for (int32_t i = 0; i < 3; ++i) shownColors[i] = Screen_Window_Color(watcher.window, 20 + 130 * i, 200 - 60 * i);
+    Press('s');
+    shown = Shown();
     title = Title();
     Press('q');
   };
@@ -86,16 +83,16 @@ TEST_F(ViewerTest, ShowsThePictureThatASnapshotSaves) {
   EXPECT_EQ(watcher.created, 1);
   EXPECT_EQ(watcher.destroyed, 1);
 
-  const auto entry = std::filesystem::directory_iterator(folder);
-  ASSERT_NE(entry, std::filesystem::directory_iterator());
-  EXPECT_TRUE(entry->path().filename().string().starts_with("velarto-20"));
-  std::ifstream file(entry->path(), std::ios::binary);
-  const std::vector<uint8_t> bmp{std::istreambuf_iterator<char>(file), {}};
+  const std::vector<std::string> files = Pictures();
+  ASSERT_EQ(files.size(), 1u);
+  EXPECT_TRUE(files[0].starts_with("velarto-20"));
+  const Bytes bmp = Read_File(folder / files[0]);
   ASSERT_EQ(bmp.size(), 54u + 320 * 240 * 3);
-  for (int32_t i = 0; i < 3; ++i) {
-    const uint8_t* const pixel = &bmp[static_cast<size_t>(54 + ((239 - (200 - 60 * i)) * 320 + 20 + 130 * i) * 3)];
-    EXPECT_EQ(shownColors[i], static_cast<uint32_t>(pixel[2] << 16 | pixel[1] << 8 | pixel[0])) << "place " << i;
+  for (size_t i = 0; i < 320 * 240; ++i) {
+    const uint8_t* const pixel = &bmp[54 + ((239 - i / 320) * 320 + i % 320) * 3];
+    saved.push_back(static_cast<uint32_t>(pixel[2] << 16 | pixel[1] << 8 | pixel[0]));
   }
+  EXPECT_TRUE(shown == saved);
 }
 
 TEST_F(ViewerTest, PauseHoldsTheRecording) {
@@ -122,9 +119,8 @@ TEST_F(ViewerTest, PauseHoldsTheRecording) {
 
 /** All frames come at once and the screen is slow: of a recording each is shown, of a live source the last and few before it. */
 TEST_F(ViewerTest, LiveFramesAreOvertaken) {
-  const std::string pipe = (folder / "pipe").string();
-  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
-  std::thread camera([&] { std::ofstream(pipe, std::ios::binary) << std::ifstream(sample, std::ios::binary).rdbuf(); });
+  const std::string pipe = Pipe();
+  std::thread camera([&] { Write("pipe", Read_Text(sample)); });
   std::vector<uint32_t> last[2];
   int32_t changes[2] = {};
   for (const int32_t live : {0, 1}) {
@@ -132,8 +128,7 @@ TEST_F(ViewerTest, LiveFramesAreOvertaken) {
     watcher.onChange = [] { Sleep(5); };
     watcher.onIdle = [&] {
       if (Title().find("ended") == std::string::npos) return;
-      last[live].resize(320 * 240);
-      Screen_Copy_Colors(watcher.window, {0, 0, 320, 240}, last[live].data(), 320 * 4);
+      last[live] = Shown();
       Press('q');
     };
     options.feed = {.source = live ? pipe : sample, .framesPerSecond = 1000};
@@ -180,12 +175,8 @@ TEST_F(ViewerTest, OverlaysByKeysAndClicks) {
 
 /** A frame of another size brings another display. */
 TEST_F(ViewerTest, OverlaysComeBackAfterASizeChange) {
-  std::ofstream file(folder / "sizes", std::ios::binary);
-  for (const char* const name : {"tile-96x64-q40.jpg", "tile-64x48-q75.jpg"}) {
-    file << std::ifstream(std::string(VELARTO_SOURCE_DIR "/tests/data/") + name, std::ios::binary).rdbuf();
-  }
-  file.close();
-  options.feed = {.source = (folder / "sizes").string(), .framesPerSecond = 20};
+  Write("sizes", Read_Text(Data_Path("tile-96x64-q40.jpg")) + Read_Text(Data_Path("tile-64x48-q75.jpg")));
+  options.feed = {.source = folder / "sizes", .framesPerSecond = 20};
   options.overlays.layer = true;
   options.overlays.marked[1][1] = true;
   watcher.onIdle = [&] {
@@ -231,15 +222,13 @@ TEST_F(ViewerTest, EndsByItselfAndTellsFailures) {
   EXPECT_EQ(Viewer_Run(options), 0);
 
   testing::internal::CaptureStderr();
-  options.feed.source = folder.string();
+  options.feed.source = folder;
   EXPECT_EQ(Viewer_Run(options), 1);
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "velarto: " + folder.string() + " is a directory\n");
   EXPECT_EQ(watcher.created, 2);
 
   // A source that says nothing: a window opens all the same, and quits at once.
-  const std::string pipe = (folder / "pipe").string();
-  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
-  options.feed.source = pipe;
+  options.feed.source = Pipe();
   uint32_t pressed = 0;
   watcher.onIdle = [&] {
     if (watcher.created == 3 && pressed == 0) Press('q'), pressed = GetTickCount();

@@ -12,13 +12,13 @@ constexpr char MakerKey[] = "HKEY_LOCAL_MACHINE\\Software\\Orvane Instruments, I
 constexpr LRESULT OwnResult = 42;
 
 inline std::vector<std::string> asked;  // URLs that the browser was asked for, and "end".
-inline HWND seenBy;                     // The window whose own procedure got a message last.
+inline MSG seen;                        // What a window's own procedure got last.
 inline std::function<void()> poked;     // What the next WM_APP does.
 
 inline LRESULT Page_Proc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
   if (message == WM_PAINT || message == WM_ERASEBKGND) return DefWindowProcA(window, message, wParam, lParam);
   if (message == WM_APP && poked) std::exchange(poked, nullptr)();
-  seenBy = window;
+  seen = {window, message, wParam, lParam, 0, {}};
   return OwnResult;
 }
 

@@ -2,14 +2,16 @@
 #include "plugin/instances.h"
 
 TEST_F(PluginTest, SlotsAreRefilledAndTheMarkStaysAboveTheHighest) {
-  Start(0, 0);
+  Start(1, 0);
   std::vector<NPInstance> many(MostInstances + 1);
   std::vector<int32_t> marks;
   const auto note = [&](NPError) { marks.push_back(instanceHighWater); };
   note(Add(&many[0])), note(Add(&many[1])), note(plugin.destroy(&many[1], nullptr)), note(plugin.destroy(&many[0], nullptr));
   EXPECT_EQ(marks, (std::vector{0, 1, 1, 0})) << "a free slot above the highest";
   for (NPInstance& each : many) ASSERT_EQ(Add(&each), NPERR_NO_ERROR);
-  Adopt(&many.back(), window);
+  const HWND listed = Page_Window(page, 0, 0, 9, 9);
+  Adopt(&many[MostInstances - 1], listed), Adopt(&many.back(), window);
+  EXPECT_EQ(SendMessageA(listed, WM_APP, 0, 0), OwnResult);
   EXPECT_EQ(SendMessageA(window, WM_APP, 0, 0), 0) << "unlisted: default handling";
   plugin.destroy(&many[5], nullptr);
   EXPECT_EQ(instanceHighWater, MostInstances - 1);
@@ -45,11 +47,8 @@ TEST_F(PluginTest, VersionsNullsAndMemory) {
 TEST_F(PluginTest, StreamsKeepVideoUrlsAndAskAgainWithoutAWindow) {
   const auto* const decoder = Open(0, 0, nullptr);
   const std::string most(1023, 'u'), more(1024, 'u');
-  const std::tuple<const char*, std::string, std::string> video = {"a video b", most, most}, cases[] = {video,
-                                                                                                        {"Video", "a", most},
-                                                                                                        {nullptr, "a", most},
-                                                                                                        {"video", more, ""},
-                                                                                                        {"video/x", "b", "b"}};
+  const std::tuple<const char*, std::string, std::string> cases[] = {
+      {"a video b", most, most}, {"Video", "a", most}, {nullptr, "a", most}, {"video", more, ""}, {"video/x", "b", "b"}};
   for (const auto& [type, url, expected] : cases) {
     stream.url = url.c_str();
     EXPECT_TRUE(New_Stream(type) == NPERR_NO_ERROR && decoder->streamState == 1 && decoder->npStream == &stream);

@@ -8,13 +8,17 @@ static char Road(HWND window, UINT number, HWND changer) {
   const HPALETTE before = SelectPalette(dc, CreatePalette(&other), FALSE);
   RealizePalette(dc);
   DeleteObject(SelectPalette(dc, before, FALSE));
-  seenBy = nullptr;
-  const LRESULT result = SendMessageA(window, number, reinterpret_cast<WPARAM>(changer), 0);
+  seen = {};
+  const auto wParam = reinterpret_cast<WPARAM>(changer);
+  const LPARAM lParam = number == WM_NOTIFY ? 0 : 7;
+  const LRESULT result = SendMessageA(window, number, wParam, lParam);
   PALETTEENTRY entry = {};
   GetSystemPaletteEntries(dc, 10, 1, &entry);
   ReleaseDC(nullptr, dc);
-  const char own = seenBy == window && result == OwnResult ? 'C' : seenBy && seenBy != window && result == 1 ? 'P' : '?';
-  return static_cast<char>((seenBy ? own : result == 0 ? 'D' : '0' + result) | (entry.peRed != 9 ? 0x20 : 0));
+  const bool whole = seen.message == number && seen.wParam == wParam && seen.lParam == lParam;
+  const char who = seen.hwnd == window && result == OwnResult ? 'C' : seen.hwnd == GetParent(window) && result == 1 ? 'P' : '?';
+  const char road = !seen.hwnd ? static_cast<char>(result == 0 ? 'D' : '0' + result) : whole ? who : '?';
+  return static_cast<char>(road | (entry.peRed != 9 ? 0x20 : 0));
 }
 
 TEST_F(PluginTest, EachModeHandlesTheMessagesThatItShould) {
@@ -76,9 +80,10 @@ TEST_F(PluginTest, MenuLooksAndActsAsTheRecordingAllows) {
   EXPECT_EQ(Menu(window, StopButtonId), "011");
   Feed(Prefixed_Frame(small.compact, 0x08));
   EXPECT_EQ(Menu(window, CloseButtonId), "001") << "the camera forbids it";
-  Menu(window, CloseButtonId, [&](HWND menu) {
+  const std::string again = Menu(window, CloseButtonId, [&](HWND menu) {
     End_Instance();
     SendMessageA(menu, WM_COMMAND, RecordButtonId, 0);
     EXPECT_EQ(Screen_Dialog(), menu) << "without the instance the button does nothing";
   });
+  EXPECT_EQ(again, "001") << "closing it had started nothing";
 }

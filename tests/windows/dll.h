@@ -4,9 +4,6 @@
 
 #include "windows/library.h"
 
-#include <algorithm>
-#include <cstdlib>
-
 inline bool Form_Is_DirectDraw() {
   const char* const form = std::getenv("VELARTO_FORM");
   EXPECT_NE(form, nullptr) << "VELARTO_FORM is not set";
@@ -31,16 +28,16 @@ struct DllTest : testing::Test {
   void TearDown() override { dll.JDEC_Free(decoder); }
 
   /** The decoder's picture as the screen should show it at 1:1, top row first. */
-  Bytes Expected(int* width, int* height) {
-    dll.JDEC_get_size(decoder, width, height);
-    if (Screen_Depth() == 8) return Expected_Of_Indices(*width, *height);
-    Bytes bmp(static_cast<size_t>(*width) * *height * 3 + 54);
+  Bytes Expected() {
+    int width = 0, height = 0;
+    dll.JDEC_get_size(decoder, &width, &height);
+    if (Screen_Depth() == 8) return Expected_Of_Indices(width, height);
+    Bytes bmp(static_cast<size_t>(width) * height * 3 + 54), pixels;
     EXPECT_EQ(dll.JDEC_get_decompressed_bitmap_ex2(decoder, bmp.data(), static_cast<int32_t>(bmp.size())),
               static_cast<int32_t>(bmp.size()));
-    Bytes pixels;
-    for (int y = *height - 1; y >= 0; --y) {
-      for (int x = 0; x < *width; ++x) {
-        const uint8_t* const pixel = &bmp[54 + (static_cast<size_t>(y) * *width + x) * 3];
+    for (int y = height - 1; y >= 0; --y) {
+      for (int x = 0; x < width; ++x) {
+        const uint8_t* const pixel = &bmp[54 + (static_cast<size_t>(y) * width + x) * 3];
         pixels.insert(pixels.end(), {pixel[0], pixel[1], pixel[2], 0});
       }
     }
@@ -54,19 +51,13 @@ struct DllTest : testing::Test {
     EXPECT_EQ(format, 0);
     Bytes pixels;
     for (int y = height - 1; y >= 0; --y) {
-      for (int x = 0; x < width; ++x) {
-        const Bytes color = Palette_Color(indices[y * width + x]);
-        pixels.insert(pixels.end(), color.begin(), color.end());
-      }
+      for (int x = 0; x < width; ++x) Append(&pixels, Palette_Color(indices[y * width + x]));
     }
     return pixels;
   }
 
   /** Waits until the window shows the decoder's picture, repainting now and then; gives how many pixels still differ. */
-  int Differing_Pixels(HWND window) {
-    int width = 0, height = 0;
-    return Differing_Pixels(window, Expected(&width, &height));
-  }
+  int Differing_Pixels(HWND window) { return Differing_Pixels(window, Expected()); }
   int Differing_Pixels(HWND window, const Bytes& expected) {
     // On 8 bits Wine keeps some of the screen's entries for itself, so that a few colours are replaced by their neighbours in the
     // palette, a step of chroma away.

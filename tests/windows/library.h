@@ -7,9 +7,11 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
-#include <cstdio>
 #include <cstdlib>
+#include <fstream>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -70,21 +72,26 @@ inline void Pump_Messages(DWORD milliseconds) {
   } while (GetTickCount() - start < milliseconds);
 }
 
-/** A visible top-level window of white, with a client area of that size, at the screen's upper left. */
+/** A visible window of white with that procedure: in its parent's client area, or above all others on the screen. */
+inline HWND Make_Window(WNDPROC procedure, HWND parent, int left, int top, int width, int height) {
+  WNDCLASSA type = {};
+  type.lpfnWndProc = procedure;
+  type.hInstance = GetModuleHandleA(nullptr);
+  type.hbrBackground = static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH));
+  type.lpszClassName = "velarto test";
+  RegisterClassA(&type);
+  const DWORD style = (parent ? WS_CHILD : WS_POPUP) | WS_VISIBLE;
+  const HWND window = CreateWindowExA(parent ? 0 : WS_EX_TOPMOST, type.lpszClassName, "", style, left, top, width, height, parent,
+                                      nullptr, type.hInstance, nullptr);
+  UpdateWindow(window);
+  return window;
+}
+
+/** A window with a client area of that size, at the screen's upper left. */
 struct Window {
   HWND handle;
 
-  Window(int width, int height, int left = 40, int top = 40) {
-    WNDCLASSA windowClass = {};
-    windowClass.lpfnWndProc = DefWindowProcA;
-    windowClass.hbrBackground = static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH));
-    windowClass.lpszClassName = "velarto test";
-    RegisterClassA(&windowClass);
-    handle = CreateWindowExA(WS_EX_TOPMOST, "velarto test", "", WS_POPUP | WS_VISIBLE, left, top, width, height, nullptr, nullptr,
-                             nullptr, nullptr);
-    UpdateWindow(handle);
-    Pump_Messages(200);
-  }
+  Window(int width, int height) : handle(Make_Window(DefWindowProcA, nullptr, 40, 40, width, height)) { Pump_Messages(200); }
   ~Window() {
     DestroyWindow(handle);
     Pump_Messages(20);
@@ -149,10 +156,17 @@ inline Bytes Palette_Color(int index) {
 }
 
 inline Bytes Read_File(const std::string& name) {
-  FILE* const file = std::fopen(name.c_str(), "rb");
-  EXPECT_NE(file, nullptr) << name;
-  Bytes bytes(1 << 20);
-  bytes.resize(file ? std::fread(bytes.data(), 1, bytes.size(), file) : 0);
-  if (file) std::fclose(file);
-  return bytes;
+  std::ifstream file(name, std::ios::binary);
+  EXPECT_TRUE(file) << name;
+  return Bytes(std::istreambuf_iterator<char>(file), {});
+}
+
+inline void Append(Bytes* bytes, const Bytes& more) { bytes->insert(bytes->end(), more.begin(), more.end()); }
+
+/** How many GDI objects, user objects and handles the process has. */
+inline std::array<DWORD, 3> Handle_Counts() {
+  const HANDLE process = GetCurrentProcess();
+  DWORD handles = 0;
+  GetProcessHandleCount(process, &handles);
+  return {GetGuiResources(process, GR_GDIOBJECTS), GetGuiResources(process, GR_USEROBJECTS), handles};
 }

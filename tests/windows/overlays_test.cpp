@@ -28,8 +28,7 @@ struct OverlayTest : DllTest {
   }
   /** The pixels that are not the picture with that ink over it; on 8 bits inks are the nearest colours there are. */
   int Wrong_Pixels(const std::function<Ink(int x, int y)>& ink) {
-    int width = 0, height = 0;
-    Bytes expected = Expected(&width, &height);
+    Bytes expected = Expected();
     const Bytes inks[] = {{}, As_Shown({0, 0, 255, 0}, true), As_Shown({255, 0, 0, 0}, true), As_Shown({64, 0, 0, 0}, true)};
     for (int i = 0; directDraw && i < Width * Height; ++i) {
       const Ink over = ink(i % Width, i / Width);

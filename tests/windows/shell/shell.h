@@ -1,8 +1,7 @@
 // The plug-in in a browser's page on Windows: registry, window, and a user who clicks in the dialogs that hold the page up.
 #pragma once
 
-#include "apps/host/browser.h"
-#include "windows/library.h"
+#include "windows/page.h"
 
 #include <commctrl.h>
 #include <deque>
@@ -56,29 +55,17 @@ inline void CALLBACK Try_Step(HWND, UINT, UINT_PTR timer, DWORD) {
   SetTimer(nullptr, 0, 50, Try_Step);
 }
 
-struct Search {
-  const char *type, *title;  // Each may be null.
-  HWND found;
-};
-inline BOOL CALLBACK Look_At(HWND window, LPARAM param) {
-  auto* const search = reinterpret_cast<Search*>(param);
-  if (!IsWindowVisible(window)) return TRUE;
-  char text[256] = "", name[256] = "";
-  GetClassNameA(window, name, sizeof name);
-  GetWindowTextA(window, text, sizeof text);
-  const auto fits = [](const char* wanted, const char* found) { return !wanted || lstrcmpiA(wanted, found) == 0; };
-  if (fits(search->type, name) && fits(search->title, text)) search->found = window;
-  return !search->found;
+/** A dialog of this thread with that title that is to be seen, or null. */
+inline HWND Find_Dialog(const char* title) {
+  const auto fits = [](HWND dialog) {
+    return IsWindowVisible(dialog) && GetWindowThreadProcessId(dialog, nullptr) == GetCurrentThreadId();
+  };
+  HWND dialog = nullptr;
+  do dialog = FindWindowExA(nullptr, dialog, "#32770", title);
+  while (dialog && !fits(dialog));
+  return dialog;
 }
-/** A window of this thread that is to be seen, or null. */
-inline HWND Find_Top(const char* type, const char* title) {
-  Search search = {type, title, nullptr};
-  EnumThreadWindows(GetCurrentThreadId(), Look_At, reinterpret_cast<LPARAM>(&search));
-  return search.found;
-}
-
-/** The record menu: a dialog without a title. */
-inline HWND Find_Menu() { return Find_Top("#32770", ""); }
+inline HWND Find_Menu() { return Find_Dialog(""); }
 
 /** The field of the file dialog that takes the name, in either of its styles. */
 inline HWND Name_Field(HWND dialog) {
@@ -86,7 +73,7 @@ inline HWND Name_Field(HWND dialog) {
   return combo ? combo : GetDlgItem(dialog, 0x480);
 }
 
-/** Steps: press a button of the menu; answer the file dialog with a path, or with null cancel it; close a message box. */
+/** Steps: press a button of the menu; answer the file dialog with a path, or with null cancel it. */
 inline void Then_Press(int button) {
   steps.push_back([=] {
     const HWND menu = Find_Menu();
@@ -95,7 +82,7 @@ inline void Then_Press(int button) {
 }
 inline void Then_Answer_File(const char* path, std::string* proposed = nullptr) {
   steps.push_back([=] {
-    const HWND dialog = Find_Top("#32770", "Save Video Stream...");
+    const HWND dialog = Find_Dialog("Save Video Stream...");
     char name[300] = "";
     if (!dialog || !GetWindowTextA(Name_Field(dialog), name, sizeof name)) return false;
     if (proposed) *proposed = name;
@@ -103,56 +90,24 @@ inline void Then_Answer_File(const char* path, std::string* proposed = nullptr) 
     return PostMessageA(dialog, WM_COMMAND, path ? IDOK : IDCANCEL, 0) != 0;
   });
 }
-inline void Then_Close_Box(const char* title, std::string* text) {
-  steps.push_back([=] {
-    const HWND box = Find_Top("#32770", title);
-    char shown[300] = "";
-    if (!box) return false;
-    for (HWND child = GetWindow(box, GW_CHILD); child && !shown[0]; child = GetWindow(child, GW_HWNDNEXT)) {
-      char name[32] = "";
-      GetClassNameA(child, name, sizeof name);
-      if (lstrcmpiA(name, "Static") == 0) GetWindowTextA(child, shown, sizeof shown);
-    }
-    *text = shown;
-    return PostMessageA(box, WM_COMMAND, IDOK, 0) != 0;
-  });
-}
 
 /* ---- The page ------------------------------------------------------------------------------------------------------------- */
 
-/** The messages that reached a window's own procedure, numbers and parameters. */
-inline std::vector<std::array<LONG_PTR, 4>> seen;
+inline HWND seenBy;  // The window whose own procedure got a mouse message last.
 
 inline LRESULT CALLBACK Page_Proc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-  if (message == WM_RBUTTONDOWN || message == WM_RBUTTONUP || message == WM_SETCURSOR || message == WM_USER + 1) {
-    seen.push_back({reinterpret_cast<LONG_PTR>(window), static_cast<LONG_PTR>(message), static_cast<LONG_PTR>(wParam), lParam});
-    return OwnResult;
-  }
-  return DefWindowProcA(window, message, wParam, lParam);
+  if (message != WM_RBUTTONDOWN && message != WM_RBUTTONUP) return DefWindowProcA(window, message, wParam, lParam);
+  seenBy = window;
+  return OwnResult;
 }
 
-inline HWND Page_Window(HWND parent, int left, int top, int width, int height) {
-  WNDCLASSA type = {};
-  type.lpfnWndProc = Page_Proc;
-  type.hInstance = GetModuleHandleA(nullptr);
-  type.lpszClassName = "velarto page";
-  RegisterClassA(&type);
-  const HWND window = CreateWindowExA(0, "velarto page", "", (parent ? WS_CHILD : WS_POPUP) | WS_VISIBLE, left, top, width,
-                                      height, parent, nullptr, type.hInstance, nullptr);
-  UpdateWindow(window);
-  return window;
-}
-
-struct ShellTest : testing::Test {
+struct ShellTest : testing::Test, PluginPage {
   const Bytes frame = Read_File("tile-96x64-q40.jpg");
-  const HWND parent = Page_Window(nullptr, 60, 50, 400, 300), window = Page_Window(parent, 20, 30, 160, 120);
-  Plugin plugin = {};
-  Page page = {};
-  int loaded = 0;
+  const HWND parent = Make_Window(Page_Proc, nullptr, 60, 50, 400, 300),
+             window = Make_Window(Page_Proc, parent, 20, 30, 160, 120);
 
   ShellTest() {
     steps.clear();
-    seen.clear();
     static const UINT_PTR timer = SetTimer(nullptr, 0, 50, Try_Step);
     EXPECT_NE(timer, 0u);
   }
@@ -162,38 +117,10 @@ struct ShellTest : testing::Test {
     DestroyWindow(parent);
     Pump_Messages(20);
   }
-
-  /** The maker's values of the mouse; one without a value is removed. */
-  static void Set_Mouse(std::optional<uint8_t> left, std::optional<uint8_t> right) {
-    const auto number = [](std::optional<uint8_t> value) { return value ? std::optional(Number(*value)) : std::nullopt; };
-    Set_Value(HKEY_LOCAL_MACHINE, MakerKey, "Mouse_LButton", REG_DWORD, number(left));
-    Set_Value(HKEY_LOCAL_MACHINE, MakerKey, "Mouse_RButton", REG_DWORD, number(right));
-  }
-  void Load(uint16_t version = 11) {
-    std::string error;
-    ASSERT_TRUE(Plugin_Load("velarto.dll", version, &plugin, &error)) << error;
-    ++loaded;
-  }
-  /** Loads with these settings of the mouse, and shows an instance with an open stream in the window. */
-  void Open(uint8_t left, uint8_t right, uint16_t version = 11) {
-    Set_Mouse(left, right);
-    Load(version);
-    ASSERT_EQ(Page_Open(&page, &plugin), NPERR_NO_ERROR);
-    ASSERT_EQ(Page_Set_Window(&page, window), NPERR_NO_ERROR);
-    ASSERT_EQ(Page_New_Stream(&page, "video/x-orvistream", "http://camera/live"), NPERR_NO_ERROR);
-  }
-  void Close() {
-    if (page.instance.pdata) Page_Close(&page);
-    if (loaded) Plugin_Unload(&plugin);
-    loaded = 0;
-  }
-  /** Brings bytes to the plug-in as offered, the messages running between the pieces. */
-  void Feed(const Bytes& bytes) {
-    for (size_t at = 0; at < bytes.size();) {
-      const int32_t taken = Page_Deliver(&page, std::span(bytes).subspan(at));
-      at += static_cast<size_t>(taken);
-      ASSERT_GT(taken, 0) << "held back at " << at << ", though the messages have run";
-      for (MSG message; PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE);) DispatchMessageA(&message);
-    }
+  /** Shows an instance in the window, with these settings of the mouse. */
+  void Open(DWORD left, DWORD right) {
+    Set_Value(HKEY_LOCAL_MACHINE, MakerKey, "Mouse_LButton", REG_DWORD, Number(left));
+    Set_Value(HKEY_LOCAL_MACHINE, MakerKey, "Mouse_RButton", REG_DWORD, Number(right));
+    Show(window);
   }
 };
