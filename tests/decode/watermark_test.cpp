@@ -23,8 +23,9 @@ int32_t Value(int32_t parity) {
 const int32_t zero = Value(0), one = Value(1);
 
 TEST(Watermark, BlocksCarryABitByMajority) {
-  EXPECT_EQ(Watermark_Parity(-256), 0);  // Both ends of the key.
-  EXPECT_EQ(Watermark_Parity(255), 0);
+  uint64_t key = 0;  // Of all values: a text's bits hang on each.
+  for (int32_t value = -256; value <= 255; ++value) key = key * 31 + (uint64_t)(Watermark_Parity(value) + 1);
+  EXPECT_EQ(key, 0xA64FE1E8D6C32C4Du);
   for (const int32_t outside : {0, -257, 256, 100000, INT32_MIN}) EXPECT_EQ(Watermark_Parity(outside), -1) << outside;
   const auto bit = [](const std::vector<int32_t>& values) { return Watermark_Block_Bit(Block(values).data()); };
   EXPECT_EQ(bit({}), -1);
