@@ -1,6 +1,6 @@
 /* The decoder_ family: a guard against a null decoder ahead of each operation, and a few fixed answers. */
-#include "api/mime.h"
-#include "api/speed.h"
+#include "decode/speed.h"
+#include "resources/resources.h"
 
 #include <cstring>
 

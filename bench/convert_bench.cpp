@@ -1,7 +1,8 @@
 // Converters and dithering of every level: a row of 640 pixels in the cache, and whole rasters with and without it.
-#include "decode/buffers.h"
 #include "kernels/cpu.h"
 #include "pixel/color_tables.h"
+#include "pixel/memory.h"
+#include "pixel/picture.h"
 
 #include <benchmark/benchmark.h>
 #include <cstring>

@@ -1,9 +1,8 @@
 #include "bench/hostile_bodies.h"
 
-#include "decode/framing.h"
+#include "decode/frame_header.h"
 #include "decode/huffman_codes.h"
 #include "decode/quant.h"
-#include "pixel/jfif.h"
 
 #include <algorithm>
 #include <utility>
@@ -203,17 +202,15 @@ std::vector<HostileBody> Hostile_Bodies(size_t count, const Bytes& good) {
 
 Bytes Compact_Frame(int32_t width, int32_t height, int32_t quality, const Bytes& body) {
   Bytes frame(CompactHeadSize + body.size());
-  Compact_Write_Head(frame.data(), static_cast<int32_t>(body.size()), width, height, quality);
+  Compact_Header_Put(frame.data(), static_cast<int32_t>(body.size()), width, height, quality);
   std::copy(body.begin(), body.end(), frame.begin() + CompactHeadSize);
   return frame;
 }
 
 Bytes Prefixed_Frame(int32_t width, int32_t height, int32_t quality, const Bytes& body) {
   const Bytes compact = Compact_Frame(width, height, quality, body);
-  const uint8_t prefix[PrefixSize] = {0xF6, 0,    0xFF, static_cast<uint8_t>(compact.size() >> 16), 0xF9, 0, 0xDD, 0, 0, 0, 0,
-                                      0,    0xC5, 0};
   Bytes frame(PrefixSize + compact.size());
-  std::copy_n(prefix, PrefixSize, frame.begin());
+  Prefix_Write(frame.data(), static_cast<int64_t>(compact.size()));
   std::copy(compact.begin(), compact.end(), frame.begin() + PrefixSize);
   return frame;
 }

@@ -1,8 +1,11 @@
-# A kernel file's suffix names its level and so its flags. Link-time optimisation stays off there: it would let instructions
-# of one level leak into another.
-function(velarto_kernel_flags folder)
-  file(GLOB kernel_sources CONFIGURE_DEPENDS ${folder}/*.cpp)
-  foreach(source IN LISTS kernel_sources)
+# velarto_kernel_levels(LIST): removes kernel files of other processors from a list of sources, and gives the remaining ones the
+# flags of their level.
+function(velarto_kernel_levels list)
+  set(sources ${${list}})
+  if(NOT CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|x86|amd64|AMD64|i[3-6]86)$")
+    list(FILTER sources EXCLUDE REGEX "/kernels/[a-z_]+_(sse2|avx2)\\.cpp$")
+  endif()
+  foreach(source IN LISTS sources)
     if(source MATCHES "_sse2\\.cpp$")
       set_property(SOURCE ${source} APPEND PROPERTY COMPILE_OPTIONS -msse2 -fno-lto)
     elseif(source MATCHES "_avx2\\.cpp$")
@@ -11,4 +14,5 @@ function(velarto_kernel_flags folder)
       set_property(SOURCE ${source} APPEND PROPERTY COMPILE_OPTIONS -fno-lto)
     endif()
   endforeach()
+  set(${list} ${sources} PARENT_SCOPE)
 endfunction()

@@ -1,47 +1,17 @@
 #include "decode/decoder.h"
 
-#include "api/speed.h"
-#include "decode/buffers.h"
 #include "decode/frame.h"
-#include "decode/huffman_tables.h"
-#include "decode/quant.h"
-#include "decode/rows.h"
+#include "decode/global_tables.h"
+#include "decode/rasters.h"
+#include "decode/speed.h"
 #include "display/context.h"
-#include "kernels/cpu.h"
-#include "pixel/color_tables.h"
+#include "pixel/memory.h"
 
-#include <array>
 #include <mutex>
 
 LONG jdecInitCount = 0;
 /** Whoever starts the library, on whatever thread, finds the tables there when JDEC_Init returns. */
 static std::mutex initLock;
-const uint32_t* bitMasks = nullptr;
-
-static constexpr auto bitMaskStore = [] {
-  std::array<uint32_t, 32> store{};
-  for (uint32_t i = 0; i < 32; ++i) store[i] = (1u << i) - 1;
-  return store;
-}();
-
-void Init_Bit_Masks() { bitMasks = bitMaskStore.data(); }
-
-void Init_Global_Tables() {
-  rangeLimit = Init_Range_Limit();
-  Init_RGB_YCC_Table();
-  Init_YCC_RGB_Table();
-  Huff_Init_Decode_Tables();
-  Init_Bit_Masks();
-  kernels = Kernels_Select(Cpu_Levels() & kernelsAllowed);
-}
-
-void Free_Global_Tables() {
-  Free_YCC_RGB_Table();
-  Free_RGB_YCC_Table();
-  if (rangeLimit) Free_Range_Limit(rangeLimit);
-  Huff_Free_Decode_Tables();
-}
-
 int32_t VELARTO_CDECL JDEC_Init(void) {
   const std::lock_guard guard(initLock);
   if (++jdecInitCount == 1) Init_Global_Tables();
@@ -53,76 +23,6 @@ void VELARTO_CDECL JDEC_Exit(void) {
   if (--jdecInitCount >= 1) return;
   Free_Global_Tables();
   jdecInitCount = 0;
-}
-
-int32_t Picture_Size_Allowed(int32_t width, int32_t height) {
-  if (width < 1 || height < 1 || width > MaxPictureSide || height > MaxPictureSide) return 0;
-  return int64_t{width / 16} * (height / 16) <= MaxMacroblocks && int64_t{width} * height <= int64_t{MaxMacroblocks} * 256;
-}
-
-template <typename T>
-static T* Table_New() {
-  return static_cast<T*>(Arena_Alloc_Zeroed(64 * sizeof(T)));
-}
-
-static JdecFrameBuffer* Frame_Buffer_New() {
-  auto* const frame = static_cast<JdecFrameBuffer*>(Arena_Alloc_Zeroed(sizeof(JdecFrameBuffer)));
-  if (frame) frame->data = static_cast<uint8_t*>(Arena_Alloc_Zeroed(FrameStoreSize));
-  return frame;
-}
-
-JdecCodec* Codec_New(int32_t width, int32_t height) {
-  auto* const codec = static_cast<JdecCodec*>(Arena_Alloc_Zeroed(sizeof(JdecCodec)));
-  if (!codec) return nullptr;
-  codec->width = width;
-  codec->height = height;
-  codec->quality = 25;
-  codec->lumaQuant = Table_New<uint16_t>();
-  codec->chromaQuant = Table_New<uint16_t>();
-  codec->lumaForward = Table_New<int16_t>();
-  codec->chromaForward = Table_New<int16_t>();
-  codec->lumaInverse = Table_New<int16_t>();
-  codec->chromaInverse = Table_New<int16_t>();
-  codec->coefY = Coef_Plane_New(width, height);
-  codec->coefCb = Coef_Plane_New(width / 2, height / 2);
-  codec->coefCr = Coef_Plane_New(width / 2, height / 2);
-  codec->frame = Frame_Buffer_New();
-  codec->rows = Row_Store_New();
-  const bool complete = codec->lumaQuant && codec->chromaQuant && codec->lumaForward && codec->chromaForward &&
-                        codec->lumaInverse && codec->chromaInverse && codec->coefY && codec->coefCb && codec->coefCr &&
-                        codec->frame && codec->frame->data && codec->rows;
-  if (complete) return codec;
-  Codec_Free(codec);
-  return nullptr;
-}
-
-void Codec_Free(JdecCodec* codec) {
-  if (!codec) return;
-  if (codec->frame) Arena_Free(codec->frame->data);
-  Arena_Free(codec->frame);
-  Row_Store_Free(codec->rows);
-  Coef_Plane_Free(codec->coefY);
-  Coef_Plane_Free(codec->coefCb);
-  Coef_Plane_Free(codec->coefCr);
-  Arena_Free(codec->lumaQuant);
-  Arena_Free(codec->chromaQuant);
-  Arena_Free(codec->lumaForward);
-  Arena_Free(codec->chromaForward);
-  Arena_Free(codec->lumaInverse);
-  Arena_Free(codec->chromaInverse);
-  Arena_Free(codec);
-}
-
-void Codec_Set_Quality(JdecCodec* codec, int32_t quality) {
-  if (codec->quality == quality) return;
-  static constexpr int32_t scaleBits = 11;
-  codec->quality = quality;
-  Quant_Build(quality, codec->lumaQuant, codec->chromaQuant);
-  Quant_Build_Forward(codec->lumaForward, codec->lumaQuant, scaleBits);
-  Quant_Build_Forward(codec->chromaForward, codec->chromaQuant, scaleBits);
-  Quant_Build_Inverse(codec->lumaInverse, codec->lumaQuant, scaleBits);
-  Quant_Build_Inverse(codec->chromaInverse, codec->chromaQuant, scaleBits);
-  Row_Store_Set_Tables(codec->rows, codec->lumaInverse, codec->chromaInverse);
 }
 
 /** Gives the decoder all that it owns, which Decoder_Release can take back however far this came. 0 when something can't be had.

@@ -16,16 +16,16 @@ void Huff_Decode_Frame(JdecCodec* codec, int32_t** coefY, int32_t** coefCb, int3
   const int32_t start = frame->position < frame->length ? frame->position : frame->length;
   HuffReader reader = {frame->data + start, frame->data + frame->length, 0, 0};
   int32_t predictors[3] = {0, 0, 0};
-  WatermarkCollector collector;
+  WatermarkCollector* const collector = codec->watermark;
+  Watermark_Begin(collector);
   for (int32_t m = 0; m < height / 16; ++m) {
     Clear_Row(coefY[2 * m], width);
     Clear_Row(coefY[2 * m + 1], width);
     Clear_Row(coefCb[m], width / 2);
     Clear_Row(coefCr[m], width / 2);
     kernels.decodeRow(&reader, &huffTables, coefY[2 * m], coefY[2 * m + 1], coefCb[m], coefCr[m], width / 16, predictors,
-                      Watermark_Take_Block, &collector);
+                      Watermark_Take_Block, collector);
   }
-  Watermark_Publish(collector);
   codec->bitBuffer = reader.bitBuffer;
   codec->bitCount = reader.bitCount;
   codec->streamPtr = frame->data + (reader.next - frame->data);

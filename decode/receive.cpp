@@ -2,7 +2,7 @@
 
 #include "decode/frame.h"
 #include "decode/framing.h"
-#include "decode/watermark.h"
+#include "decode/watermark_text.h"
 #include "display/statistics.h"
 
 #include <algorithm>
@@ -11,8 +11,6 @@
 
 /** Milliseconds between two bit-rate texts. */
 static constexpr uint32_t StatsPeriod = 3000;
-/** Prefix byte with the flag that keeps a frame out of the recording, and the flag. */
-static constexpr int32_t PrefixFlags = 8, PrefixSkipRecording = 0x08;
 
 void Count_Bits(JdecDecoder* decoder, int32_t length) {
   const uint32_t now = GetTickCount();
@@ -151,7 +149,7 @@ static Step Push_Find_Start(JdecDecoder* decoder, Assembly* assembly) {
   }
   Open_Frame(decoder, assembly, start);
   decoder->extendedHeader = hasPrefix;
-  if (hasPrefix) decoder->skipRecording = (assembly->cursor[PrefixFlags] & PrefixSkipRecording) != 0;
+  if (hasPrefix) decoder->skipRecording = Prefix_Skips_Recording(assembly->cursor);
   return Step::Taken;
 }
 

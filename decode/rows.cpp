@@ -1,10 +1,10 @@
 #include "decode/rows.h"
 
-#include "decode/buffers.h"
 #include "decode/huffman_codes.h"
 #include "decode/idct.h"
 #include "decode/strip_tables.h"
 #include "pixel/color_tables.h"
+#include "pixel/memory.h"
 
 #include <algorithm>
 #include <cstring>
@@ -119,7 +119,7 @@ void Rows_Open(RowsRun* run, JdecCodec* codec) {
   run->reader = {codec->rows->data, 0, 0};
   std::memset(codec->rows->data, 0, StripPadding);  // Where there is no data it is all that is read.
   run->predictors[0] = run->predictors[1] = run->predictors[2] = 0;
-  run->collector.length = run->collector.bitIndex = run->collector.byte = 0;
+  Watermark_Begin(codec->watermark);
   run->row = run->column = run->strip = 0;
   run->rest = RowsRest::No;
 }
@@ -145,13 +145,13 @@ int32_t Rows_Decode_Strip(RowsRun* run) {
   Remove_Stuffing(run);
   Look_For_Rest(run);
   if (run->rest == RowsRest::Known) {
-    for (int32_t b = 0; b < 4 * run->strip; ++b) Watermark_Take_Block(&run->collector, run->restScan);
+    for (int32_t b = 0; b < 4 * run->strip; ++b) Watermark_Take_Block(run->codec->watermark, run->restScan);
     return 1;
   }
   if (int64_t{codec->width} * codec->height >= LargePicture) Fetch_Ahead(run);
   kernels.decodeStrip(&run->reader, &stripTables, store->blocks, &store->reach, run->strip);
   if (run->rest == RowsRest::First) Keep_Rest_Scan(run);
-  Take_Hidden_Bits(store, run->strip, &run->collector);
+  Take_Hidden_Bits(store, run->strip, run->codec->watermark);
   return 1;
 }
 
@@ -177,7 +177,6 @@ int32_t Rows_Transform_Strip(RowsRun* run) {
 
 void Rows_Close(RowsRun* run) {
   const JdecCodec* const codec = run->codec;
-  Watermark_Publish(run->collector);
   // A luma row of blocks below the last macroblock keeps its coefficients from frame to frame.
   const int32_t last = 2 * run->row;
   if (codec->height / 8 <= last) return;

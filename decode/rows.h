@@ -2,7 +2,7 @@
  * samples are those of Huff_Decode_Frame and IDCT_Plane (huffman_decode.h, idct.h), which are the plain road. */
 #pragma once
 
-#include "decode/decoder.h"
+#include "decode/codec.h"
 #include "decode/watermark.h"
 #include "kernels/kernels.h"
 
@@ -39,7 +39,6 @@ struct RowsRun {
   const uint8_t *stuffed, *stuffedEnd;  ///< The data that the reader doesn't have yet.
   StripReader reader;
   int32_t predictors[3];
-  WatermarkCollector collector;
   uint8_t* rows[32];    ///< Where the next samples go: 16 rows of luma, 8 of Cb, 8 of Cr.
   int32_t row, column;  ///< Macroblocks done: whole rows, and of the next row.
   int32_t strip;        ///< Macroblocks decoded and not yet transformed.
@@ -54,7 +53,7 @@ void Rows_Open(RowsRun* run, JdecCodec* codec);
 int32_t Rows_Decode_Strip(RowsRun* run);
 /** Transforms it. 1 when a row of macroblocks is complete with it. */
 int32_t Rows_Transform_Strip(RowsRun* run);
-/** Ends with what lies below the last macroblock. The frame's hidden text becomes that of the process. */
+/** Ends with what lies below the last macroblock. The codec's watermark holds the frame's hidden text now. */
 void Rows_Close(RowsRun* run);
 
 /** What is to happen to each row of macroblocks while its samples are near, and at last to what lies below. */

@@ -1,11 +1,5 @@
 #include "decode/watermark.h"
 
-#include "velarto.h"
-
-#include <cstring>
-#include <mutex>
-#include <string_view>
-
 /** The key of the channel: the bit of each coefficient value from -256 to 255. */
 static constexpr char watermarkParity[] =
     "0110110111000000001110101111110010010111101111100100101100010101"
@@ -17,13 +11,6 @@ static constexpr char watermarkParity[] =
     "0000111100111000011111101101111100101011010010100111000010000100"
     "0111101001100010110011100001001111000011011110001110001011100110";
 static_assert(sizeof watermarkParity == 512 + 1);
-
-/** Text to compare with; no operation sets another. */
-static constexpr char watermarkPattern[] = "";
-
-static std::mutex watermarkLock;
-static uint8_t watermarkText[WatermarkRoom];
-static int32_t watermarkLength = 0;
 
 int32_t Watermark_Parity(int32_t value) {
   if (value == 0 || value < -256 || value > 255) return -1;
@@ -42,6 +29,8 @@ int32_t Watermark_Block_Bit(const int32_t* scan) {
   return ones < limit && counting - ones >= limit ? 0 : 1;
 }
 
+void Watermark_Begin(WatermarkCollector* collector) { collector->length = collector->bitIndex = collector->byte = 0; }
+
 void Watermark_Take_Block(void* user, const int32_t* scan) {
   auto* const collector = static_cast<WatermarkCollector*>(user);
   if (collector->length == WatermarkRoom) return;
@@ -57,38 +46,4 @@ void Watermark_Take_Block(void* user, const int32_t* scan) {
   collector->text[collector->length++] = collector->byte ^ WatermarkMask;
   collector->byte = 0;
   collector->bitIndex = 1;
-}
-
-void Watermark_Publish(const WatermarkCollector& collector) {
-  const std::lock_guard guard(watermarkLock);
-  std::memcpy(watermarkText, collector.text, static_cast<size_t>(collector.length));
-  watermarkLength = collector.length;
-}
-
-void Watermark_Reset() {
-  const std::lock_guard guard(watermarkLock);
-  watermarkLength = 0;
-}
-
-int32_t Watermark_Read(uint8_t* buffer, int32_t capacity) {
-  const std::lock_guard guard(watermarkLock);
-  if (buffer && capacity >= watermarkLength) std::memcpy(buffer, watermarkText, static_cast<size_t>(watermarkLength));
-  return watermarkLength;
-}
-
-int32_t Watermark_Check() {
-  const std::lock_guard guard(watermarkLock);
-  const auto held = static_cast<size_t>(watermarkLength);
-  std::string_view text(reinterpret_cast<const char*>(watermarkText), held);
-  text = text.substr(0, text.find('\0'));
-  if (text.empty()) return 0;
-  for (const size_t from : {size_t{0}, held / 2}) {
-    const size_t at = text.find(watermarkPattern, from);
-    if (at != std::string_view::npos && at % text.size() == 0) return 0;
-  }
-  return 1;
-}
-
-int32_t VELARTO_CDECL JDEC_read_watermark_string(JdecDecoder* /*decoder*/, uint8_t* buffer, int32_t capacity) {
-  return Watermark_Read(buffer, capacity);
 }

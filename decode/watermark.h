@@ -1,5 +1,5 @@
-/* The hidden text of a frame: at most one bit a luma block, told by the parity of its high-frequency coefficients, and collected
- * anew for each frame. Each decoder collects its own; the process keeps one text, whole: that of the frame decoded last. */
+/* The hidden text of a frame: at most one bit for each luma block, given by the parity of its high-frequency coefficients. Each
+ * codec collects the text of its own frames. */
 #pragma once
 
 #include <cstdint>
@@ -20,27 +20,16 @@ int32_t Watermark_Parity(int32_t value);
  * 1; -1 for a block without one. */
 int32_t Watermark_Block_Bit(const int32_t* scan);
 
-/** A text in the making. */
+/** The text of a frame, as far as its blocks were decoded. */
 struct WatermarkCollector {
-  int32_t length = 0;    ///< Bytes in text.
-  int32_t bitIndex = 0;  ///< Bits since the last stored byte.
-  uint8_t byte = 0;      ///< The byte being collected.
+  int32_t length;    ///< Bytes in text.
+  int32_t bitIndex;  ///< Bits since the last stored byte.
+  uint8_t byte;      ///< The byte being collected.
   uint8_t text[WatermarkRoom];
 };
 
+/** Empties the collector for the next frame. */
+void Watermark_Begin(WatermarkCollector* collector);
+
 /** Takes a luma block: a ScanHook (kernels/kernels.h), whose user value is a WatermarkCollector. */
 void Watermark_Take_Block(void* collector, const int32_t* scan);
-
-/** Makes the collector's text that of the process. */
-void Watermark_Publish(const WatermarkCollector& collector);
-
-/** Empties the text of the process: a frame was passed over undecoded. */
-void Watermark_Reset();
-
-/** Copies the text, without a terminating zero, if capacity is not below its length. Gives its length. A null buffer has no
- *  capacity. */
-int32_t Watermark_Read(uint8_t* buffer, int32_t capacity);
-
-/** Compares the text with the reference pattern, which is empty. Gives 0 when the text is empty, or has the pattern at its start
- * or, looked for from its middle on, a whole number of texts further on; otherwise 1. */
-int32_t Watermark_Check();

@@ -1,11 +1,11 @@
 #include "display/context.h"
 
-#include "decode/buffers.h"
 #include "display/monitors.h"
 #include "display/palette.h"
 #include "overlay/lines.h"
 #include "overlay/motion_area.h"
 #include "pixel/convert.h"
+#include "pixel/memory.h"
 
 #include "platform/win32.h"
 

@@ -6,7 +6,10 @@
  * A display is used by one thread at a time; its lock guards the draw callback alone. */
 #pragma once
 
-#include "decode/decoder.h"
+#include "pixel/picture.h"
+#include "velarto.h"
+
+#include "platform/win32.h"
 
 using DrawCallback = VelartoDrawCallback;
 

@@ -1,7 +1,7 @@
 #include "display/palette.h"
 
-#include "decode/buffers.h"
 #include "pixel/convert.h"
+#include "pixel/memory.h"
 
 #include "platform/win32.h"
 
@@ -123,9 +123,4 @@ int32_t Display_Export_Palette(const JdecDisplay* display, PALETTEENTRY* table) 
   }
   std::memcpy(table, colors.data(), sizeof colors);
   return 1;
-}
-
-void VELARTO_CDECL JDEC_reload_palette(JdecDecoder* decoder) {
-  if (!decoder || !decoder->display || decoder->display->pixelFormat != PixelPalette8) return;
-  Display_Reload_Palette(decoder->display);
 }

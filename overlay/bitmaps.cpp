@@ -1,4 +1,4 @@
-/* The PTZ and the position bitmap, and the draw callback (velarto.h). */
+/* The PTZ and the position bitmap (velarto.h). */
 #include "decode/decoder.h"
 #include "display/context.h"
 #include "overlay/bitmap_dc.h"
@@ -63,20 +63,4 @@ int32_t VELARTO_CDECL JDEC_set_pos_bmp(JdecDecoder* decoder, VelartoBitmap bitma
   display->posEnabled =
       Store_Bitmap(display->offscreenSurface, bitmap, {display->posHeight, display->posWidth, display->posHeight});
   return display->posEnabled;
-}
-
-void VELARTO_CDECL JDEC_register_draw_callback(JdecDecoder* decoder, VelartoDrawCallback callback, uintptr_t user) {
-  if (!decoder) return;
-  // With it the display, which a frame of another size ends, stays until the callback is stored.
-  WaitForSingleObject(decoder->lock, INFINITE);
-  if (JdecDisplay* const display = decoder->display) {
-    if (display->lock) WaitForSingleObject(display->lock, INFINITE);
-    display->drawCallback = callback;
-    display->drawCallbackUser = user;
-    if (display->lock) ReleaseMutex(display->lock);
-  } else if (decoder->sizeChanging) {
-    decoder->keptCallback = callback;
-    decoder->keptCallbackUser = user;
-  }
-  ReleaseMutex(decoder->lock);
 }

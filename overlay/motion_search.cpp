@@ -1,5 +1,7 @@
 #include "overlay/motion_search.h"
 
+#include "decode/decoder.h"
+
 #include "platform/win32.h"
 
 #include <cstring>

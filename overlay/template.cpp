@@ -2,9 +2,8 @@
 #include "overlay/bitmap_dc.h"
 #include "overlay/color_key.h"
 #include "overlay/motion_area.h"
+#include "platform/module.h"
 #include "resources/resources.h"
-
-#include "platform/win32.h"
 
 #include <algorithm>
 

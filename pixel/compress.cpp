@@ -1,12 +1,11 @@
 #include "pixel/compress.h"
 
-#include "decode/buffers.h"
 #include "decode/framing.h"
 #include "kernels/kernels.h"
 #include "pixel/compress_rows.h"
 #include "pixel/forward.h"
 #include "pixel/huffman_encode.h"
-#include "pixel/jfif.h"
+#include "pixel/memory.h"
 
 #include <algorithm>
 #include <cstring>
@@ -50,13 +49,21 @@ static void Transform_Planes(JdecCodec* codec) {
   Forward_DCT_Plane(planes->cbRows, codec->coefCb, width / 2, height / 2, codec->chromaForward, codec->chromaInverse);
 }
 
-/** Makes room for the head. */
+/** Writes what of the header can be written before the data, and leaves room for the remainder. */
 static void Open_Store(JdecCodec* codec, bool withMarkers) {
-  codec->frame->position = 0;
-  codec->frame->length = withMarkers ? JfifHeadSize : CompactHeadSize;
+  JdecFrameBuffer* const frame = codec->frame;
+  frame->position = 0;
+  frame->length = 0;
+  if (withMarkers) {
+    JfifCursor header = {frame->data, 0};
+    JFIF_Write_Header(&header, codec->width, codec->height, codec->lumaQuant, codec->chromaQuant);
+    frame->length = header.count;
+  } else {
+    Compact_Write_Head(codec);
+  }
 }
 
-/** Puts head and end around the data. Gives the frame's length; 0, with an empty store, when the frame passes it. */
+/** Ends the frame after its data. Gives the frame's length; 0, with an empty store, when the frame is longer than the store. */
 static int32_t Close_Store(JdecCodec* codec, bool withMarkers) {
   JdecFrameBuffer* const frame = codec->frame;
   const int32_t endSize = withMarkers ? LeastJfifBytes - JfifHeadSize : 0;
@@ -65,13 +72,11 @@ static int32_t Close_Store(JdecCodec* codec, bool withMarkers) {
     return 0;
   }
   if (withMarkers) {
-    JfifCursor head = {frame->data, 0};
-    JFIF_Write_Header(&head, codec->width, codec->height, codec->lumaQuant, codec->chromaQuant);
     JfifCursor end = {frame->data + frame->length, frame->length};
     JFIF_Write_EOI(&end);
     frame->length = end.count;
   } else {
-    Compact_Write_Head(frame->data, frame->length - CompactHeadSize, codec->width, codec->height, codec->quality);
+    Compact_Set_Body_Length(frame->data, frame->length - CompactHeadSize);
   }
   return frame->length;
 }
@@ -143,13 +148,4 @@ int32_t Codec_Write_JFIF_File(JdecCodec* codec, FILE* stream) {
   }
   const int32_t offset = hasPrefix ? PrefixSize : 0;
   return Write_Compact(codec, stream, frame->data + offset, frame->length - offset);
-}
-
-int32_t VELARTO_CDECL JDEC_Compress_RGB888(JdecDecoder* decoder, int32_t quality, const uint8_t* pixels, uint32_t ignored,
-                                           uint8_t* buffer, int32_t capacity, int32_t withMarkers, int32_t doubleRows) {
-  return decoder ? Codec_Compress_RGB888(decoder->codec, quality, pixels, ignored, buffer, capacity, withMarkers, doubleRows) : 0;
-}
-
-int32_t VELARTO_CDECL JDEC_Write_JFIF_File(JdecDecoder* decoder, FILE* stream) {
-  return decoder ? Codec_Write_JFIF_File(decoder->codec, stream) : 0;
 }

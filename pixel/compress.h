@@ -1,7 +1,7 @@
 /* Pictures to frames, and the frame at hand to a JPEG file. */
 #pragma once
 
-#include "decode/decoder.h"
+#include "decode/codec.h"
 
 #include <cstdio>
 

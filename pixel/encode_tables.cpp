@@ -69,8 +69,14 @@ constexpr auto acRows = [] {
 constexpr EntryStore lumaEntries(lumaDc, lumaAc), chromaEntries(chromaDc, chromaAc);
 constexpr ScanMasks scanMasks = Build_Scan_Masks();
 
-}  // namespace
-
-const HuffEncodeTables huffEncodeTables[2] = {
+constexpr HuffEncodeTables encodeTables[2] = {
     {lumaEntries.dc, acRows.data(), lumaEntries.ac[0], &lumaDc, &lumaAc, scanMasks.data()},
     {chromaEntries.dc, acRows.data(), chromaEntries.ac[0], &chromaDc, &chromaAc, scanMasks.data()}};
+
+}  // namespace
+
+const HuffEncodeTables* huffEncodeTables = nullptr;
+
+void Huff_Init_Encode_Tables() { huffEncodeTables = encodeTables; }
+
+void Huff_Free_Encode_Tables() { huffEncodeTables = nullptr; }

@@ -1,6 +1,7 @@
 #include "pixel/huffman_encode.h"
 
-#include "decode/huffman_tables.h"
+#include "decode/global_tables.h"
+#include "decode/huffman_codes.h"
 #include "pixel/encode_tables.h"
 
 #include <bit>
@@ -50,8 +51,8 @@ void Put_Value(JdecCodec* codec, const JdecHuffEncode& table, int32_t run, int32
 }
 
 /** Encodes a block; gives its DC value. */
-int32_t Huff_Encode_Block(JdecCodec* codec, const int32_t* block, int32_t predictor, const HuffEncodeTables& tables) {
-  const JdecHuffEncode &dc = *tables.dcCode, &ac = *tables.acCode;
+int32_t Huff_Encode_Block(JdecCodec* codec, const int32_t* block, int32_t predictor, const JdecHuffEncode& dc,
+                          const JdecHuffEncode& ac) {
   Put_Value(codec, dc, 0, block[0] - predictor);
   int32_t run = 0;
   for (int32_t k = 1; k < 64; ++k) {
@@ -75,16 +76,17 @@ void Huff_Encode_Frame(JdecCodec* codec, int32_t* const* coefY, int32_t* const* 
   codec->streamPtr = frame->data + frame->length;
   codec->streamCount = frame->length;
   Huff_Reset_Bits(codec);
+  const HuffEncodeTables &lumaTables = huffEncodeTables[0], &chromaTables = huffEncodeTables[1];
   int32_t luma = 0, cb = 0, cr = 0;
   for (int32_t m = 0; m < height / 16; ++m) {
     for (int32_t n = 0; n < width / 16; ++n) {
       const size_t left = static_cast<size_t>(n) * 128, half = static_cast<size_t>(n) * 64;
       const int32_t *const upper = coefY[2 * m] + left, *const lower = coefY[2 * m + 1] + left;
       for (const int32_t* const block : {upper, upper + 64, lower, lower + 64}) {
-        luma = Huff_Encode_Block(codec, block, luma, huffEncodeTables[0]);
+        luma = Huff_Encode_Block(codec, block, luma, *lumaTables.dcCode, *lumaTables.acCode);
       }
-      cb = Huff_Encode_Block(codec, coefCb[m] + half, cb, huffEncodeTables[1]);
-      cr = Huff_Encode_Block(codec, coefCr[m] + half, cr, huffEncodeTables[1]);
+      cb = Huff_Encode_Block(codec, coefCb[m] + half, cb, *chromaTables.dcCode, *chromaTables.acCode);
+      cr = Huff_Encode_Block(codec, coefCr[m] + half, cr, *chromaTables.dcCode, *chromaTables.acCode);
     }
   }
   Huff_Flush_Bits(codec);

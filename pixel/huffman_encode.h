@@ -1,7 +1,7 @@
 /* Quantised coefficients to entropy-coded data: the inverse of decode/huffman_decode. */
 #pragma once
 
-#include "decode/decoder.h"
+#include "decode/codec.h"
 
 /** Encodes the whole macroblocks of a picture of that size behind the `length` bytes that the frame holds, and sets its length.
  * Where the store is full the bytes are counted only: a length above FrameStoreSize says that the frame is not whole. */

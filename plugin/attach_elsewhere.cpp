@@ -1,6 +1,6 @@
 /* The library attached when it is loaded, and detached when it is unloaded or the process ends. */
+#include "platform/module.h"
 #include "plugin/attach.h"
-#include "resources/resources.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 #include "plugin/entry.h"
 
-#include "decode/buffers.h"
+#include "pixel/memory.h"
 #include "plugin/attach.h"
 #include "plugin/browser.h"
 #include "plugin/instances.h"

@@ -1,6 +1,6 @@
 #include "plugin/settings.h"
 
-#include "api/mime.h"
+#include "resources/resources.h"
 
 #include "platform/win32.h"
 
@@ -9,7 +9,6 @@
 
 namespace {
 
-constexpr char makerKey[] = "Software\\Orvane Instruments, Inc.\\Plugins";
 constexpr char internetKey[] = "Software\\Microsoft\\Windows\\CurrentVersion\\Internet Settings";
 constexpr DWORD LeastConnections = 256;
 constexpr DWORD ListSize = 2048;
@@ -59,7 +58,7 @@ void Exclude_From_Cache(HKEY key) {
 MakerSettings Read_Maker_Settings() {
   MakerSettings settings;
   HKEY key = nullptr;
-  if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, makerKey, 0, KEY_QUERY_VALUE, &key) != ERROR_SUCCESS) return settings;
+  if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, MakerKey, 0, KEY_QUERY_VALUE, &key) != ERROR_SUCCESS) return settings;
   ShortValue value;
   if (Read_Value(key, "Decoder_Speed", &value)) settings.decoderSpeed = (value.data[0] ^ 0x80) - 0x80;  // A signed byte.
   if (Read_Value(key, "Mouse_LButton", &value)) settings.mouseLButton = value.data[0] == 1;

@@ -1,9 +1,9 @@
-/* What is compiled into the library as resources. */
+/* What is compiled into the library as resources: data alone, for the code on every platform. */
 #pragma once
 
 #include "resources/texts.h"
 
-#include "platform/win32.h"
+#include <cstdint>
 
 /** Bitmaps: the template of the motion-detection overlay, and the faces of the record menu's buttons. */
 constexpr uintptr_t TemplateBitmapId = TEMPLATE_BITMAP, RecordBitmapId = RECORD_BITMAP, StopBitmapId = STOP_BITMAP,
@@ -11,10 +11,12 @@ constexpr uintptr_t TemplateBitmapId = TEMPLATE_BITMAP, RecordBitmapId = RECORD_
 /** Cursors: a pointing hand, and the same with an hourglass. */
 constexpr uintptr_t CursorNormalId = NORMAL_CURSOR, CursorRecordingId = RECORDING_CURSOR;
 /** Texts of the tooltip. */
-constexpr UINT SavingTextId = SAVING_TEXT_ID, IdleTextId = IDLE_TEXT_ID;
+constexpr uint32_t SavingTextId = SAVING_TEXT_ID, IdleTextId = IDLE_TEXT_ID;
 /** The record menu and its buttons. */
 constexpr char MenuDialogName[] = MENU_DIALOG_NAME;
 constexpr int RecordButtonId = RECORD_BUTTON, StopButtonId = STOP_BUTTON, CloseButtonId = CLOSE_BUTTON;
 
-/** The module that holds the resources: the one that this code is linked into. */
-HMODULE Module_Handle();
+/** The type under which browsers and servers know a camera's stream. */
+constexpr char MimeType[] = MIME_TYPE_TEXT;
+/** Where the maker's settings are, below HKEY_LOCAL_MACHINE. */
+constexpr char MakerKey[] = MAKER_KEY_TEXT;

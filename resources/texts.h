@@ -31,5 +31,6 @@
 #define CLOSE_BUTTON_PLACE 33, 0, 14, 14
 
 #define MIME_TYPE_TEXT "video/x-orvistream"
+#define MAKER_KEY_TEXT "Software\\Orvane Instruments, Inc.\\Plugins"
 
 #endif

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "plugin/npapi.h"
+#include "resources/resources.h"
 #include "velarto.h"
 
 #include <cstdint>

@@ -177,8 +177,7 @@ static int Run_Plugin(Host* host) {
 static void Turn_Menu_On() {
   HKEY key = nullptr;
   const DWORD on = 1;
-  if (RegCreateKeyExA(HKEY_LOCAL_MACHINE, "Software\\Orvane Instruments, Inc.\\Plugins", 0, nullptr, 0, KEY_SET_VALUE, nullptr,
-                      &key, nullptr) != ERROR_SUCCESS)
+  if (RegCreateKeyExA(HKEY_LOCAL_MACHINE, MakerKey, 0, nullptr, 0, KEY_SET_VALUE, nullptr, &key, nullptr) != ERROR_SUCCESS)
     return;
   RegSetValueExA(key, "Mouse_RButton", 0, REG_DWORD, reinterpret_cast<const BYTE*>(&on), sizeof on);
   RegCloseKey(key);

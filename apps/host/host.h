@@ -14,7 +14,7 @@
 struct HostOptions {
   std::string source;
   std::string pluginName = DefaultLibrary;
-  std::string type = "video/x-orvistream";
+  std::string type = MimeType;
   std::string url;  ///< What the plug-in is told; empty: the source.
   uint16_t versionWord = 0x000B;
   int32_t width = 640, height = 480;  ///< Of the window's client area.

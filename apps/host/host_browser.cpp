@@ -9,7 +9,7 @@
 static constexpr uint16_t EmbeddedMode = 1;
 /** The kind of window: a handle of the system. */
 static constexpr int32_t WindowOfTheSystem = 1;
-static char streamType[] = "video/x-orvistream";
+static char streamType[] = MIME_TYPE_TEXT;
 
 /* ---- What the plug-in may ask for ----------------------------------------------------------------------------------------- */
 

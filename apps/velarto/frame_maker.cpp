@@ -1,10 +1,9 @@
 #include "apps/velarto/frame_maker.h"
 
 #include "apps/velarto/text_embedder.h"
-#include "decode/framing.h"
+#include "decode/frame_header.h"
 #include "decode/quant.h"
 #include "pixel/compress.h"
-#include "pixel/jfif.h"
 
 #include <cstring>
 
@@ -38,9 +37,8 @@ int32_t Quality_Readable(int32_t quality) {
 
 /** The length's low half stands in the compact head, its high half in the prefix. */
 static void Add_Prefix(std::vector<uint8_t>* frame) {
-  const size_t length = frame->size();
-  const uint8_t prefix[PrefixSize] = {
-      0xF6, static_cast<uint8_t>(length >> 24), 0xFF, static_cast<uint8_t>(length >> 16), 0xF9, 0, 0xDD, 0, 0, 0, 0, 0, 0xC5, 0};
+  uint8_t prefix[PrefixSize];
+  Prefix_Write(prefix, static_cast<int64_t>(frame->size()));
   frame->insert(frame->begin(), prefix, prefix + PrefixSize);
 }
 

@@ -2,11 +2,11 @@
  * frames lie doesn't depend on how the bytes arrive in pieces. */
 #pragma once
 
+#include "decode/frame_header.h"
+
 #include <cstdint>
 #include <span>
 #include <vector>
-
-enum class FrameForm { Compact, Prefixed, Jfif };
 
 /** "compact", "prefixed" or "jfif". */
 const char* Form_Name(FrameForm form);

@@ -1,5 +1,5 @@
 #include "apps/velarto/jpeg.h"
-#include "decode/framing.h"
+#include "decode/frame_header.h"
 
 bool Jpeg_Read(std::span<const uint8_t> /*bytes*/, Picture* /*picture*/, std::string* error) {
   *error = "JPEG images can't be read here, only BMP and PPM";

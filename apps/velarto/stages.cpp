@@ -1,6 +1,7 @@
 #include "apps/velarto/stages.h"
 
-#include "decode/framing.h"
+#include "decode/decoder.h"
+#include "decode/frame_header.h"
 #include "decode/huffman_decode.h"
 #include "decode/idct.h"
 #include "decode/rows.h"

@@ -1,7 +1,7 @@
 // Frames by rows of macroblocks, at every level, against frames by whole planes: the same samples, pixels and hidden text,
 // whatever the size, the bytes, and what the buffers held before.
 #include "decode/idct.h"
-#include "decode/watermark.h"
+#include "decode/watermark_text.h"
 #include "support/levels.h"
 #include "support/streams.h"
 

@@ -1,5 +1,4 @@
-#include "decode/watermark.h"
-
+#include "decode/watermark_text.h"
 #include "support/streams.h"
 
 #include <array>
@@ -48,7 +47,7 @@ TEST(Watermark, BlocksCarryABitByMajority) {
 TEST(Watermark, FirstByteHasNineBitsAndTheRoomIsKept) {
   const auto clear = Block({zero, zero, zero}), set = Block({one, one, one}), none = Block({});
   const std::string text = "A\xDA\xFF";
-  WatermarkCollector collector;
+  WatermarkCollector collector = {};
   for (size_t i = 0; i < text.size(); ++i) {
     const int coded = (uint8_t)text[i] ^ 0x24;
     Watermark_Take_Block(&collector, none.data());
@@ -67,7 +66,7 @@ TEST_F(FramesTest, WatermarkTextIsThatOfTheFrameDecodedLast) {
   const DecoderPtr decoder = Headless_Decoder(48, 48);
   uint8_t buffer[WatermarkRoom];
   const auto publish = [] {
-    WatermarkCollector collector;
+    WatermarkCollector collector = {};
     std::fill_n(collector.text, collector.length = 5, 'x');
     Watermark_Publish(collector);
   };

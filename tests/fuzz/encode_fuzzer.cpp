@@ -1,6 +1,6 @@
 // Pictures to frames: every level writes the same bytes, what was written decodes to the coefficients that were encoded, and each
 // frame of the picture decodes to the same one.
-#include "decode/buffers.h"
+#include "decode/decoder.h"
 #include "decode/huffman_decode.h"
 #include "fuzz/machine.h"
 #include "pixel/compress.h"

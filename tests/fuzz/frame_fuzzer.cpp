@@ -1,5 +1,6 @@
 // One frame of each form around the same body: the levels agree on its picture and its hidden text, bit for bit, and so do the
 // forms that carry the quality as it is.
+#include "decode/framing.h"
 #include "fuzz/machine.h"
 
 /** What stays the same for all kernels and forms. */
@@ -37,7 +38,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (flags & 4) around.before = Next_Frame(&input);
   const Bytes body = input.Some(input.left);
   if (body.size() > 60000) return 0;
-  const Form form = (Form)((flags >> 3) % 3);
+  const FrameForm form = (FrameForm)((flags >> 3) % 3);
   const Bytes frame = Make_Frame(form, width, height, quality, body);
   Bytes both = around.before;
   both.insert(both.end(), frame.begin(), frame.end());
@@ -45,8 +46,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const Bytes picture = Decode(mask, around, frame);
   if (mask != KernelPlain && body.size() % 4 == 0) REQUIRE(picture == Decode(KernelPlain, around, frame));
   // A search is not begun with fewer bytes, and in what another frame has left behind it may start elsewhere.
-  if (form == Form::Prefixed && around.before.empty() && body.size() >= LeastSearchBytes - CompactHeadSize) {
-    REQUIRE(picture == Decode(mask, around, Make_Frame(Form::Compact, width, height, quality, body)));
+  if (form == FrameForm::Prefixed && around.before.empty() && body.size() >= LeastSearchBytes - CompactHeadSize) {
+    REQUIRE(picture == Decode(mask, around, Make_Frame(FrameForm::Compact, width, height, quality, body)));
   }
   return 0;
 }

@@ -1,9 +1,8 @@
 /* What the fuzzers make of an input: numbers, chunks and frames, read from its beginning on. Behind its end all is 0. */
 #pragma once
 
-#include "decode/framing.h"
+#include "decode/frame_header.h"
 #include "decode/quant.h"
-#include "pixel/jfif.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -51,24 +50,22 @@ inline uint64_t Announced_Pixels(const uint8_t* data, size_t size) {
 }
 inline constexpr uint64_t MostAnnounced = 6'000;
 
-enum class Form { Compact, Prefixed, Jfif };
-
 /** A frame around a body of less than 64 KB. */
-inline Bytes Make_Frame(Form form, int32_t width, int32_t height, int32_t quality, const Bytes& body) {
+inline Bytes Make_Frame(FrameForm form, int32_t width, int32_t height, int32_t quality, const Bytes& body) {
   Bytes frame;
-  if (form == Form::Jfif) {
+  if (form == FrameForm::Jfif) {
     uint16_t luma[64], chroma[64];
     Quant_Build(quality, luma, chroma);
     frame.resize(JfifHeadSize);
     JfifCursor cursor = {frame.data(), 0};
     JFIF_Write_Header(&cursor, width, height, luma, chroma);
   } else {
-    if (form == Form::Prefixed) frame = {0xF6, 0, 0xFF, 0, 0xF9, 0x11, 0xDD, 0x22, 0, 0x33, 0x44, 0x55, 0xC5, 0x66};
+    if (form == FrameForm::Prefixed) frame = {0xF6, 0, 0xFF, 0, 0xF9, 0x11, 0xDD, 0x22, 0, 0x33, 0x44, 0x55, 0xC5, 0x66};
     frame.resize(frame.size() + CompactHeadSize);
-    Compact_Write_Head(&frame[frame.size() - CompactHeadSize], (int32_t)body.size(), width, height, quality);
+    Compact_Header_Put(&frame[frame.size() - CompactHeadSize], (int32_t)body.size(), width, height, quality);
   }
   frame.insert(frame.end(), body.begin(), body.end());
-  if (form == Form::Jfif) frame.insert(frame.end(), {0xFF, 0xD9});
+  if (form == FrameForm::Jfif) frame.insert(frame.end(), {0xFF, 0xD9});
   return frame;
 }
 
@@ -76,5 +73,5 @@ inline Bytes Make_Frame(Form form, int32_t width, int32_t height, int32_t qualit
 inline Bytes Next_Frame(Input* input) {
   const uint8_t form = input->Byte();
   const int32_t width = input->Byte() % 48 + 1, height = input->Byte() % 48 + 1, quality = input->Byte();
-  return Make_Frame((Form)(form % 3), width, height, quality, input->Some((size_t)input->Word() % 2048));
+  return Make_Frame((FrameForm)(form % 3), width, height, quality, input->Some((size_t)input->Word() % 2048));
 }

@@ -1,5 +1,6 @@
 // Overlay calls with any argument, on pictures, windows and screens of any size and depth. The levels agree on what the window
 // shows, and nothing is written around a surface.
+#include "decode/decoder.h"
 #include "display/context.h"
 #include "fuzz/machine.h"
 
@@ -69,7 +70,7 @@ static Bytes Show(uint32_t mask, Input input) {
                                                                                      : input.Word() % 200 + 1;
   JdecDecoder* const decoder = JDEC_New(width, height);
   JDEC_Draw_Init(decoder, window.handle);
-  Push(decoder, Make_Frame(Form::Compact, width, height, 50, input.Some(40)));
+  Push(decoder, Make_Frame(FrameForm::Compact, width, height, 50, input.Some(40)));
   for (int calls = 0; input.left && calls < 40; ++calls) Call(decoder, &input, window.handle);
   Screen_Fail_Nothing();
   const int32_t rect[] = {0, 0, 320, 240};

@@ -1,5 +1,6 @@
 // A browser that calls the plug-in in any order, with any settings in the registry, messages to its window, and steps that fail.
 #include "fuzz/machine.h"
+#include "platform/module.h"
 #include "plugin/attach.h"
 #include "plugin/entry.h"
 #include "plugin/window_proc.h"
@@ -7,7 +8,7 @@
 
 namespace {
 
-constexpr char MakerKey[] = "HKEY_LOCAL_MACHINE\\Software\\Orvane Instruments, Inc.\\Plugins";
+constexpr char MakerKeyPath[] = "HKEY_LOCAL_MACHINE\\" MAKER_KEY_TEXT;
 constexpr char InternetKey[] = "HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\Internet Settings";
 
 struct Browser {
@@ -34,7 +35,7 @@ void Draw_Registry(Input* input) {
   for (int count = input->Byte() % 8; count > 0; --count) {
     const uint8_t which = input->Byte(), length = input->Byte();
     const Bytes data = length < 200 ? input->Some(length % 40) : Bytes(1900 + (size_t)length, 'x');
-    Screen_Set_Registry(which % 6 < 3 ? MakerKey : InternetKey, names[which % 6], which & 8 ? REG_SZ : REG_DWORD, data);
+    Screen_Set_Registry(which % 6 < 3 ? MakerKeyPath : InternetKey, names[which % 6], which & 8 ? REG_SZ : REG_DWORD, data);
   }
 }
 

@@ -51,14 +51,14 @@ TEST(Attach, MouseAndSpeedAreReadThroughOneSize) {
   for (const auto& [values, expected] : cases) {
     Screen_Forget_Registry();
     const char* const names[] = {"Decoder_Speed", "Mouse_LButton", "Mouse_RButton"};
-    for (size_t i = 0; i < 3; ++i) Set(MakerKey, names[i], values[i]);
+    for (size_t i = 0; i < 3; ++i) Set(MakerKeyPath, names[i], values[i]);
     const MakerSettings read = Read_Maker_Settings();
     EXPECT_EQ((std::vector{read.decoderSpeed, read.mouseLButton, read.mouseRButton, int32_t{read.rightButtonRead}}), expected);
   }
 }
 
 TEST(Attach, AttachingAndDetachingLeavesNothing) {
-  Set(MakerKey, "Mouse_RButton", one);
+  Set(MakerKeyPath, "Mouse_RButton", one);
   const int32_t alive = Screen_Objects_Alive();
   EXPECT_EQ(Library_Attach(nullptr), 0);
   for (int32_t i = 0; i < 50; ++i) {

@@ -1,6 +1,7 @@
 /* A browser as the plug-in knows it: its tables, a page with the plug-in's window in it, streams in pieces as offered. */
 #pragma once
 
+#include "platform/module.h"
 #include "platform/portable/screen.h"
 #include "plugin/attach.h"
 #include "plugin/entry.h"
@@ -8,7 +9,7 @@
 #include "resources/resources.h"
 #include "support/streams.h"
 
-constexpr char MakerKey[] = "HKEY_LOCAL_MACHINE\\Software\\Orvane Instruments, Inc.\\Plugins";
+constexpr char MakerKeyPath[] = "HKEY_LOCAL_MACHINE\\" MAKER_KEY_TEXT;
 constexpr LRESULT OwnResult = 42;
 
 inline std::vector<std::string> asked;  // URLs that the browser was asked for, and "end".
@@ -60,8 +61,8 @@ struct PluginTest : testing::Test {
     std::remove(path.c_str());
   }
   NPError Start(uint8_t left, uint8_t right, uint16_t version = 11) {
-    Screen_Set_Registry(MakerKey, "Mouse_LButton", REG_DWORD, {left, 0, 0, 0});
-    Screen_Set_Registry(MakerKey, "Mouse_RButton", REG_DWORD, {right, 0, 0, 0});
+    Screen_Set_Registry(MakerKeyPath, "Mouse_LButton", REG_DWORD, {left, 0, 0, 0});
+    Screen_Set_Registry(MakerKeyPath, "Mouse_RButton", REG_DWORD, {right, 0, 0, 0});
     asked.clear();
     Library_Attach(Module_Handle());
     NP_GetEntryPoints(&plugin);

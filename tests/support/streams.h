@@ -1,7 +1,8 @@
 /* Test inputs: files of tests/data, frames in their three wire forms, decoders that free themselves, noise. */
 #pragma once
 
-#include "decode/buffers.h"
+#include "decode/decoder.h"
+#include "pixel/memory.h"
 
 #include <gtest/gtest.h>
 

@@ -2,7 +2,6 @@
 
 #include "decode/framing.h"
 #include "decode/quant.h"
-#include "pixel/jfif.h"
 
 #include <algorithm>
 
@@ -31,13 +30,12 @@ static void Corrupt(Chaos* chaos, FrameForm form, std::vector<uint8_t>* bytes) {
 /** A head that announces `length` bytes behind it, at most 65535. */
 static std::vector<uint8_t> False_Compact(size_t length) {
   std::vector<uint8_t> head(CompactHeadSize);
-  Compact_Write_Head(head.data(), static_cast<int32_t>(std::min<size_t>(length, 65535)), 320, 240, 50);
+  Compact_Header_Put(head.data(), static_cast<int32_t>(std::min<size_t>(length, 65535)), 320, 240, 50);
   return head;
 }
 
 /** The beginnings of frames of all kinds. `room`: bytes up to the end of the frame that follows. */
 static std::vector<uint8_t> False_Start(Chaos* chaos, size_t room) {
-  static const std::vector<uint8_t> prefix = {0xF6, 0, 0xFF, 0, 0xF9, 0, 0xDD, 0, 0, 0, 0, 0, 0xC5, 0};
   std::vector<uint8_t> start;
   switch (chaos->dice() % 5) {
     case 0:
@@ -53,7 +51,8 @@ static std::vector<uint8_t> False_Start(Chaos* chaos, size_t room) {
       return start;
     }
     case 3:
-      start = prefix;
+      start.resize(PrefixSize);
+      Prefix_Write(start.data(), 0);
       [[fallthrough]];
     default:
       const auto head = False_Compact(Between(chaos, 0, room));

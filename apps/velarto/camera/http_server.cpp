@@ -1,6 +1,6 @@
 #include "apps/velarto/camera/http_server.h"
 
-#include "api/mime.h"
+#include "resources/resources.h"
 
 #include <poll.h>
 

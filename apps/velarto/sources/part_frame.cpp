@@ -5,7 +5,6 @@
 #include "decode/decoder.h"
 #include "decode/framing.h"
 #include "decode/quant.h"
-#include "pixel/jfif.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "resources/resources.h"
+#include "platform/module.h"
 
 HMODULE Module_Handle() {
   HMODULE module = nullptr;

@@ -1,21 +1,8 @@
-#include "decode/buffers.h"
+#include "pixel/picture.h"
 
-#include "display/context.h"
+#include "pixel/memory.h"
 
 #include <cstring>
-
-void* Arena_Alloc(size_t size, uint8_t** arena) {
-  if (!arena) return HeapAlloc(GetProcessHeap(), 0, size);
-  uint8_t* const piece = *arena;
-  *arena += size;
-  return piece;
-}
-
-void* Arena_Alloc_Zeroed(size_t size) { return HeapAlloc(GetProcessHeap(), HEAP_ZERO_MEMORY, size); }
-
-void Arena_Free(void* block) {
-  if (block) HeapFree(GetProcessHeap(), 0, block);
-}
 
 /** Carves `count` records out of an arena. */
 template <typename T>
@@ -80,51 +67,4 @@ void Planes_Darken(JdecPlanes* planes) {
   Fill_Rows(planes->yRows, planes->yWidth, planes->yHeight, 0);
   Fill_Rows(planes->cbRows, planes->cbWidth, planes->cbHeight, 127);
   Fill_Rows(planes->crRows, planes->crWidth, planes->crHeight, 127);
-}
-
-int32_t** Coef_Plane_New(int32_t width, int32_t height) {
-  const size_t rows = Size(height / 8);
-  // A row holds width * 8 words, of which those of whole blocks are used.
-  const size_t rowBytes = Size(width) * 8 * sizeof(int32_t);
-  // At least a byte: a plane without rows is a plane all the same.
-  auto* arena = static_cast<uint8_t*>(Arena_Alloc_Zeroed(rows * (rowBytes + sizeof(int32_t*)) + 1));
-  if (!arena) return nullptr;
-  auto** const table = Carve<int32_t*>(&arena, rows);
-  for (size_t i = 0; i < rows; ++i) table[i] = static_cast<int32_t*>(Arena_Alloc(rowBytes, &arena));
-  return table;
-}
-
-void Coef_Plane_Free(int32_t** plane) { Arena_Free(plane); }
-
-int32_t Raster_Depth(int32_t headless) {
-  if (headless) return 24;
-  const HDC screen = GetDC(nullptr);
-  const int32_t bits = screen ? GetDeviceCaps(screen, BITSPIXEL) * GetDeviceCaps(screen, PLANES) : 24;
-  if (screen) ReleaseDC(nullptr, screen);
-  return bits == 8 || bits == 16 || bits == 32 ? bits : 24;
-}
-
-int32_t Build_Rasters(JdecDecoder* decoder) {
-  JdecRaster* const raster = Raster_New(decoder->width, decoder->height, Raster_Depth(decoder->headless));
-  JdecPlanes* const planes = Planes_New(decoder->width, decoder->height, 4, 1);
-  if (!raster || !planes) {
-    Arena_Free(raster);
-    Arena_Free(planes);
-    return 0;
-  }
-  Planes_Darken(planes);
-  Free_Rasters(decoder);
-  decoder->codec->raster = raster;
-  decoder->codec->planes = planes;
-  return 1;
-}
-
-void Free_Rasters(JdecDecoder* decoder) {
-  if (!decoder || !decoder->codec || !decoder->codec->raster) return;
-  JdecCodec* const codec = decoder->codec;
-  if (decoder->display) decoder->display->lastRaster = nullptr;
-  Arena_Free(codec->raster);
-  Arena_Free(codec->planes);
-  codec->raster = nullptr;
-  codec->planes = nullptr;
 }

@@ -1,6 +1,6 @@
-#include "api/speed.h"
+#include "decode/speed.h"
 
-#include "decode/buffers.h"
+#include "pixel/memory.h"
 
 #include <cstdio>
 

@@ -1,0 +1,90 @@
+/* The headers of a frame on the wire: their fields, read and written in this place alone. Three forms:
+ *
+ *   compact   a header of 12 bytes, FF D8 .. FF D9, little-endian fields, and the entropy-coded data
+ *   prefixed  a prefix of 14 bytes with a signature and the high half of the length, then a compact frame
+ *   JFIF      a JPEG image whose markers all stand at fixed offsets; it ends at the first FF D9 */
+#pragma once
+
+#include "decode/codec.h"
+
+#include <cstdint>
+
+enum class FrameForm { Compact, Prefixed, Jfif };
+
+constexpr int32_t CompactHeadSize = 12;
+constexpr int32_t PrefixSize = 14;
+constexpr int32_t JfifHeadSize = 623;
+/** Fixed header and end marker. */
+constexpr int32_t LeastJfifBytes = JfifHeadSize + 2;
+
+/** Size and quality of a frame, and the offset of its entropy-coded data from its first byte. */
+struct FrameHeader {
+  int32_t width, height, quality;
+  int32_t dataOffset;
+};
+
+/** Reads the header of a frame of `length` bytes. Gives 1; or 0, with *header undefined, for a frame shorter than its header or
+ *  without one. The size is not checked. */
+int32_t Read_Frame_Header(const uint8_t* frame, int32_t length, FrameForm form, FrameHeader* header);
+
+/* ---- Signatures. Each looks at bytes from data on that its caller must have. ------------------------------------------------
+ */
+
+/** The start of a compact header, 12 bytes. */
+bool Compact_Head_At(const uint8_t* data);
+/** The signature of a prefix, 14 bytes. */
+bool Prefix_At(const uint8_t* data);
+/** The start of a JFIF image, 10 bytes. */
+bool Jfif_Start_At(const uint8_t* data);
+/** The markers of a fixed JFIF header at their places, JfifHeadSize bytes: DQT and SOF0, and the scan's if asked. */
+bool Jfif_Markers_At(const uint8_t* data, bool scan);
+
+/* ---- Compact and prefixed frames --------------------------------------------------------------------------------------------
+ */
+
+/** Bytes of the compact frame whose header is at data. */
+int32_t Compact_Length(const uint8_t* data);
+
+/** Bytes of the prefixed frame at data, prefix included. The low half wraps at 65536. */
+int64_t Prefixed_Length(const uint8_t* data);
+
+/** True if the prefix at data keeps its frame out of recordings. */
+bool Prefix_Skips_Recording(const uint8_t* data);
+
+/** Size and quality from a compact header at data. */
+void Parse_Compact_Header(const uint8_t* data, int32_t* width, int32_t* height, int32_t* quality);
+
+/** Writes a compact header, CompactHeadSize bytes; of the body's length its low 16 bits. */
+void Compact_Header_Put(uint8_t* data, int32_t bodyLength, int32_t width, int32_t height, int32_t quality);
+
+/** Writes the compact header of the codec's size and quality to the start of its frame store, for a body without bytes, and adds
+ *  CompactHeadSize to the frame's length. */
+void Compact_Write_Head(JdecCodec* codec);
+
+/** Stores the low 16 bits of the body's length in the compact header at data. */
+void Compact_Set_Body_Length(uint8_t* data, int32_t bodyLength);
+
+/** Writes the prefix of a compact frame of `length` bytes, PrefixSize bytes, all flags 0. */
+void Prefix_Write(uint8_t* data, int64_t length);
+
+/* ---- JFIF frames ------------------------------------------------------------------------------------------------------------
+ */
+
+/** Reads size and quality of a JFIF frame of at least LeastJfifBytes. Gives 1, or 0 when its markers are not in their places. */
+int32_t Parse_JFIF_Header(const uint8_t* data, int32_t* width, int32_t* height, int32_t* quality);
+
+/** Offset of the entropy-coded data of a JFIF frame of at least LeastJfifBytes, or -1. */
+int32_t Find_Scan_Data(const uint8_t* data);
+
+/** Where the next byte goes, and how many were written. */
+struct JfifCursor {
+  uint8_t* next;
+  int32_t count;
+};
+
+/** Writes the fixed header of a JFIF frame, JfifHeadSize bytes. The quantisation tables are in natural order, entries 1 to
+ *  255. */
+void JFIF_Write_Header(JfifCursor* cursor, int32_t width, int32_t height, const uint16_t* luma, const uint16_t* chroma);
+
+/** Writes the two bytes of the end marker. */
+void JFIF_Write_EOI(JfifCursor* cursor);

@@ -1,0 +1,37 @@
+#include "decode/rasters.h"
+
+#include "display/context.h"
+#include "pixel/memory.h"
+
+int32_t Raster_Depth(int32_t headless) {
+  if (headless) return 24;
+  const HDC screen = GetDC(nullptr);
+  const int32_t bits = screen ? GetDeviceCaps(screen, BITSPIXEL) * GetDeviceCaps(screen, PLANES) : 24;
+  if (screen) ReleaseDC(nullptr, screen);
+  return bits == 8 || bits == 16 || bits == 32 ? bits : 24;
+}
+
+int32_t Build_Rasters(JdecDecoder* decoder) {
+  JdecRaster* const raster = Raster_New(decoder->width, decoder->height, Raster_Depth(decoder->headless));
+  JdecPlanes* const planes = Planes_New(decoder->width, decoder->height, 4, 1);
+  if (!raster || !planes) {
+    Arena_Free(raster);
+    Arena_Free(planes);
+    return 0;
+  }
+  Planes_Darken(planes);
+  Free_Rasters(decoder);
+  decoder->codec->raster = raster;
+  decoder->codec->planes = planes;
+  return 1;
+}
+
+void Free_Rasters(JdecDecoder* decoder) {
+  if (!decoder || !decoder->codec || !decoder->codec->raster) return;
+  JdecCodec* const codec = decoder->codec;
+  if (decoder->display) decoder->display->lastRaster = nullptr;
+  Arena_Free(codec->raster);
+  Arena_Free(codec->planes);
+  codec->raster = nullptr;
+  codec->planes = nullptr;
+}
