@@ -30,6 +30,9 @@ types=$(git grep -hoE '^(struct|class|union|enum|enum class) [A-Za-z_]+.*\{' -- 
   sed -E 's/^(enum class|[a-z]+) ([A-Za-z_]+).*/\2/' | sort | uniq -d)
 [ -z "$types" ] || { echo "style: types whose name stands twice: $types" >&2; failed=1; }
 
+# The table of doc/architecture.md says which folder may include which.
+python3 -B tests/include_map.py || failed=1
+
 twice=$(git ls-files '*.cpp' ':!tests' | xargs -n 1 basename | sort | uniq -d)
 [ -z "$twice" ] || { echo "style: base names that stand twice: $twice" >&2; failed=1; }
 exit $failed
