@@ -1,8 +1,8 @@
 // Converters and dithering of every level: a row of 640 pixels in the cache, and whole rasters with and without it.
 #include "kernels/cpu.h"
+#include "pixel/arena.h"
 #include "pixel/color_tables.h"
-#include "pixel/memory.h"
-#include "pixel/picture.h"
+#include "pixel/pictures.h"
 
 #include <benchmark/benchmark.h>
 #include <cstring>

@@ -1,7 +1,7 @@
 // A picture from the decoder's raster into the pixels of the window, on the portable screen: both forms of the display, each
 // depth, at the window's own size, at half and at twice that.
 #include "display/present.h"
-#include "pixel/memory.h"
+#include "pixel/arena.h"
 #include "platform/portable/screen.h"
 
 #include "platform/win32.h"

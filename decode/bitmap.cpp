@@ -1,8 +1,8 @@
 /* The current picture for callers: the raster as it stands, or a BMP file made from the planes (velarto.h). */
 #include "decode/decoder.h"
 #include "display/palette.h"
+#include "pixel/arena.h"
 #include "pixel/convert.h"
-#include "pixel/memory.h"
 
 #include <cstring>
 

@@ -3,7 +3,7 @@
 #include "decode/quant.h"
 #include "decode/rows.h"
 #include "decode/watermark.h"
-#include "pixel/memory.h"
+#include "pixel/arena.h"
 
 int32_t Picture_Size_Allowed(int32_t width, int32_t height) {
   if (width < 1 || height < 1 || width > MaxPictureSide || height > MaxPictureSide) return 0;

@@ -2,7 +2,7 @@
  * stream; decode/decoder.h has those. */
 #pragma once
 
-#include "pixel/picture.h"
+#include "pixel/pictures.h"
 
 #include <cstdint>
 

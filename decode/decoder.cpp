@@ -5,7 +5,7 @@
 #include "decode/rasters.h"
 #include "decode/speed.h"
 #include "display/context.h"
-#include "pixel/memory.h"
+#include "pixel/arena.h"
 
 #include <mutex>
 

@@ -1,7 +1,7 @@
 #include "decode/rasters.h"
 
 #include "display/context.h"
-#include "pixel/memory.h"
+#include "pixel/arena.h"
 
 int32_t Raster_Depth(int32_t headless) {
   if (headless) return 24;

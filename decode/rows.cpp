@@ -3,8 +3,8 @@
 #include "decode/huffman_codes.h"
 #include "decode/idct.h"
 #include "decode/strip_tables.h"
+#include "pixel/arena.h"
 #include "pixel/color_tables.h"
-#include "pixel/memory.h"
 
 #include <algorithm>
 #include <cstring>

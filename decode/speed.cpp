@@ -1,6 +1,6 @@
 #include "decode/speed.h"
 
-#include "pixel/memory.h"
+#include "pixel/arena.h"
 
 #include <cstdio>
 

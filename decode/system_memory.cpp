@@ -1,5 +1,5 @@
 /* Memory for the library: the system's heap. */
-#include "pixel/memory.h"
+#include "pixel/arena.h"
 
 #include "platform/win32.h"
 

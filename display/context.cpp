@@ -4,8 +4,8 @@
 #include "display/palette.h"
 #include "overlay/lines.h"
 #include "overlay/motion_area.h"
+#include "pixel/arena.h"
 #include "pixel/convert.h"
-#include "pixel/memory.h"
 
 #include "platform/win32.h"
 

@@ -6,7 +6,7 @@
  * A display is used by one thread at a time; its lock guards the draw callback alone. */
 #pragma once
 
-#include "pixel/picture.h"
+#include "pixel/pictures.h"
 #include "velarto.h"
 
 #include "platform/win32.h"

@@ -1,7 +1,7 @@
 #include "display/palette.h"
 
+#include "pixel/arena.h"
 #include "pixel/convert.h"
-#include "pixel/memory.h"
 
 #include "platform/win32.h"
 

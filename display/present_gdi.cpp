@@ -1,8 +1,8 @@
 #include "display/present_gdi.h"
 
 #include "display/palette.h"
+#include "pixel/arena.h"
 #include "pixel/convert.h"
-#include "pixel/memory.h"
 
 #include "platform/win32.h"
 

@@ -2,10 +2,10 @@
 
 #include "decode/framing.h"
 #include "kernels/kernels.h"
+#include "pixel/arena.h"
 #include "pixel/compress_rows.h"
 #include "pixel/forward.h"
 #include "pixel/huffman_encode.h"
-#include "pixel/memory.h"
 
 #include <algorithm>
 #include <cstring>

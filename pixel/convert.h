@@ -2,7 +2,7 @@
  * odd width and the last row of an odd height stay as they were. */
 #pragma once
 
-#include "pixel/picture.h"
+#include "pixel/pictures.h"
 
 /** Codes of a raster's pixels, in JdecDisplay::pixelFormat and given to callers. */
 enum PixelFormat : int32_t { PixelPalette8 = 0, PixelRgb555 = 1, PixelRgb565 = 2, PixelRgb24 = 3, PixelRgb32 = 4 };

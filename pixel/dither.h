@@ -4,7 +4,7 @@
  * last; so indices are 16 to 239. The palette (display/palette) gives them their colours. */
 #pragma once
 
-#include "pixel/picture.h"
+#include "pixel/pictures.h"
 
 /** Values of `mode`: which of the two matrices. */
 enum DitherMode : int32_t { DitherNormal = 1, DitherShrink = 2 };

@@ -1,7 +1,7 @@
 /* From a packed picture to quantised coefficients: the front half of the still encoder. */
 #pragma once
 
-#include "pixel/picture.h"
+#include "pixel/pictures.h"
 
 /** Converts a raster of 24 bits into 4:4:4 planes of the same size. */
 void RGB_To_YCC444(const JdecRaster* raster, JdecPlanes* planes);

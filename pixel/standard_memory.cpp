@@ -1,5 +1,5 @@
 /* Memory for programs that have the codec alone: the C library's. */
-#include "pixel/memory.h"
+#include "pixel/arena.h"
 
 #include <cstdlib>
 

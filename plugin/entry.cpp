@@ -1,6 +1,6 @@
 #include "plugin/entry.h"
 
-#include "pixel/memory.h"
+#include "pixel/arena.h"
 #include "plugin/attach.h"
 #include "plugin/browser.h"
 #include "plugin/instances.h"

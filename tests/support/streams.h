@@ -2,7 +2,7 @@
 #pragma once
 
 #include "decode/decoder.h"
-#include "pixel/memory.h"
+#include "pixel/arena.h"
 
 #include <gtest/gtest.h>
 

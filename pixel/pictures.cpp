@@ -1,6 +1,6 @@
-#include "pixel/picture.h"
+#include "pixel/pictures.h"
 
-#include "pixel/memory.h"
+#include "pixel/arena.h"
 
 #include <cstring>
 

@@ -1,4 +1,4 @@
-#include "pixel/memory.h"
+#include "pixel/arena.h"
 
 void* Arena_Alloc(size_t size, uint8_t** arena) {
   if (!arena) return Memory_Alloc(size, false);
