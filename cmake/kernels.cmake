@@ -2,7 +2,7 @@
 # flags of their level.
 function(velarto_kernel_levels list)
   set(sources ${${list}})
-  if(NOT CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|x86|amd64|AMD64|i[3-6]86)$")
+  if(EMSCRIPTEN OR NOT CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|x86|amd64|AMD64|i[3-6]86)$")
     list(FILTER sources EXCLUDE REGEX "/kernels/[a-z_]+_(sse2|avx2)\\.cpp$")
   endif()
   foreach(source IN LISTS sources)
