@@ -107,7 +107,7 @@ void Transform_Strip(benchmark::State& state, TransformStripKernel kernel) {
   int32_t predictors[3] = {0, 0, 0};
   for (auto _ : state) {
     std::copy(blocks.begin(), blocks.end(), store->blocks);
-    kernel(store->blocks, &reach, Scene::StripOfScene, &store->luma, &store->chroma, rangeLimit, predictors, rows);
+    kernel(store->blocks, &reach, Scene::StripOfScene, &store->luma, &store->chroma, predictors, rows);
     benchmark::ClobberMemory();
   }
   state.counters["blocks"] = benchmark::Counter(6 * Scene::StripOfScene, benchmark::Counter::kIsIterationInvariantRate);

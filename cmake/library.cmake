@@ -74,15 +74,15 @@ if(NOT WIN32)
   target_link_options(velarto_library PRIVATE -Wl,--no-undefined)
 endif()
 
-# The same library kept to the levels below, so that those can be tested through the exports: levels/plain, levels/sse2.
+# The same library kept to each level below the highest, so that those can be tested through the exports: levels/plain, levels/sse2.
 if(VELARTO_TESTS)
-  foreach(level plain=0 sse2=1)
-    string(REGEX MATCH "^[a-z0-9]+" name ${level})
-    string(REGEX MATCH "[0-9]+$" mask ${level})
-    velarto_shared_library(velarto_library_${name} velarto_system)
-    target_compile_definitions(velarto_library_${name} PRIVATE VELARTO_KERNELS_ALLOWED=${mask})
-    set(folder ${PROJECT_BINARY_DIR}/levels/${name})
-    set_target_properties(velarto_library_${name} PROPERTIES LIBRARY_OUTPUT_DIRECTORY ${folder}
+  set(lower_levels ${velarto_levels})
+  list(POP_BACK lower_levels)
+  foreach(level IN LISTS lower_levels)
+    velarto_shared_library(velarto_library_${level} velarto_system)
+    target_compile_definitions(velarto_library_${level} PRIVATE VELARTO_KERNELS_ALLOWED=${velarto_level_mask_${level}})
+    set(folder ${PROJECT_BINARY_DIR}/levels/${level})
+    set_target_properties(velarto_library_${level} PROPERTIES LIBRARY_OUTPUT_DIRECTORY ${folder}
       RUNTIME_OUTPUT_DIRECTORY ${folder} ARCHIVE_OUTPUT_DIRECTORY ${folder})
   endforeach()
 endif()

@@ -161,8 +161,7 @@ int32_t Rows_Transform_Strip(RowsRun* run) {
   if (run->rest == RowsRest::Known) {
     Repeat_Rest(run);
   } else {
-    kernels.transformStrip(store->blocks, &store->reach, run->strip, &store->luma, &store->chroma, rangeLimit, run->predictors,
-                           run->rows);
+    kernels.transformStrip(store->blocks, &store->reach, run->strip, &store->luma, &store->chroma, run->predictors, run->rows);
   }
   if (run->rest == RowsRest::First) Keep_Rest_Samples(run);
   for (int32_t i = 0; i < 32; ++i) run->rows[i] += (i < 16 ? 16 : 8) * run->strip;

@@ -177,7 +177,7 @@ static void Stream(const ColorTables* tables, const uint8_t* yUpper, const uint8
 
 static void End_Stream() { _mm_sfence(); }
 
-void Overlay_Convert_Avx2(Kernels* record) {
+void Use_Convert_Avx2(Kernels* record) {
   record->toRgb24 = Convert<Block_Rgb24<false>, To_Rgb24_Plain, 3>;
   record->toRgb24Stream = Stream<Block_Rgb24<true>, Convert<Block_Rgb24<false>, To_Rgb24_Plain, 3>, 3>;
   record->toRgb32 = Convert<Block_Rgb32<false>, To_Rgb32_Plain, 4>;

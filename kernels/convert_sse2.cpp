@@ -77,7 +77,7 @@ static void Block_Rgb32(const uint8_t* yUpper, const uint8_t* yLower, const uint
 }
 
 /** At this level the work takes longer than the memory, and streaming gains nothing. */
-void Overlay_Convert_Sse2(Kernels* record) {
+void Use_Convert_Sse2(Kernels* record) {
   record->toRgb24 = record->toRgb24Stream = Convert<Block_Rgb24, To_Rgb24_Plain, 3>;
   record->toRgb32 = record->toRgb32Stream = Convert<Block_Rgb32, To_Rgb32_Plain, 4>;
   record->toRgb565 = Convert<Block_Words<6>, To_Rgb565_Plain, 2>;

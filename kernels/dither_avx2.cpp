@@ -15,4 +15,4 @@ static void Store(uint8_t* to, V vector) { _mm256_storeu_si256((V*)to, vector); 
 
 #include "kernels/dither_body.h"
 
-void Overlay_Dither_Avx2(Kernels* record) { record->ditherRow = Dither_Row; }
+void Use_Dither_Avx2(Kernels* record) { record->ditherRow = Dither_Row; }

@@ -13,4 +13,4 @@ static void Store(uint8_t* to, V vector) { _mm_storeu_si128((V*)to, vector); }
 
 #include "kernels/dither_body.h"
 
-void Overlay_Dither_Sse2(Kernels* record) { record->ditherRow = Dither_Row; }
+void Use_Dither_Sse2(Kernels* record) { record->ditherRow = Dither_Row; }

@@ -144,4 +144,4 @@ static void Sort_Levels(const HuffEncodeTables* tables, BlockSet* set) {
   Keep_Bytes(set, 1, _mm256_permute2x128_si256(s0, s1, 0x31), _mm256_permute2x128_si256(s2, s3, 0x31));
 }
 
-void Overlay_Encode_Avx2(Kernels* record) { record->encodeRow = Encode_Units; }
+void Use_Encode_Avx2(Kernels* record) { record->encodeRow = Encode_Units; }

@@ -108,4 +108,4 @@ static void Sort_Levels(const HuffEncodeTables* tables, BlockSet* set) {
   set->nonZero[0] = nonZero;
 }
 
-void Overlay_Encode_Sse2(Kernels* record) { record->encodeRow = Encode_Units; }
+void Use_Encode_Sse2(Kernels* record) { record->encodeRow = Encode_Units; }

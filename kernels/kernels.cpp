@@ -1,5 +1,16 @@
 #include "kernels/kernels.h"
 
+#include "kernels/cpu.h"
+
+/* Mask of the compiled levels, as cmake/kernels.cmake gives it. Without it only the plain kernels are known to be there. */
+#ifndef VELARTO_KERNEL_LEVELS
+#define VELARTO_KERNEL_LEVELS 0
+#endif
+
+const uint32_t kernelsBuilt = VELARTO_KERNEL_LEVELS;
+
+static constexpr bool Is_Built(KernelLevel level) { return (VELARTO_KERNEL_LEVELS & level) != 0; }
+
 static void End_Stream_Plain() {}
 
 static constexpr Kernels plainKernels = {
@@ -26,37 +37,30 @@ static constexpr Kernels plainKernels = {
 
 constinit Kernels kernels = plainKernels;
 
-#if defined(__i386__) || defined(__x86_64__)
-
-static void Overlay_Sse2(Kernels* record) {
-  Overlay_Convert_Sse2(record);
-  Overlay_Dither_Sse2(record);
-  Overlay_Unstuff_Sse2(record);
-  Overlay_Entropy_Sse2(record);
-  Overlay_Strip_Transform_Sse2(record);
-  Overlay_To_Planes_Sse2(record);
-  Overlay_Encode_Sse2(record);
-}
-
-static void Overlay_Avx2(Kernels* record) {
-  Overlay_Convert_Avx2(record);
-  Overlay_Dither_Avx2(record);
-  Overlay_Unstuff_Avx2(record);
-  Overlay_Entropy_Avx2(record);
-  Overlay_Strip_Transform_Avx2(record);
-  Overlay_To_Planes_Avx2(record);
-  Overlay_Encode_Avx2(record);
-}
-
+/* A level that isn't compiled has no functions to refer to: what stands under such a condition is dropped. */
 Kernels Kernels_Select(uint32_t mask) {
   Kernels record = plainKernels;
-  if (mask & KernelSse2) Overlay_Sse2(&record);
-  if (mask & KernelAvx2) Overlay_Avx2(&record);
+  if constexpr (Is_Built(KernelSse2)) {
+    if (mask & KernelSse2) {
+      Use_Convert_Sse2(&record);
+      Use_Dither_Sse2(&record);
+      Use_Unstuff_Sse2(&record);
+      Use_Entropy_Sse2(&record);
+      Use_Strip_Transform_Sse2(&record);
+      Use_To_Planes_Sse2(&record);
+      Use_Encode_Sse2(&record);
+    }
+  }
+  if constexpr (Is_Built(KernelAvx2)) {
+    if (mask & KernelAvx2) {
+      Use_Convert_Avx2(&record);
+      Use_Dither_Avx2(&record);
+      Use_Unstuff_Avx2(&record);
+      Use_Entropy_Avx2(&record);
+      Use_Strip_Transform_Avx2(&record);
+      Use_To_Planes_Avx2(&record);
+      Use_Encode_Avx2(&record);
+    }
+  }
   return record;
 }
-
-#else
-
-Kernels Kernels_Select(uint32_t /*mask*/) { return plainKernels; }
-
-#endif

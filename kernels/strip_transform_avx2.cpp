@@ -297,7 +297,7 @@ INLINE void Transform_Kind(const Kind* kind, const Classes* classes, Pairs all, 
 }
 
 static void Transform_Strip(int16_t* blocks, const StripReach* reach, int32_t macroblocks, const StripQuant* luma,
-                            const StripQuant* chroma, const uint8_t*, int32_t* predictors, uint8_t* const* rows) {
+                            const StripQuant* chroma, int32_t* predictors, uint8_t* const* rows) {
   int32_t dc[6 * StripMacroblocks];
   Sum_Dc(blocks, macroblocks, predictors, dc);
   const Pairs all = ((Pairs)1 << (3 * macroblocks)) - 1;
@@ -307,4 +307,4 @@ static void Transform_Strip(int16_t* blocks, const StripReach* reach, int32_t ma
   Transform_Kind(&chromaKind, &classes, all & ChromaPairs, Put_Chroma);
 }
 
-void Overlay_Strip_Transform_Avx2(Kernels* record) { record->transformStrip = Transform_Strip; }
+void Use_Strip_Transform_Avx2(Kernels* record) { record->transformStrip = Transform_Strip; }

@@ -147,7 +147,7 @@ static void Transform_Block(int16_t* block, StripProgress progress, int32_t dc, 
 }
 
 static void Transform_Strip(int16_t* blocks, const StripReach* reach, int32_t macroblocks, const StripQuant* luma,
-                            const StripQuant* chroma, const uint8_t*, int32_t* predictors, uint8_t* const* rows) {
+                            const StripQuant* chroma, int32_t* predictors, uint8_t* const* rows) {
   int32_t dc[6 * StripMacroblocks];
   Sum_Dc(blocks, macroblocks, predictors, dc);
   for (int32_t m = 0; m < macroblocks; ++m) {
@@ -161,4 +161,4 @@ static void Transform_Strip(int16_t* blocks, const StripReach* reach, int32_t ma
   }
 }
 
-void Overlay_Strip_Transform_Sse2(Kernels* record) { record->transformStrip = Transform_Strip; }
+void Use_Strip_Transform_Sse2(Kernels* record) { record->transformStrip = Transform_Strip; }

@@ -109,4 +109,4 @@ static inline void Convert_Step(const uint8_t* upper, const uint8_t* lower, uint
 
 #include "kernels/to_planes_body.h"
 
-void Overlay_To_Planes_Avx2(Kernels* record) { record->toPlanes = Convert_Rows; }
+void Use_To_Planes_Avx2(Kernels* record) { record->toPlanes = Convert_Rows; }

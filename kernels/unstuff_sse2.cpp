@@ -24,4 +24,4 @@ static uint8_t* Copy_Rest(const uint8_t* data, uint32_t found, uint8_t* out) {
 
 #include "kernels/unstuff_body.h"
 
-void Overlay_Unstuff_Sse2(Kernels* record) { record->unstuff = Unstuff; }
+void Use_Unstuff_Sse2(Kernels* record) { record->unstuff = Unstuff; }

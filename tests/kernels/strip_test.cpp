@@ -79,7 +79,7 @@ TEST_F(StripKernel, TransformsAsThePlainBlocks) {
         }
         Idct_Row_Plain(block, 1, isLuma ? codec->lumaInverse : codec->chromaInverse, rangeLimit, places);
       }
-      record.transformStrip(store->blocks, &reach, count, &store->luma, &store->chroma, rangeLimit, predictors, got.rows);
+      record.transformStrip(store->blocks, &reach, count, &store->luma, &store->chroma, predictors, got.rows);
       ASSERT_EQ(got.bytes, expected.bytes) << level << " round " << round << " quality " << codec->quality;
       ASSERT_TRUE(std::equal(predictors, predictors + 3, sums));
       ASSERT_TRUE(std::all_of(store->blocks, store->blocks + StripMacroblocks * StripMacroblockSize, [](int16_t word) {

@@ -1,5 +1,5 @@
 // What the encoder writes, read by the decoder and by djpeg.
-#include "kernels/kernels.h"
+#include "kernels/cpu.h"
 #include "support/djpeg.h"
 
 namespace {
