@@ -1,5 +1,6 @@
 // Kernels of decoding alone, a picture's row of 640 pixels at a time, on data as photographs bring it.
 #include "bench/levels.h"
+#include "decode/decoder.h"
 #include "decode/quant.h"
 #include "decode/rows.h"
 #include "decode/strip_tables.h"

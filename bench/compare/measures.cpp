@@ -1,5 +1,6 @@
 #include "bench/compare/measures.h"
 
+#include "decode/decoder.h"
 #include "display/context.h"
 #include "tests/support/window.h"
 
