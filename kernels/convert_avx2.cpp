@@ -1,36 +1,21 @@
-/* The converters in vectors of 16 pairs. Pixels of 24 and 32 bits are made at once in the order of memory: byte shuffles lay out
- * luma and offsets so that each byte of a pixel has its own, and their sums are the pixels. */
+/* The converters in vectors of 16 pairs. Pixels of 24 and 32 bits are made in the order of memory at once: byte shuffles bring
+ * luma and offsets to the places of a pixel's bytes, and the sums are the pixels. */
 #include "kernels/kernels.h"
-
-#include <immintrin.h>
-
-typedef __m256i V;
-#define OP(name) _mm256_##name
-
-static __m128i Load_16(const uint8_t* from) { return _mm_loadu_si128((const __m128i*)from); }
-
-static V Load(const uint8_t* from) { return _mm256_loadu_si256((const V*)from); }
-
-static V Load_Half(const uint8_t* from) { return _mm256_permute4x64_epi64(_mm256_castsi128_si256(Load_16(from)), 0x50); }
-
-static void Store_Lanes(uint8_t* to, V lower, V upper) {
-  _mm256_storeu_si256((V*)to, _mm256_permute2x128_si256(lower, upper, 0x20));
-  _mm256_storeu_si256((V*)(to + 32), _mm256_permute2x128_si256(lower, upper, 0x31));
-}
-
+#include "kernels/vector_avx2_body.h"
+// Uses the verbs above.
 #include "kernels/convert_body.h"
 
-/** Of a byte shuffle: for each byte its source in the same lane, or 0x80 for zero. */
+/** For each byte of a byte shuffle: its source in the same lane, or 0x80 for zero. */
 struct Selectors {
   alignas(32) uint8_t from[32];
 };
 
-/** Which pairs of a block stand in the lanes of a vector that works on four of them a lane. */
+/** The pairs of a block that each lane of a vector works on, four a lane. */
 struct LanePairs {
   uint8_t pair[2][4];
 };
 
-/** From 8 pairs of Cb and Cr bytes, in turn, to the upper bytes of words. */
+/** From 8 pairs' bytes of Cb and Cr, in turn, to the upper bytes of words. */
 static constexpr Selectors Chroma_Selectors(const LanePairs& lanes) {
   Selectors selectors = {};
   for (int32_t i = 0; i < 32; ++i) {
@@ -76,29 +61,27 @@ static constexpr Selectors offset24[3] = {Offset_Selectors(3, 0, pairs24[0], 8),
 static constexpr Selectors offset32[4] = {Offset_Selectors(4, 0, pairs32[0], 8), Offset_Selectors(4, 1, pairs32[0], 8),
                                           Offset_Selectors(4, 2, pairs32[1], 9), Offset_Selectors(4, 3, pairs32[1], 9)};
 
-static V Pick(V from, const Selectors& selectors) { return _mm256_shuffle_epi8(from, *(const V*)selectors.from); }
+static Vector Pick(Vector from, const Selectors& selectors) { return Pick_8(from, *(const Vector*)selectors.from); }
 
-static V Load_Twice(const uint8_t* from) { return _mm256_broadcastsi128_si256(Load_16(from)); }
-
-/** Samples about 0 from bytes about 0, times 2, as words: Cb and Cr in turn. */
-static V Doubled(V bytes, const Selectors& selectors) { return _mm256_srai_epi16(Pick(bytes, selectors), 7); }
+/** Words of Cb and Cr in turn, about 0, times 2; from bytes about 0. */
+static Vector Doubled(Vector bytes, const Selectors& selectors) { return Shift_Right_16(Pick(bytes, selectors), 7); }
 
 /** Offsets of blue and red in turn. */
-static V Blue_Red(V doubled) { return _mm256_mulhrs_epi16(doubled, _mm256_set1_epi32(22970 << 16 | 29033)); }
+static Vector Blue_Red(Vector doubled) { return _mm256_mulhrs_epi16(doubled, Broadcast_32(22970 << 16 | 29033)); }
 
-/** Green offsets less 1 in the upper half of double words; what is below is of no use. */
-static V Green_Less_1(V doubled) { return _mm256_madd_epi16(doubled, _mm256_set1_epi32(GreenFactors)); }
+/** Green offsets less 1 in the upper half of double words; the lower half means nothing. */
+static Vector Green_Less_1(Vector doubled) { return Multiply_Add_Pairs_16(doubled, Green_Factors()); }
 
 /** Those of two vectors, in turn. */
-static V Green_Pair(V first, V second) {
-  return _mm256_blend_epi16(_mm256_srli_epi32(Green_Less_1(first), 16), Green_Less_1(second), 0xAA);
+static Vector Green_Pair(Vector first, Vector second) {
+  return _mm256_blend_epi16(Shift_Right_Unsigned_32(Green_Less_1(first), 16), Green_Less_1(second), 0xAA);
 }
 
-/** What to add and what to take off, of blue and red and then of green. */
-static Offset Lane_Offset(V doubled, V greenLess1) {
-  const V blueRed = Blue_Red(doubled);
-  return {_mm256_packus_epi16(blueRed, _mm256_add_epi16(greenLess1, _mm256_set1_epi16(1))),
-          _mm256_packus_epi16(_mm256_sub_epi16(_mm256_setzero_si256(), blueRed), greenLess1 ^ _mm256_set1_epi16(-1))};
+/** What to add and what to subtract, for blue and red and then for green. */
+static Offset Lane_Offset(Vector doubled, Vector greenLess1) {
+  const Vector blueRed = Blue_Red(doubled);
+  return {Pack_Saturate_Unsigned_16(blueRed, Add_16(greenLess1, Broadcast_16(1))),
+          Pack_Saturate_Unsigned_16(Subtract_16(Broadcast_16(0), blueRed), greenLess1 ^ Broadcast_16(-1))};
 }
 
 static Offset Laid_Out(const Offset& lanes, const Selectors& selectors) {
@@ -106,30 +89,30 @@ static Offset Laid_Out(const Offset& lanes, const Selectors& selectors) {
 }
 
 template <bool stream>
-static void Store(uint8_t* to, V vector) {
+static void Put(uint8_t* to, Vector pixels) {
   if (stream) {
-    _mm256_stream_si256((V*)to, vector);
+    _mm256_stream_si256((Vector*)to, pixels);
   } else {
-    _mm256_storeu_si256((V*)to, vector);
+    Store(to, pixels);
   }
 }
 
 template <bool stream>
 static void Put_Rgb24(uint8_t* out, const uint8_t* y, const Offset* offsets) {
-  Store<stream>(out, Add(Pick(Load_Twice(y), luma24[0]), offsets[0]));
-  Store<stream>(out + 32, Add(Pick(Load(y), luma24[1]), offsets[1]));
-  Store<stream>(out + 64, Add(Pick(Load_Twice(y + 16), luma24[2]), offsets[2]));
+  Put<stream>(out, Add(Pick(Load_Each_Lane(y), luma24[0]), offsets[0]));
+  Put<stream>(out + 32, Add(Pick(Load(y), luma24[1]), offsets[1]));
+  Put<stream>(out + 64, Add(Pick(Load_Each_Lane(y + 16), luma24[2]), offsets[2]));
 }
 
 template <bool stream>
 static void Block_Rgb24(const uint8_t* yUpper, const uint8_t* yLower, const uint8_t* cb, const uint8_t* cr, uint8_t* outUpper,
                         uint8_t* outLower) {
-  const V half = _mm256_set1_epi8(-128), u = Load_Twice(cb) ^ half, v = Load_Twice(cr) ^ half;
-  const V low = _mm256_unpacklo_epi8(u, v), high = _mm256_unpackhi_epi8(u, v);
-  const V first = Doubled(low, chroma24[0]), last = Doubled(high, chroma24[2]);
-  const V second = Doubled(_mm256_blend_epi32(low, high, 0xF0), chroma24[1]);
-  const V green = Green_Pair(first, second);
-  const V lastGreen = Green_Less_1(last);
+  const Vector half = Broadcast_8(-128), u = Load_Each_Lane(cb) ^ half, v = Load_Each_Lane(cr) ^ half;
+  const Vector low = Interleave_Low_8(u, v), high = Interleave_High_8(u, v);
+  const Vector first = Doubled(low, chroma24[0]), last = Doubled(high, chroma24[2]);
+  const Vector second = Doubled(_mm256_blend_epi32(low, high, 0xF0), chroma24[1]);
+  const Vector green = Green_Pair(first, second);
+  const Vector lastGreen = Green_Less_1(last);
   const Offset offsets[3] = {Laid_Out(Lane_Offset(first, green), offset24[0]), Laid_Out(Lane_Offset(second, green), offset24[1]),
                              Laid_Out(Lane_Offset(last, lastGreen), offset24[2])};
   Put_Rgb24<stream>(outUpper, yUpper, offsets);
@@ -138,19 +121,19 @@ static void Block_Rgb24(const uint8_t* yUpper, const uint8_t* yLower, const uint
 
 template <bool stream>
 static void Put_Rgb32(uint8_t* out, const uint8_t* y, const Offset* offsets) {
-  const V left = Load_Twice(y), right = Load_Twice(y + 16);
-  Store<stream>(out, Add(Pick(left, luma32[0]), offsets[0]));
-  Store<stream>(out + 32, Add(Pick(left, luma32[1]), offsets[1]));
-  Store<stream>(out + 64, Add(Pick(right, luma32[0]), offsets[2]));
-  Store<stream>(out + 96, Add(Pick(right, luma32[1]), offsets[3]));
+  const Vector left = Load_Each_Lane(y), right = Load_Each_Lane(y + 16);
+  Put<stream>(out, Add(Pick(left, luma32[0]), offsets[0]));
+  Put<stream>(out + 32, Add(Pick(left, luma32[1]), offsets[1]));
+  Put<stream>(out + 64, Add(Pick(right, luma32[0]), offsets[2]));
+  Put<stream>(out + 96, Add(Pick(right, luma32[1]), offsets[3]));
 }
 
 template <bool stream>
 static void Block_Rgb32(const uint8_t* yUpper, const uint8_t* yLower, const uint8_t* cb, const uint8_t* cr, uint8_t* outUpper,
                         uint8_t* outLower) {
-  const V half = _mm256_set1_epi8(-128), u = Load_Twice(cb) ^ half, v = Load_Twice(cr) ^ half;
-  const V left = Doubled(_mm256_unpacklo_epi8(u, v), chroma32), right = Doubled(_mm256_unpackhi_epi8(u, v), chroma32);
-  const V green = Green_Pair(left, right);
+  const Vector half = Broadcast_8(-128), u = Load_Each_Lane(cb) ^ half, v = Load_Each_Lane(cr) ^ half;
+  const Vector left = Doubled(Interleave_Low_8(u, v), chroma32), right = Doubled(Interleave_High_8(u, v), chroma32);
+  const Vector green = Green_Pair(left, right);
   const Offset leftOffset = Lane_Offset(left, green), rightOffset = Lane_Offset(right, green);
   const Offset offsets[4] = {Laid_Out(leftOffset, offset32[0]), Laid_Out(leftOffset, offset32[1]),
                              Laid_Out(rightOffset, offset32[2]), Laid_Out(rightOffset, offset32[3])};
@@ -158,12 +141,12 @@ static void Block_Rgb32(const uint8_t* yUpper, const uint8_t* yLower, const uint
   Put_Rgb32<stream>(outLower, yLower, offsets);
 }
 
-/** Convert past the cache, for rows that start where a vector can be streamed; others, and what is behind the last whole block,
- *  go to the normal kernel. */
+/** Convert past the cache, for rows whose addresses allow vectors to be streamed. Other rows, and what follows the last whole
+ *  block, go to the normal kernel. */
 template <ConvertBlock block, ConvertRowsKernel normal, int32_t bytes>
 static void Stream(const ColorTables* tables, const uint8_t* yUpper, const uint8_t* yLower, const uint8_t* cb, const uint8_t* cr,
                    uint8_t* outUpper, uint8_t* outLower, int32_t pairs) {
-  if (pairs < BlockPairs || ((uintptr_t)outUpper | (uintptr_t)outLower) % sizeof(V) != 0) {
+  if (pairs < BlockPairs || ((uintptr_t)outUpper | (uintptr_t)outLower) % sizeof(Vector) != 0) {
     return normal(tables, yUpper, yLower, cb, cr, outUpper, outLower, pairs);
   }
   const ptrdiff_t last = pairs - BlockPairs;

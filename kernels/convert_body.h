@@ -1,68 +1,68 @@
-/* What the converters of the vector levels share; part of convert_sse2.cpp and convert_avx2.cpp. Those define V, a vector;
- * OP(name), its intrinsic of that name; Load, a vector from any address; Load_Half, half as many bytes, in order at the lower
- * half of each lane; Store_Lanes, two vectors, the lower lanes of both and then the upper.
+/* What the converters of the vector levels share.
  *
- * The tables hold multiples of the sample, and multiplication gives them back: exactly, for each of the 256. An offset can leave
- * a byte, so it comes as two of them, what to add to luma and what to take off; saturating sums with both are the clamp. */
+ * The colour tables hold multiples of the sample. Multiplication gives each of the 256 exactly. An offset needs more than a byte,
+ * so it comes as two: what to add to luma and what to subtract. Saturating sums with both are the clamp. */
 
-/** Pairs a block: it has a vector of luma in each row. */
-static const int32_t BlockPairs = sizeof(V) / 2;
+/** Pairs of pixels in a block, which has one vector of luma in each row. */
+static const int32_t BlockPairs = sizeof(Vector) / 2;
 
 namespace {
 
-/** What chroma adds to luma, by colour: in the lower half of each lane what to add, in the upper what to take off; a byte a pair.
- */
+/** What chroma adds to luma, by colour: a byte a pair, in the lower half of each lane what to add, in the upper half what to
+ *  subtract. */
 struct PairOffsets {
-  V blue, green, red;
+  Vector blue, green, red;
 };
 
 /** Of one colour, a byte a pixel. */
 struct Offset {
-  V more, less;
+  Vector more, less;
 };
 
 }  // namespace
 
 /** Samples about 0, times 256. */
-static V Centred(const uint8_t* samples) {
-  return OP(unpacklo_epi8)(OP(set1_epi8)(0), Load_Half(samples)) ^ OP(set1_epi16)(-32768);
+static Vector Centred(const uint8_t* samples) {
+  return Interleave_Low_8(Broadcast_8(0), Load_Halves(samples)) ^ Broadcast_16(-32768);
 }
 
 /** The product with factor / 16384, rounded. */
-static V Scaled(V centred, int16_t factor) {
-  return OP(srai_epi16)(OP(add_epi16)(OP(mulhi_epi16)(centred, OP(set1_epi16)(factor)), OP(set1_epi16)(32)), 6);
+static Vector Scaled(Vector centred, int16_t factor) {
+  return Shift_Right_16(Add_16(Multiply_High_16(centred, Broadcast_16(factor)), Broadcast_16(32)), 6);
 }
 
-/** Of Cr and Cb in green, in 32768ths. */
-static const int32_t GreenFactors = (int32_t)((uint32_t)-23401 << 16 | (-11277 & 0xFFFF));
+/** Green's factors for Cb and Cr, in 32768ths. */
+static Vector Green_Factors() { return Broadcast_Pair_16(-11277, -23401); }
 
-/** Both products in one sum, rounded down; and 1, for there are two rounding halves. */
-static V Green(V cb, V cr) {
-  const V factors = OP(set1_epi32)(GreenFactors);
-  const V low = OP(madd_epi16)(OP(unpacklo_epi16)(cb, cr), factors), high = OP(madd_epi16)(OP(unpackhi_epi16)(cb, cr), factors);
-  return OP(add_epi16)(OP(packs_epi32)(OP(srai_epi32)(low, 23), OP(srai_epi32)(high, 23)), OP(set1_epi16)(1));
+/** Both products in one sum, rounded down; plus 1, as two halves are rounded. */
+static Vector Green(Vector cb, Vector cr) {
+  const Vector low = Multiply_Add_Pairs_16(Interleave_Low_16(cb, cr), Green_Factors());
+  const Vector high = Multiply_Add_Pairs_16(Interleave_High_16(cb, cr), Green_Factors());
+  return Add_16(Pack_Saturate_32(Shift_Right_32(low, 23), Shift_Right_32(high, 23)), Broadcast_16(1));
 }
 
-static V Split(V offset) { return OP(packus_epi16)(offset, OP(sub_epi16)(OP(set1_epi16)(0), offset)); }
+static Vector Split(Vector offset) { return Pack_Saturate_Unsigned_16(offset, Subtract_16(Broadcast_16(0), offset)); }
 
 static PairOffsets Chroma_Offsets(const uint8_t* cb, const uint8_t* cr) {
-  const V u = Centred(cb), v = Centred(cr);
+  const Vector u = Centred(cb), v = Centred(cr);
   return {Split(Scaled(u, 29033)), Split(Green(u, v)), Split(Scaled(v, 22970))};
 }
 
 /** For both pixels of a pair. */
-static Offset Twice(V offset) { return {OP(unpacklo_epi8)(offset, offset), OP(unpackhi_epi8)(offset, offset)}; }
+static Offset Twice(Vector offset) { return {Interleave_Low_8(offset, offset), Interleave_High_8(offset, offset)}; }
 
-static V Add(V luma, const Offset& offset) { return OP(subs_epu8)(OP(adds_epu8)(luma, offset.more), offset.less); }
+static Vector Add(Vector luma, const Offset& offset) {
+  return Subtract_Saturate_8(Add_Saturate_8(luma, offset.more), offset.less);
+}
 
-/** Words, with 6 bits of green or 5. A shift carries bits over from the other byte of a word; the masks take those too. */
+/** Words, with 6 bits of green or 5. A shift moves bits over from the other byte of a word; the masks remove those too. */
 template <int32_t greenBits>
-static void Put_Words(uint8_t* out, V blue, V green, V red) {
-  const V lowFive = OP(srli_epi16)(blue & OP(set1_epi8)(-8), 3);
-  const V lower = lowFive | (OP(slli_epi16)(green, greenBits - 3) & OP(set1_epi8)(-32));
-  V upper = (red & OP(set1_epi8)(-8)) | (OP(srli_epi16)(green, 5) & OP(set1_epi8)(7));
-  if (greenBits == 5) upper = OP(srli_epi16)(upper, 1) & OP(set1_epi8)(127);
-  Store_Lanes(out, OP(unpacklo_epi8)(lower, upper), OP(unpackhi_epi8)(lower, upper));
+static void Put_Words(uint8_t* out, Vector blue, Vector green, Vector red) {
+  const Vector lowFive = Shift_Right_Unsigned_16(blue & Broadcast_8(-8), 3);
+  const Vector lower = lowFive | (Shift_Left_16(green, greenBits - 3) & Broadcast_8(-32));
+  Vector upper = (red & Broadcast_8(-8)) | (Shift_Right_Unsigned_16(green, 5) & Broadcast_8(7));
+  if (greenBits == 5) upper = Shift_Right_Unsigned_16(upper, 1) & Broadcast_8(127);
+  Store_Lanes(out, Interleave_Low_8(lower, upper), Interleave_High_8(lower, upper));
 }
 
 template <int32_t greenBits>
@@ -70,7 +70,7 @@ static void Block_Words(const uint8_t* yUpper, const uint8_t* yLower, const uint
                         uint8_t* outLower) {
   const PairOffsets offsets = Chroma_Offsets(cb, cr);
   const Offset blue = Twice(offsets.blue), green = Twice(offsets.green), red = Twice(offsets.red);
-  const V upper = Load(yUpper), lower = Load(yLower);
+  const Vector upper = Load(yUpper), lower = Load(yLower);
   Put_Words<greenBits>(outUpper, Add(upper, blue), Add(upper, green), Add(upper, red));
   Put_Words<greenBits>(outLower, Add(lower, blue), Add(lower, green), Add(lower, red));
 }
@@ -79,8 +79,8 @@ static void Block_Words(const uint8_t* yUpper, const uint8_t* yLower, const uint
 using ConvertBlock = void (*)(const uint8_t* yUpper, const uint8_t* yLower, const uint8_t* cb, const uint8_t* cr,
                               uint8_t* outUpper, uint8_t* outLower);
 
-/** Converts rows block by block. The last one ends with the row, over pixels that are there already; what is shorter than a block
- *  is left to the plain kernel. */
+/** Converts rows block by block. The last block ends with the row and overlaps the one before; a row shorter than a block goes to
+ *  the plain kernel. */
 template <ConvertBlock block, ConvertRowsKernel plain, int32_t bytes>
 static void Convert(const ColorTables* tables, const uint8_t* yUpper, const uint8_t* yLower, const uint8_t* cb, const uint8_t* cr,
                     uint8_t* outUpper, uint8_t* outLower, int32_t pairs) {

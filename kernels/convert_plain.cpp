@@ -1,4 +1,4 @@
-/* From luma and the chroma shared by 2x2 pixels to packed pixels, the rule: table reads and sums, no multiplication. */
+/* Luma, and chroma that 2x2 pixels share, to packed pixels, the rule: table reads and sums, no multiplication. */
 #include "kernels/kernels.h"
 
 /** What the chroma of a 2x2 block adds to its luma. Indices into the clamp table stay within -227 to 480. */

@@ -1,8 +1,6 @@
-/* Decodes a strip. One lookup gives up to two values and the end of the block; whether a block ends is data here, not a branch,
- * for nobody could foretell it. What a lookup can't give goes through Careful_Symbol: long codes, and whatever stands at a
- * block's last positions. */
-
-#include "kernels/kernels.h"
+/* Decodes a strip, at every vector level. One lookup gives up to two values and the end of the block. Whether a block ends
+ * selects the next table, since a branch could not be predicted. What a lookup can't give goes through Careful_Symbol: long
+ * codes, and the last positions of a block. */
 
 #define INLINE static inline __attribute__((always_inline))
 
@@ -16,13 +14,13 @@ static Window Bytes_At(const uint8_t* data) {
   return sizeof bits == 8 ? (Window)__builtin_bswap64(bits) : (Window)__builtin_bswap32((uint32_t)bits);
 }
 
-/** Where a strip's decoding stands: the top `count` bits of the window are to be used. Below them may stand the bits that follow,
- *  which filling up sets again. */
+/** Where the decoding of a strip stands: the top `count` bits of the window are valid. The bits below them may already be set to
+ *  those that follow; filling sets them again. */
 struct BitWindow {
   Window window;
   uint32_t count;
-  const uint8_t* bytes;  ///< What fills the window up next.
-  const uint8_t* limit;  ///< So far behind the data's end that no bit of a window is data.
+  const uint8_t* bytes;  ///< What fills the window next.
+  const uint8_t* limit;  ///< So far after the data's end that no bit of a window is data.
 };
 
 INLINE struct BitWindow Open_Window(const StripReader* reader) {
@@ -32,7 +30,7 @@ INLINE struct BitWindow Open_Window(const StripReader* reader) {
           reader->data + reader->end / 8 + sizeof(Window)};
 }
 
-/** To WindowBits - 8 bits at least. */
+/** Fills the window to at least WindowBits - 8 bits. */
 INLINE void Fill(BitWindow* bits) {
   if (bits->bytes > bits->limit) bits->bytes = bits->limit;
   bits->window |= Bytes_At(bits->bytes) >> bits->count;
@@ -45,7 +43,7 @@ INLINE void Use(BitWindow* bits, uint32_t count) {
   bits->count -= count;
 }
 
-/** What the next bits begin with: a symbol, 0 for bits that are no code, and above it the bits that it takes with its value. */
+/** What the next bits begin with. Low byte: the symbol, or 0 for bits that are no code; above it: the bits of code and value. */
 INLINE uint32_t Code_At(Window window, const uint16_t* codes) {
   const uint32_t next = (uint32_t)(window >> (WindowBits - 16));
   return codes[next < 0xFF00 ? next >> (16 - StripLookupBits) : next - 0xFF00 + (1 << StripLookupBits)];
@@ -53,12 +51,13 @@ INLINE uint32_t Code_At(Window window, const uint16_t* codes) {
 
 /** The value of `size` bits, 0 to 15, at the window's top; the lower half of the range stands for negative numbers. */
 INLINE int32_t Value_At(Window window, uint32_t size) {
-  // In two shifts, as one by all the bits is none.
+  // In two shifts, since a shift by all bits is undefined.
   const int32_t value = (int32_t)(window >> 1 >> (WindowBits - 1 - size)), negative = (int32_t)(~window >> (WindowBits - 1));
   return value - (negative << size) + negative;
 }
 
-/** The next symbol by the rule: sets the block's progress, to its end at most. Gives 1 when the block ends. */
+/** Decodes a single symbol as the plain kernel does, and moves the block's progress on, at most to the block's end. Gives 1 when
+ * the block ends. */
 INLINE uint32_t Careful_Symbol(BitWindow* bits, const uint16_t* codes, const uint8_t* places, StripProgress* progress,
                                int16_t* block) {
   const uint32_t k = *progress & 0xFF, code = Code_At(bits->window, codes);
@@ -83,8 +82,9 @@ INLINE uint32_t Careful_Symbol(BitWindow* bits, const uint16_t* codes, const uin
   return next > 63;
 }
 
-/** The block's further symbols. */
-INLINE void Careful_Rest(BitWindow* bits, const uint16_t* codes, const uint8_t* places, StripProgress* progress, int16_t* block) {
+/** Decodes the block's other symbols. */
+INLINE void Careful_Block(BitWindow* bits, const uint16_t* codes, const uint8_t* places, StripProgress* progress,
+                          int16_t* block) {
   uint32_t ended;
   do {
     Fill(bits);
@@ -94,23 +94,23 @@ INLINE void Careful_Rest(BitWindow* bits, const uint16_t* codes, const uint8_t* 
   } while (!ended);
 }
 
-/** By the table of steps. */
+/** Of the code whose table of steps is given. */
 INLINE const uint16_t* Codes_Of(const StripTables* tables, const uint8_t* table) {
   return tables->codes + ((table - tables->steps) >> StripLookupBits) * StripCodeEntries;
 }
 
-/** Steps that a full window is enough for. Where a lookup fails within so few of them after the last one that did, the rest of
- * the block goes symbol by symbol: data full of long codes costs a wrong guess a symbol otherwise. */
+/** A full window is enough for MostSteps. If a lookup fails within EasySteps after another one did, the block is decoded to its
+ * end symbol by symbol: in data full of long codes each symbol would cost a mispredicted branch otherwise. */
 static const uint32_t MostSteps = (WindowBits - 7) / StripLookupBits, EasySteps = 1;
 
 static void Decode_Strip(StripReader* reader, const StripTables* tables, int16_t* blocks, StripReach* reach,
                          int32_t macroblocks) {
-  // For a shorter strip the end of a full one's sequence.
+  // A shorter strip uses the end of a full strip's sequence.
   const uint8_t* const* const sequence = tables->sequence + (ptrdiff_t)2 * 6 * (StripMacroblocks - macroblocks);
   const size_t stop = (size_t)6 * (size_t)macroblocks;
   BitWindow bits = Open_Window(reader);
   size_t b = 0;
-  uint32_t easy = 1;  // Whether a whole window of steps went well since the last that didn't.
+  uint32_t easy = 1;  // Whether all steps of a window have succeeded since the last failure.
   StripProgress progress = 0;
   const uint8_t* table = sequence[0];
 
@@ -148,7 +148,7 @@ static void Decode_Strip(StripReader* reader, const StripTables* tables, int16_t
     int16_t* const block = blocks + tables->offsets[b];
     uint32_t ended = Careful_Symbol(&bits, Codes_Of(tables, table), tables->places, &progress, block);
     if (!ended && !easy && left > MostSteps - EasySteps) {
-      Careful_Rest(&bits, Codes_Of(tables, sequence[2 * b + 1]), tables->places, &progress, block);
+      Careful_Block(&bits, Codes_Of(tables, sequence[2 * b + 1]), tables->places, &progress, block);
       ended = 1;
     }
     easy = 0;

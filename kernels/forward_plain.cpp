@@ -1,5 +1,6 @@
-/* The front half of the encoder, the rule: B, G, R to luma and chroma, chroma to half size, forward transform with quantisation.
- * The transform is that of Arai, Agui and Nakajima; its gains are part of the divisors. 32 bits are ample for byte samples. */
+/* The encoder up to its coefficients, the rule: B, G, R to luma and chroma, chroma to half size, forward transform with
+ * quantisation. The transform is that of Arai, Agui and Nakajima; its gains are part of the divisors. Byte samples can't pass 32
+ * bits. */
 #include "kernels/kernels.h"
 
 void To_Ycc_Row_Plain(const int32_t* rgbYcc, const uint8_t* pixels, uint8_t* y, uint8_t* cb, uint8_t* cr, int32_t count) {
@@ -22,7 +23,7 @@ void Downsample_Row_Plain(const uint8_t* upper, const uint8_t* lower, uint8_t* o
   }
 }
 
-/** One 8-point pass; `shift` is taken off each sum of two samples. Constants in 8 fractional bits. */
+/** One 8-point pass; `shift` is subtracted from each sum of two samples. The constants have 8 fractional bits. */
 static void Butterfly(const int32_t* x, int32_t shift, int32_t* y) {
   const int32_t a0 = x[0] + x[7] - shift, a1 = x[1] + x[6] - shift, a2 = x[2] + x[5] - shift, a3 = x[3] + x[4] - shift;
   const int32_t d0 = x[0] - x[7], d1 = x[1] - x[6], d2 = x[2] - x[5], d3 = x[3] - x[4];
@@ -38,12 +39,12 @@ static void Butterfly(const int32_t* x, int32_t shift, int32_t* y) {
   y[5] = g3 + z2, y[3] = g3 - z2, y[1] = g1 + z4, y[7] = g1 - z4;
 }
 
-/** By the reciprocal; what is below half a divisor is 0. */
+/** Multiplies by the reciprocal; values below half the divisor become 0. */
 static int32_t Quantise(int32_t value, int32_t reciprocal, int32_t divisor) {
   const int32_t size = value < 0 ? -value : value;
   if (size < divisor >> 1) return 0;
-  const int32_t level = (size * (reciprocal + 1) + 32768) >> 16;
-  return value < 0 ? -level : level;
+  const int32_t quantised = (size * (reciprocal + 1) + 32768) >> 16;
+  return value < 0 ? -quantised : quantised;
 }
 
 static void Forward_DCT_Block(uint8_t* const* rows, int32_t left, const int16_t* forward, const int16_t* inverse,

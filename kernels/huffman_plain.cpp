@@ -1,11 +1,10 @@
 /* Entropy decoding, the rule: baseline JPEG blocks with fixed tables, no markers inside the data. */
 #include "kernels/kernels.h"
 
-/** Of 64 coefficients of a block. */
-static const int32_t BlockSize = 64;
-static const int32_t LastPosition = 63;
+/** Coefficients of a block, and the last scan position. */
+static const int32_t BlockSize = 64, LastPosition = 63;
 
-/** A byte of the data: a run of FF counts as one, and FF 00 is FF; any other byte behind FF stands for itself. */
+/** A byte of the data: a run of FF counts as one, and FF 00 is FF; any other byte after FF stands for itself. */
 static uint32_t Take_Byte(HuffReader* reader) {
   if (reader->next >= reader->end) return 0;
   uint32_t byte = *reader->next++;
@@ -16,7 +15,7 @@ static uint32_t Take_Byte(HuffReader* reader) {
   return byte == 0 ? 0xFF : byte;
 }
 
-/** Fills up to at least 25 bits: enough for any code and for any value. */
+/** Fills the buffer to at least 25 bits: enough for any code and for any value. */
 static void Huff_Fill_Bits(HuffReader* reader) {
   if (reader->bitCount >= 25) return;
   const int32_t bytes = (32 - reader->bitCount) / 8;
@@ -29,7 +28,7 @@ static uint32_t Next_Eight_Bits(HuffReader* reader) {
   return reader->bitBuffer >> (reader->bitCount - 8) & 0xFF;
 }
 
-/** The next symbol; 0 for bits that are no code. Those are left where they are, or lose their first 8 when these start a code. */
+/** The next symbol; 0 for bits that are no code. Of those nothing is taken, or their first 8 bits if a code starts like them. */
 static int32_t Huff_Decode_Symbol(HuffReader* reader, const JdecHuffLookup* lookup) {
   const uint32_t first = Next_Eight_Bits(reader);
   const int32_t length = lookup->lengths[first];
@@ -56,7 +55,7 @@ static int32_t Take_Value(HuffReader* reader, int32_t size) {
   return value < half ? value + 1 - (1 << size) : value;
 }
 
-/** Decodes one block, already zero; gives its DC value. scan receives the coefficients in the order of the stream. */
+/** Decodes one block, already zero; gives its DC value. scan receives the coefficients in scan order. */
 static int32_t Huff_Decode_Block(HuffReader* reader, int32_t* block, int32_t predictor, const JdecHuffLookup* dc,
                                  const JdecHuffLookup* ac, const int32_t* zigzagOrder, int32_t* scan) {
   const int32_t dcSize = Huff_Decode_Symbol(reader, dc);

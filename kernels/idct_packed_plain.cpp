@@ -1,7 +1,6 @@
-/* The packed form of the inverse transform: the data flow of idct_plain.cpp in lanes of 16 bits, as vector units of that width do
- * it. Sums wrap at 16 bits; a product with a constant is a pair of products summed in 32 bits, shifted right by 8 and saturated,
- * with the term that follows it taken into the pair, so that the last place can differ from the plain form. There are no zero
- * tests. */
+/* The packed form of the inverse transform: the data flow of idct_plain.cpp in lanes of 16 bits. Sums wrap at 16 bits. A product
+ * with a constant is a sum of two products in 32 bits, shifted right by 8 and saturated; the second product is the term that the
+ * plain form adds afterwards, so that the last place can differ. There are no zero tests. */
 #include "kernels/kernels.h"
 
 static int32_t Saturate16(int32_t x) { return x < -32768 ? -32768 : x > 32767 ? 32767 : x; }

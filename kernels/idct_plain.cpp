@@ -1,15 +1,15 @@
-/* Inverse transform, the rule: the scaled 8-point transform of Arai, Agui and Nakajima, five multiplications a pass, its scale
- * factors folded into the dequantisation table. Columns first, then rows.
+/* Inverse transform, the rule: the scaled 8-point transform of Arai, Agui and Nakajima with five multiplications a pass. Its
+ * scale factors are part of the dequantisation table. Columns first, then rows.
  *
- * All arithmetic is 32 bits and wraps, so that coefficients that no encoder writes have one defined result; hence unsigned words.
- * The tables carry 3 fractional bits, the passes another 3: the final shift is 6. */
+ * All arithmetic has 32 bits and wraps, so that coefficients that no encoder writes have a defined result too; hence the unsigned
+ * words. The tables have 3 fractional bits, the passes add 3: the final shift is 6. */
 #include "kernels/kernels.h"
 
 /** The constants, in 8 fractional bits: sqrt(2), 2 cos(pi/8), and the two differences that the odd part needs. */
 static const uint32_t C362 = 362, C473 = 473, C277 = 277;
 static const uint32_t CMinus669 = (uint32_t)-669;
 
-/** x * c, the 8 fractional bits of c shifted out, rounded towards minus infinity. */
+/** x * c without the 8 fractional bits of c, rounded towards minus infinity. */
 static uint32_t Multiply(uint32_t x, uint32_t c) { return (uint32_t)((int32_t)(x * c) >> 8); }
 
 /** One 8-point pass in place: v[0] to v[7] in natural order, in and out. */
@@ -30,7 +30,7 @@ static void Butterfly(uint32_t* v) {
   v[4] = e3 + o4, v[5] = e2 - o5, v[6] = e1 - o6, v[7] = e0 - o7;
 }
 
-/** Level shift and clamp; what is far outside wraps at 10 bits. */
+/** Level shift and clamp. Values far outside wrap at 10 bits. */
 static uint8_t Sample(uint32_t x, const uint8_t* rangeLimit) { return rangeLimit[(((int32_t)x >> 6) + 128) & 0x3FF]; }
 
 static void IDCT_Block(const int32_t* block, const int16_t* table, const uint8_t* rangeLimit, uint8_t* const* rows,

@@ -1,131 +1,79 @@
 /* One block at a time. */
 #include "kernels/kernels.h"
+#include "kernels/vector_sse2_body.h"
 
-#include <emmintrin.h>
-
-typedef __m128i Lanes;
-
-static Lanes Words(int16_t x) { return _mm_set1_epi16(x); }
-static Lanes Load(const int16_t* p) { return _mm_loadu_si128((const __m128i*)p); }
-static Lanes Load_Table(const int16_t* p) { return _mm_loadu_si128((const __m128i*)p); }
-static Lanes Add(Lanes a, Lanes b) { return _mm_add_epi16(a, b); }
-static Lanes Sub(Lanes a, Lanes b) { return _mm_sub_epi16(a, b); }
-static Lanes Xor(Lanes a, Lanes b) { return _mm_xor_si128(a, b); }
-static Lanes Add_Doubles(Lanes a, Lanes b) { return _mm_add_epi32(a, b); }
-static Lanes Product(Lanes a, Lanes b) { return _mm_mullo_epi16(a, b); }
-static Lanes High_Product(Lanes a, Lanes b) { return _mm_mulhi_epi16(a, b); }
-static Lanes Pair_Products(Lanes a, Lanes b) { return _mm_madd_epi16(a, b); }
-static Lanes Size(Lanes a) { return _mm_max_epi16(a, _mm_sub_epi16(_mm_setzero_si128(), a)); }
-static Lanes Shift6(Lanes a) { return _mm_srai_epi16(a, 6); }
-static Lanes Pack(Lanes a, Lanes b) { return _mm_packs_epi16(a, b); }
-static Lanes Low_Bytes(Lanes a, Lanes b) { return _mm_unpacklo_epi8(a, b); }
-static Lanes High_Bytes(Lanes a, Lanes b) { return _mm_unpackhi_epi8(a, b); }
-static Lanes Low_Words(Lanes a, Lanes b) { return _mm_unpacklo_epi16(a, b); }
-static Lanes High_Words(Lanes a, Lanes b) { return _mm_unpackhi_epi16(a, b); }
-static Lanes Low_Doubles(Lanes a, Lanes b) { return _mm_unpacklo_epi32(a, b); }
-static Lanes High_Doubles(Lanes a, Lanes b) { return _mm_unpackhi_epi32(a, b); }
-static Lanes Low_Quads(Lanes a, Lanes b) { return _mm_unpacklo_epi64(a, b); }
-static Lanes High_Quads(Lanes a, Lanes b) { return _mm_unpackhi_epi64(a, b); }
-
-/** Does the sum of four doubles pass the limit? */
-static int32_t Exceeds(Lanes sum, int32_t limit) {
-  sum = _mm_add_epi32(sum, _mm_shuffle_epi32(sum, 0x4E));
-  sum = _mm_add_epi32(sum, _mm_shuffle_epi32(sum, 0xB1));
+/** Does the sum of four double words pass the limit? */
+static int32_t Exceeds(Vector sum, int32_t limit) {
+  sum = Add_32(sum, _mm_shuffle_epi32(sum, 0x4E));
+  sum = Add_32(sum, _mm_shuffle_epi32(sum, 0xB1));
   return _mm_cvtsi128_si32(sum) > limit;
 }
 
 #include "kernels/strip_transform_body.h"
 
-/* What 16 bits can't hold: the rule in 32, half a row a vector. */
+/* Blocks that 16 bits are too few for: the transform in 32, half a row a vector. */
 
-/** The low halves of the products, of which this level has every second. */
-static Lanes Wide_Product(Lanes a, Lanes b) {
-  const Lanes even = _mm_mul_epu32(a, b), odd = _mm_mul_epu32(_mm_srli_epi64(a, 32), _mm_srli_epi64(b, 32));
-  return _mm_unpacklo_epi32(_mm_shuffle_epi32(even, 0x08), _mm_shuffle_epi32(odd, 0x08));
-}
+static void Wide_Butterfly(Vector* v) { Butterfly<PassOf32>(v); }
 
-static Lanes Wide_Times(Lanes x, int32_t c) { return _mm_srai_epi32(Wide_Product(x, _mm_set1_epi32(c)), 8); }
-static Lanes Wide_Sub(Lanes a, Lanes b) { return _mm_sub_epi32(a, b); }
-
-static void Wide_Butterfly(Lanes* v) {
-  const Lanes u0 = Add_Doubles(v[0], v[4]), u1 = Wide_Sub(v[0], v[4]), u3 = Add_Doubles(v[2], v[6]);
-  const Lanes u2 = Wide_Sub(Wide_Times(Wide_Sub(v[2], v[6]), 362), u3);
-  const Lanes e0 = Add_Doubles(u0, u3), e3 = Wide_Sub(u0, u3), e1 = Add_Doubles(u1, u2), e2 = Wide_Sub(u1, u2);
-  const Lanes z13 = Add_Doubles(v[5], v[3]), z10 = Wide_Sub(v[5], v[3]);
-  const Lanes z11 = Add_Doubles(v[1], v[7]), z12 = Wide_Sub(v[1], v[7]);
-  const Lanes o7 = Add_Doubles(z11, z13), q11 = Wide_Times(Wide_Sub(z11, z13), 362);
-  const Lanes z5 = Wide_Times(Add_Doubles(z10, z12), 473);
-  const Lanes q10 = Wide_Sub(Wide_Times(z12, 277), z5), q12 = Add_Doubles(Wide_Times(z10, -669), z5);
-  const Lanes o6 = Wide_Sub(q12, o7), o5 = Wide_Sub(q11, o6), o4 = Add_Doubles(q10, o5);
-  v[0] = Add_Doubles(e0, o7), v[7] = Wide_Sub(e0, o7);
-  v[1] = Add_Doubles(e1, o6), v[6] = Wide_Sub(e1, o6);
-  v[2] = Add_Doubles(e2, o5), v[5] = Wide_Sub(e2, o5);
-  v[3] = Wide_Sub(e3, o4), v[4] = Add_Doubles(e3, o4);
-}
-
-/** Four rows of four to columns: from[i] becomes column i. */
-static void Wide_Turn(const Lanes* from, Lanes* to) {
-  const Lanes a0 = Low_Doubles(from[0], from[1]), a1 = High_Doubles(from[0], from[1]);
-  const Lanes a2 = Low_Doubles(from[2], from[3]), a3 = High_Doubles(from[2], from[3]);
-  to[0] = Low_Quads(a0, a2), to[1] = High_Quads(a0, a2), to[2] = Low_Quads(a1, a3), to[3] = High_Quads(a1, a3);
-}
-
-static void Wide_Transpose(Lanes* left, Lanes* right) {
-  Lanes a[8], b[8];
-  Wide_Turn(left, a), Wide_Turn(left + 4, b);
-  Wide_Turn(right, a + 4), Wide_Turn(right + 4, b + 4);
+static void Wide_Transpose(Vector* left, Vector* right) {
+  Vector a[8], b[8];
+  Transpose_32(left[0], left[1], left[2], left[3], a);
+  Transpose_32(left[4], left[5], left[6], left[7], b);
+  Transpose_32(right[0], right[1], right[2], right[3], a + 4);
+  Transpose_32(right[4], right[5], right[6], right[7], b + 4);
   for (int32_t i = 0; i < 8; ++i) left[i] = a[i], right[i] = b[i];
 }
 
-static void Wide_Block(const int16_t* block, int32_t dc, const StripQuant* quant, uint8_t* const* rows, int32_t left) {
-  Lanes low[8], high[8];
+__attribute__((noinline)) static void Wide_Block(const int16_t* block, int32_t dc, const StripQuant* quant, uint8_t* const* rows,
+                                                 int32_t left) {
+  Vector low[8], high[8];
   for (int32_t i = 0; i < 8; ++i) {
-    const Lanes words = Load(block + 16 * i), factors = Load_Table(quant->factors + 8 * i);
-    const Lanes lower = Product(words, factors), upper = High_Product(words, factors);
-    low[i] = Low_Words(lower, upper);
-    high[i] = High_Words(lower, upper);
+    const Vector words = Load(block + 16 * i), factors = Load_Each_Lane(quant->factors + 8 * i);
+    const Vector lower = Multiply_Low_16(words, factors), upper = Multiply_High_16(words, factors);
+    low[i] = Interleave_Low_16(lower, upper);
+    high[i] = Interleave_High_16(lower, upper);
   }
-  // DC is more than a word.
+  // DC needs more than a word.
   const uint32_t first = (uint32_t)dc * (uint32_t)(int32_t)quant->factors[0];
-  low[0] = _mm_or_si128(_mm_and_si128(low[0], _mm_setr_epi32(0, -1, -1, -1)), _mm_cvtsi32_si128((int32_t)first));
+  low[0] = (low[0] & _mm_setr_epi32(0, -1, -1, -1)) | _mm_cvtsi32_si128((int32_t)first);
   for (int32_t pass = 0; pass < 2; ++pass) {
     Wide_Butterfly(low);
     Wide_Butterfly(high);
     Wide_Transpose(low, high);
   }
   for (int32_t i = 0; i < 8; ++i) {
-    const Lanes a = _mm_srai_epi32(_mm_slli_epi32(low[i], 16), 22), b = _mm_srai_epi32(_mm_slli_epi32(high[i], 16), 22);
-    const Lanes words = _mm_packs_epi32(a, b);
-    _mm_storel_epi64((__m128i*)(rows[i] + left), Xor(Pack(words, words), _mm_set1_epi8((char)0x80)));
+    const Vector a = Shift_Right_32(Shift_Left_32(low[i], 16), 22), b = Shift_Right_32(Shift_Left_32(high[i], 16), 22);
+    const Vector words = Pack_Saturate_32(a, b);
+    Store_Low_Half(rows[i] + left, Pack_Saturate_16(words, words) ^ Broadcast_8(0x80));
   }
 }
 
 static void Clear(int16_t* block, int32_t rows) {
-  for (int32_t i = 0; i < rows; ++i) _mm_storeu_si128((__m128i*)(block + 16 * i), _mm_setzero_si128());
+  for (int32_t i = 0; i < rows; ++i) Store(block + 16 * i, Broadcast_16(0));
 }
 
-static void Put(const Lanes* out, uint8_t* const* rows, int32_t left) {
+static void Put(const Vector* out, uint8_t* const* rows, int32_t left) {
   for (int32_t i = 0; i < 4; ++i) {
-    _mm_storel_epi64((__m128i*)(rows[2 * i] + left), out[i]);
-    _mm_storeh_pi((__m64*)(rows[2 * i + 1] + left), _mm_castsi128_ps(out[i]));
+    Store_Low_Half(rows[2 * i] + left, out[i]);
+    Store_High_Half(rows[2 * i + 1] + left, out[i]);
   }
 }
 
 static void Flat_Block(int16_t* block, int32_t dc, const StripQuant* quant, uint8_t* const* rows, int32_t left) {
-  const __m128i flat = _mm_set1_epi8((char)Flat_Sample(dc, quant->factors[0]));
-  for (int32_t i = 0; i < 8; ++i) _mm_storel_epi64((__m128i*)(rows[i] + left), flat);
+  const Vector flat = Broadcast_8(Flat_Sample(dc, quant->factors[0]));
+  for (int32_t i = 0; i < 8; ++i) Store_Low_Half(rows[i] + left, flat);
   Clear(block, 1);
 }
 
 static void Narrow_Block(int16_t* block, const StripQuant* quant, uint8_t* const* rows, int32_t left) {
-  Lanes out[4];
+  Vector out[4];
   Transform_Narrow(block, quant, out);
   Put(out, rows, left);
   Clear(block, 4);
 }
 
 static void Full_Block(int16_t* block, const StripQuant* quant, uint8_t* const* rows, int32_t left) {
-  Lanes out[4];
+  Vector out[4];
   Transform_Full(block, quant, out);
   Put(out, rows, left);
   Clear(block, 8);

@@ -1,7 +1,7 @@
-/* The walk along two rows of pixels. A level brings ahead of this file: Step, a number of pixels; Bias, and Bias_Of(even, odd);
- * Convert_Step, which brings Step pixels of both rows to the planes and touches nothing beside them. */
+/* Two rows of pixels to planes, at every vector level. Before this file a level defines Step, a number of pixels; Bias, and
+ * Bias_Of(even, odd); Convert_Step, which converts Step pixels of both rows and touches nothing else. */
 
-/** Where the next two rows probably are, as these two are apart: of a large picture they are far from the processor. */
+/** Where the next two rows probably are, judging by the distance of these two. Those of a large picture are not in the cache. */
 typedef struct {
   uintptr_t upper, lower, yUpper, yLower;
 } Ahead;
@@ -25,14 +25,14 @@ static inline void Convert_Rows(const uint8_t* upper, const uint8_t* lower, uint
     Fetch(&ahead, (uintptr_t)i);
     Convert_Step(upper + 3 * i, lower + 3 * i, yUpper + i, yLower + i, cb + i / 2, cr + i / 2, bias);
   }
-  const size_t rest = (size_t)(count - i);
-  if (rest == 0) return;
+  const size_t remaining = (size_t)(count - i);
+  if (remaining == 0) return;
   uint8_t pixels[2][3 * Step] = {}, luma[2][Step], chroma[2][Step / 2];
-  __builtin_memcpy(pixels[0], upper + 3 * i, 3 * rest);
-  __builtin_memcpy(pixels[1], lower + 3 * i, 3 * rest);
+  __builtin_memcpy(pixels[0], upper + 3 * i, 3 * remaining);
+  __builtin_memcpy(pixels[1], lower + 3 * i, 3 * remaining);
   Convert_Step(pixels[0], pixels[1], luma[0], luma[1], chroma[0], chroma[1], bias);
-  __builtin_memcpy(yUpper + i, luma[0], rest);
-  __builtin_memcpy(yLower + i, luma[1], rest);
-  __builtin_memcpy(cb + i / 2, chroma[0], rest / 2);
-  __builtin_memcpy(cr + i / 2, chroma[1], rest / 2);
+  __builtin_memcpy(yUpper + i, luma[0], remaining);
+  __builtin_memcpy(yLower + i, luma[1], remaining);
+  __builtin_memcpy(cb + i / 2, chroma[0], remaining / 2);
+  __builtin_memcpy(cr + i / 2, chroma[1], remaining / 2);
 }

@@ -1,23 +1,24 @@
-/* Removes stuffing. The file that includes this defines Wide, the bytes of a vector, Copy_Wide, which copies that many and gives
- * a mask of those that are FF, and Copy_Rest, which copies those that the mask does not name, a zero behind FF as FF. Most
- * vectors hold no FF, but data may be made of nothing else: that too has to cost little. */
+/* Removes stuffing, at every vector level. Before this file a level defines Copy_Kept, which copies a vector's bytes but for
+ * those in a mask, and a zero after FF as FF. Most vectors hold no FF; but data may consist of nothing else, and must not take
+ * long then either. */
 
-static const uint32_t AllFound = 0xFFFFFFFF >> (32 - Wide);
+static const size_t VectorSize = sizeof(Vector);
+static const uint32_t AllFound = 0xFFFFFFFF >> (32 - VectorSize);
 
 static size_t Unstuff(const uint8_t** data, const uint8_t* end, uint8_t* out, size_t wanted) {
   const uint8_t* from = *data;
   const uint8_t* const enough = out + wanted;
   uint8_t* next = out;
   while (from < end && next < enough) {
-    if ((size_t)(end - from) >= Wide) {
-      const uint32_t found = Copy_Wide(from, next);
+    if ((size_t)(end - from) >= VectorSize) {
+      const uint32_t found = Copy_And_Find(from, next);
       if (found == 0) {
-        next += Wide;
+        next += VectorSize;
       } else if (found != AllFound) {
-        next = Copy_Rest(from, found, next);
+        next = Copy_Kept(from, found, next);
       }
-      // An FF that ends the vector goes with what follows: of a run, the last FF says as much as all of them.
-      from += Wide - (found >> (Wide - 1));
+      // An FF that ends the vector is left to the next one: of a run, the last FF says as much as all of them.
+      from += VectorSize - (found >> (VectorSize - 1));
       continue;
     }
     if (*from != 0xFF) {
