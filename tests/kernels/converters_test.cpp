@@ -1,12 +1,15 @@
-// Converters of every level against the plain ones for every colour there is. Lengths and addresses are tried on pictures, in
-// pixel/convert_test.cpp.
+// Converters of every vector level against the plain ones, for every colour there is. Lengths and addresses are tried on
+// pictures, in pixel/convert_test.cpp.
 #include "pixel/color_tables.h"
-#include "support/levels.h"
-#include "support/streams.h"
+#include "support/inputs.h"
+#include "support/level_test.h"
 
 namespace {
 
-TEST_F(LibraryTest, ConvertersAgreeOnEveryColour) {
+struct ConverterKernels : LevelTest<CodecTest> {};
+TEST_AT_VECTOR_LEVELS(ConverterKernels);
+
+TEST_P(ConverterKernels, AgreeOnEveryColour) {
   const struct {
     ConvertRowsKernel Kernels::*kernel;
     size_t bytes;
@@ -20,15 +23,12 @@ TEST_F(LibraryTest, ConvertersAgreeOnEveryColour) {
     for (size_t i = 0; i < 2 * Pairs; ++i) upper[i] = (uint8_t)(luma + (int32_t)i % 2), lower[i] = (uint8_t)(upper[i] + 2);
     for (const auto& [kernel, bytes] : converters) {
       Bytes expected(4 * Pairs * bytes), converted(expected.size());
-      const auto convert = [&, kernel = kernel, row = 2 * Pairs * bytes](uint32_t mask, Bytes* out) {
-        const ConvertRowsKernel convertRows = Kernels_Select(mask).*kernel;
+      const auto convert = [&, row = 2 * Pairs * bytes](ConvertRowsKernel convertRows, Bytes* out) {
         convertRows(&tables, upper.data(), lower.data(), cb.data(), cr.data(), out->data(), out->data() + row, Pairs);
       };
-      convert(KernelPlain, &expected);
-      for (const auto& [level, mask] : Test_Levels()) {
-        convert(mask, &converted);
-        ASSERT_TRUE(converted == expected) << level << ", luma " << luma << ", " << bytes << " bytes";
-      }
+      convert(Kernels_Select(KernelPlain).*kernel, &expected);
+      convert(record.*kernel, &converted);
+      ASSERT_TRUE(converted == expected) << "luma " << luma << ", " << bytes << " bytes";
     }
   }
 }

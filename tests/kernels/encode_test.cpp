@@ -1,10 +1,10 @@
-// The encoder's fast kernels of every level against the plain kernels one after another.
+// The encoder of macroblock rows, at every vector level, against the plain kernels that do the same in steps.
 #include "pixel/color_tables.h"
 #include "pixel/encode_tables.h"
 #include "pixel/forward.h"
 #include "pixel/huffman_encode.h"
-#include "support/levels.h"
-#include "support/streams.h"
+#include "support/inputs.h"
+#include "support/level_test.h"
 
 #include <cmath>
 #include <numbers>
@@ -13,34 +13,29 @@ namespace {
 
 constexpr uint8_t Guard = 0xA7;
 
-struct EncodeKernels : LibraryTest {
+struct EncodeKernels : LevelTest<CodecTest> {
   Noise noise{17};
 
-  std::vector<NamedKernelLevel> Levels() {
-    std::vector<NamedKernelLevel> levels = Test_Levels();
-    std::erase_if(levels, [](const NamedKernelLevel& level) { return !Kernels_Select(level.mask).encodeRow; });
-    return levels;
-  }
-
-  /** 8x8 samples: of one frequency, from flat to black and white, with noise over it, from none to all that can be. */
+  /** 8x8 samples of one frequency, from flat to black and white, plus noise of any size. */
   void Fill_Block(uint8_t* const* rows, int32_t left) {
-    const int32_t level = noise.Between(0, 255), size = noise.Between(-20, 20) * noise.Between(0, 15);
+    const int32_t middle = noise.Between(0, 255), size = noise.Between(-20, 20) * noise.Between(0, 15);
     const int32_t rough = noise.Between(0, 2) * noise.Between(0, 127), u = noise.Between(0, 7), v = noise.Between(0, 7);
     for (int32_t y = 0; y < 8; ++y) {
       for (int32_t x = 0; x < 8; ++x) {
         const double wave = std::cos((2 * x + 1) * u * std::numbers::pi / 16) * std::cos((2 * y + 1) * v * std::numbers::pi / 16);
-        rows[y][left + x] = (uint8_t)std::clamp(level + size * wave + noise.Between(-rough, rough), 0.0, 255.0);
+        rows[y][left + x] = (uint8_t)std::clamp(middle + size * wave + noise.Between(-rough, rough), 0.0, 255.0);
       }
     }
   }
 };
+TEST_AT_VECTOR_LEVELS(EncodeKernels);
 
-/** Two rows of macroblocks, and what the plain kernels make of them. */
+/** Two macroblock rows, and what the plain kernels make of them. */
 struct Rows {
-  DecoderPtr decoder;
-  JdecCodec* const codec = decoder->codec;
+  CodecPtr owner;
+  JdecCodec* const codec = owner.get();
   const JdecPlanes* const planes = codec->planes;
-  explicit Rows(int32_t width) : decoder(JDEC_New(width, 32)) {}
+  explicit Rows(int32_t width) : owner(Whole_Codec(width, 32)) {}
 
   Bytes Encoded() const {
     const int32_t width = codec->width;
@@ -53,7 +48,7 @@ struct Rows {
     return {codec->frame->data, codec->frame->data + codec->frame->length};
   }
 
-  /** By a kernel that may write so many bytes, filled up to a whole one. Empty when it had no room. */
+  /** By a kernel that may write `room` bytes; filled to a whole byte. Empty if the room was too small. */
   Bytes Encoded(EncodeRowKernel kernel, size_t room) const {
     Bytes out(room + 100, Guard);
     HuffWriter writer = {out.data(), out.data() + room, 0, 0, {}};
@@ -72,7 +67,7 @@ struct Rows {
   }
 };
 
-TEST_F(EncodeKernels, RowsOfMacroblocks) {
+TEST_P(EncodeKernels, MacroblockRows) {
   size_t stuffed = 0, refused = 0;
   for (int32_t columns = 1; columns < 12; ++columns) {
     const Rows rows(16 * columns + columns * 5 % 16);
@@ -84,16 +79,13 @@ TEST_F(EncodeKernels, RowsOfMacroblocks) {
         for (int32_t y = 0; y < 2 && x < columns; ++y) Fill_Block(rows.planes->crRows + 8 * y, 8 * x);
       }
       const Bytes expected = rows.Encoded();
-      for (const auto& [level, mask] : Levels()) {
-        const EncodeRowKernel kernel = Kernels_Select(mask).encodeRow;
-        ASSERT_EQ(rows.Encoded(kernel, 3 * expected.size()), expected) << level << " columns " << columns << " round " << round;
-        ASSERT_EQ(rows.Encoded(kernel, expected.size()), expected) << level << " columns " << columns << " round " << round;
-        refused += rows.Encoded(kernel, expected.size() - 3).empty();
-      }
+      ASSERT_EQ(rows.Encoded(record.encodeRow, 3 * expected.size()), expected) << "columns " << columns << " round " << round;
+      ASSERT_EQ(rows.Encoded(record.encodeRow, expected.size()), expected) << "columns " << columns << " round " << round;
+      refused += rows.Encoded(record.encodeRow, expected.size() - 3).empty();
       stuffed += (size_t)std::count(expected.begin(), expected.end(), 0xFF);
     }
   }
-  EXPECT_EQ(refused, Levels().size() * 11 * 150);
+  EXPECT_EQ(refused, 11u * 150);
   EXPECT_GT(stuffed, 1000u);
 }
 

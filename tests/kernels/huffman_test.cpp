@@ -1,15 +1,15 @@
-// Entropy decoding against a decoder that walks bit by bit, with the code tables that another encoder writes into its files.
+// Entropy decoding against a decoder that reads bit by bit, with the code tables that another encoder writes into its files.
 #include "decode/huffman_tables.h"
 #include "decode/strip_tables.h"
-#include "support/levels.h"
-#include "support/streams.h"
+#include "support/inputs.h"
+#include "support/level_test.h"
 
 #include <array>
 #include <bitset>
 
 namespace {
 
-/** A code by length and value, -1 where there is none, made by counting up as the JPEG standard tells in its Annex C. */
+/** A code by length and value, -1 where there is none, made by counting as in Annex C of the JPEG standard. */
 struct BitwiseCode {
   std::array<std::vector<int>, 17> symbols;
   std::array<bool, 256> startsLongCode{};
@@ -27,7 +27,7 @@ struct BitwiseCode {
   }
 };
 
-/** A row of macroblocks. */
+/** A macroblock row. */
 struct Row {
   std::array<std::vector<int32_t>, 4> planes;  // Upper, lower, Cb, Cr; 8 watched words at either end.
   std::vector<int32_t> predictors{11, -5, 7}, scans;
@@ -113,7 +113,7 @@ Row Decode_By_Kernel(DecodeRowKernel kernel, const Bytes& raw, int32_t columns) 
   return row;
 }
 
-/** Takes a block of a strip, whose DC is a difference, over into a row. */
+/** Copies a block of a strip, whose DC is a difference, to a row. */
 void Take_Block(Row* row, const int16_t* words, StripProgress progress, int32_t b, int32_t column) {
   int32_t scan[64], sizes = 0, last = 0;
   int32_t* const predictor = &row->predictors[b < 4 ? 0 : b - 3];
@@ -153,20 +153,24 @@ Row Decode_By_Strips(const Kernels& record, const Bytes& raw, int32_t columns) {
   return row;
 }
 
-Row Decode_At_Level(uint32_t mask, const Bytes& raw, int32_t columns) {
-  const Kernels record = Kernels_Select(mask);
+Row Decode(const Kernels& record, const Bytes& raw, int32_t columns) {
   return record.decodeStrip ? Decode_By_Strips(record, raw, columns) : Decode_By_Kernel(record.decodeRow, raw, columns);
 }
 
-struct HuffmanKernel : LibraryTest {
+struct HuffmanKernel : LevelTest<CodecTest> {
+  ReferenceDecoder reference;
+  Noise noise{3};
+};
+TEST_AT_EVERY_LEVEL(HuffmanKernel);
+
+// The reference takes the most time, so that one test does all levels of this processor.
+using HuffmanKernels = CodecTest;
+TEST_F(HuffmanKernels, EveryPrefixOfSixteenBitsInEachTable) {
   ReferenceDecoder reference;
   Noise noise{3};
   const std::vector<NamedKernelLevel> levels = Test_Levels();
-};
-
-TEST_F(HuffmanKernel, EveryPrefixOfSixteenBitsInEachTable) {
-  // Empty luma blocks ahead of chroma, 00 and 1010 each, and DC values that no table takes in one step ahead of AC: the prefix is
-  // what the table is asked for first.
+  // Before chroma, empty luma blocks, 00 and 1010 each; before AC, DC values that take a step of their own: the prefix is the
+  // first that the table is asked for.
   const char* const leads[] = {"", "111101000000", "001010001010001010001010", "001010001010001010001010111110100000"};
   for (const std::string lead : leads) {
     for (uint32_t prefix = 0; prefix < 65536; ++prefix) {
@@ -179,28 +183,26 @@ TEST_F(HuffmanKernel, EveryPrefixOfSixteenBitsInEachTable) {
       raw.insert(raw.end(), {0x28, 0xA2, 0x8A, 0, 0, 0x28});
       const Row expected = reference.Decode(raw, 2);
       for (const auto& [level, mask] : levels) {
-        ASSERT_TRUE(Decode_At_Level(mask, raw, 2) == expected) << level << " lead " << lead << " prefix " << prefix;
+        ASSERT_TRUE(Decode(Kernels_Select(mask), raw, 2) == expected) << level << " lead " << lead << " prefix " << prefix;
       }
     }
   }
 }
 
-TEST_F(HuffmanKernel, AnyBytesMarkersStuffingAndEarlyEndsIncluded) {
-  for (const auto& [level, mask] : levels) {
-    for (int round = 0; round < 6000; ++round) {
-      const int32_t columns = noise.Between(1, 6), shape = round % 4;
-      Bytes raw = noise.Some((size_t)noise.Between(0, 40 * columns));
-      for (uint8_t& octet : raw) {
-        const uint32_t dice = noise.Next() % 16;
-        if (shape == 1 && dice < 6) octet = 0xFF;
-        if (shape >= 1 && (dice == 7 || dice == 8)) octet = dice == 7 ? 0 : 0xD9;
-        if (shape == 2 && dice > 8) octet = 0xFE;  // Long codes, and bits that are no code.
-        if (shape == 3 && dice < 2) octet = 0xF9;
-      }
-      ASSERT_TRUE(Decode_At_Level(mask, raw, columns) == reference.Decode(raw, columns)) << level << " round " << round;
+TEST_P(HuffmanKernel, AnyBytesMarkersStuffingAndEarlyEndsIncluded) {
+  for (int round = 0; round < 6000; ++round) {
+    const int32_t columns = noise.Between(1, 6), shape = round % 4;
+    Bytes raw = noise.Some((size_t)noise.Between(0, 40 * columns));
+    for (uint8_t& octet : raw) {
+      const uint32_t dice = noise.Next() % 16;
+      if (shape == 1 && dice < 6) octet = 0xFF;
+      if (shape >= 1 && (dice == 7 || dice == 8)) octet = dice == 7 ? 0 : 0xD9;
+      if (shape == 2 && dice > 8) octet = 0xFE;  // Long codes, and bits that are no code.
+      if (shape == 3 && dice < 2) octet = 0xF9;
     }
+    ASSERT_TRUE(Decode(record, raw, columns) == reference.Decode(raw, columns)) << "round " << round;
   }
-  EXPECT_GT(reference.notCodes, 100);  // The noise reaches the corners that it is for.
+  EXPECT_GT(reference.notCodes, 100);  // The noise reaches the rare cases that it is for.
   EXPECT_GT(reference.runsPastEnd, 100);
 }
 

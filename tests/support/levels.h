@@ -1,14 +1,18 @@
-/* The kernel levels that the tests run: those of this processor. */
+/* The kernel levels in tests and benchmarks. */
 #pragma once
 
 #include "kernels/cpu.h"
 
 #include <vector>
 
+/** True if this processor has the level and this build too. */
+inline bool Has_Level(const NamedKernelLevel& level) { return (level.mask & ~Cpu_Levels()) == 0; }
+
+/** Those that can run here. */
 inline std::vector<NamedKernelLevel> Test_Levels() {
   std::vector<NamedKernelLevel> levels;
   for (const NamedKernelLevel& level : kernelLevels) {
-    if ((level.mask & ~Cpu_Levels()) == 0) levels.push_back(level);
+    if (Has_Level(level)) levels.push_back(level);
   }
   return levels;
 }

@@ -26,6 +26,7 @@ depth=16 VELARTO_FORM=ddraw windows_tests.exe
 depth=16 VELARTO_FORM=gdi WINE_D3D_CONFIG=renderer=no3d windows_tests.exe
 depth=8 VELARTO_FORM=gdi windows_tests.exe
 END
+[ -z "${VELARTO_EXPECT_LEVELS:-}" ] || sed -i "s/^kernels_tests/VELARTO_EXPECT_LEVELS=$VELARTO_EXPECT_LEVELS &/" "$work/commands"
 
 # More than the 20 MB that a browser delivers in a while.
 for _ in $(seq 16); do cat "$root/samples/street.vlr"; done >"$work/long.vlr"
