@@ -2,12 +2,12 @@
  * this folder alone. */
 #pragma once
 
-#include "platform/portable/controls.h"
-#include "platform/portable/ddraw.h"
-#include "platform/portable/gdi.h"
-#include "platform/portable/pixels.h"
+#include "platform/portable/paint/ddraw.h"
+#include "platform/portable/paint/gdi.h"
+#include "platform/portable/paint/pixels.h"
 #include "platform/portable/screen.h"
-#include "platform/portable/window.h"
+#include "platform/portable/window/controls.h"
+#include "platform/portable/window/window.h"
 
 #include <string>
 #include <vector>

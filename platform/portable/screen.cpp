@@ -1,7 +1,7 @@
 #include "platform/portable/screen.h"
 
-#include "platform/portable/kernel.h"
 #include "platform/portable/machine.h"
+#include "platform/portable/system/kernel.h"
 
 #include <algorithm>
 #include <atomic>

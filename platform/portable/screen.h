@@ -5,11 +5,11 @@
  * except where told. */
 #pragma once
 
-#include "platform/portable/ddraw.h"
-#include "platform/portable/dialogs.h"
-#include "platform/portable/kernel.h"
-#include "platform/portable/types.h"
-#include "platform/portable/window.h"
+#include "platform/portable/paint/ddraw.h"
+#include "platform/portable/system/kernel.h"
+#include "platform/portable/system/types.h"
+#include "platform/portable/window/dialogs.h"
+#include "platform/portable/window/window.h"
 
 #include <cstdint>
 #include <functional>

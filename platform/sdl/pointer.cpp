@@ -1,6 +1,6 @@
 #include "platform/sdl/pointer.h"
 
-#include "platform/portable/resource.h"
+#include "platform/portable/window/resource.h"
 #include "platform/sdl/cursor_file.h"
 
 #include <map>

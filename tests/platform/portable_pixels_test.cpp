@@ -1,5 +1,5 @@
 /* The stretching copy against its rule, stated a pixel at a time. */
-#include "platform/portable/pixels.h"
+#include "platform/portable/paint/pixels.h"
 
 #include <gtest/gtest.h>
 

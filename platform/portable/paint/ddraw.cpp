@@ -1,0 +1,108 @@
+#include "platform/portable/paint/ddraw.h"
+
+#include "platform/portable/machine.h"
+#include "platform/portable/window/monitor.h"
+
+#include <algorithm>
+#include <new>
+
+namespace {
+
+/** Makes an object with one reference. Gives an error code if a step is to fail or memory lacks; *out is null then. */
+template <class Object>
+HRESULT Make_Object(ScreenStep step, Object** out) {
+  if (!out) return DDERR_INVALIDPARAMS;
+  *out = nullptr;
+  HRESULT code = E_FAIL;
+  if (Step_Fails(step, &code)) return code;
+  *out = new (std::nothrow) Object{};
+  if (!*out) return DDERR_OUTOFMEMORY;
+  (*out)->references = 1;
+  Object_Made();
+  return DD_OK;
+}
+
+template <class Object>
+ULONG Release_Object(Object* object) {
+  if (!object) return 0;
+  const ULONG left = --object->references;
+  if (left > 0) return left;
+  delete object;
+  Object_Ended();
+  return 0;
+}
+
+struct EnumerateContext {
+  LPDDENUMCALLBACKEXA callback;
+  LPVOID context;
+  int32_t count;  ///< Adapters told so far.
+};
+
+/** Tells of one adapter, as the enumeration of monitors comes to it. */
+BOOL Tell_Adapter(HMONITOR monitor, HDC, RECT*, LPARAM data) {
+  auto* told = reinterpret_cast<EnumerateContext*>(data);
+  GUID guid{static_cast<uint32_t>(told->count), 0, 0, {}};
+  char description[] = "Primary Display Driver", name[] = "display";
+  const bool primary = told->count++ == 0;
+  return told->callback(primary ? nullptr : &guid, description, name, told->context, primary ? nullptr : monitor);
+}
+
+}  // namespace
+
+HRESULT DirectDrawCreate(GUID*, IDirectDraw** ddraw, IUnknown*) {
+  const HRESULT result = Make_Object(ScreenStep::DirectDrawCreate, ddraw);
+  if (FAILED(result) || machine.on) return result;
+  IDirectDraw_Release(*ddraw);
+  *ddraw = nullptr;
+  return DDERR_NODIRECTDRAWHW;
+}
+
+HRESULT DirectDrawEnumerateA(LPDDENUMCALLBACKA callback, LPVOID context) {
+  char description[] = "Primary Display Driver", name[] = "display";
+  if (machine.on) callback(nullptr, description, name, context);
+  return DD_OK;
+}
+
+HRESULT DirectDrawEnumerateExA(LPDDENUMCALLBACKEXA callback, LPVOID context, DWORD flags) {
+  EnumerateContext told{callback, context, 0};
+  if (!machine.on) return DD_OK;
+  if (flags & DDENUM_ATTACHEDSECONDARYDEVICES) {
+    EnumDisplayMonitors(nullptr, nullptr, Tell_Adapter, reinterpret_cast<LPARAM>(&told));
+  } else {
+    Tell_Adapter(nullptr, nullptr, nullptr, reinterpret_cast<LPARAM>(&told));
+  }
+  return DD_OK;
+}
+
+HRESULT IDirectDraw_SetCooperativeLevel(IDirectDraw*, HWND, DWORD flags) {
+  HRESULT code = E_FAIL;
+  if (Step_Fails(ScreenStep::SetCooperativeLevel, &code)) return code;
+  return flags == DDSCL_NORMAL ? DD_OK : DDERR_INVALIDPARAMS;
+}
+
+HRESULT IDirectDraw_CreateClipper(IDirectDraw*, DWORD, IDirectDrawClipper** clipper, IUnknown*) {
+  return Make_Object(ScreenStep::CreateClipper, clipper);
+}
+
+HRESULT IDirectDraw_CreatePalette(IDirectDraw*, DWORD flags, PALETTEENTRY* entries, IDirectDrawPalette** palette, IUnknown*) {
+  if (!(flags & DDPCAPS_8BIT) || !entries) return DDERR_INVALIDPARAMS;
+  const HRESULT result = Make_Object(ScreenStep::CreatePalette, palette);
+  if (FAILED(result)) return result;
+  std::transform(entries, entries + 256, (*palette)->colors, [](const PALETTEENTRY& entry) {
+    return static_cast<uint32_t>(entry.peRed << 16 | entry.peGreen << 8 | entry.peBlue);
+  });
+  return DD_OK;
+}
+
+ULONG IDirectDraw_Release(IDirectDraw* ddraw) { return Release_Object(ddraw); }
+
+HRESULT IDirectDrawClipper_SetHWnd(IDirectDrawClipper* clipper, DWORD, HWND window) {
+  HRESULT code = E_FAIL;
+  if (Step_Fails(ScreenStep::ClipperSetWindow, &code)) return code;
+  if (!Window_Find(window)) return DDERR_INVALIDPARAMS;
+  clipper->window = window;
+  return DD_OK;
+}
+
+ULONG IDirectDrawClipper_Release(IDirectDrawClipper* clipper) { return Release_Object(clipper); }
+ULONG IDirectDrawPalette_Release(IDirectDrawPalette* palette) { return Release_Object(palette); }

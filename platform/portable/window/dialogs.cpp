@@ -1,0 +1,173 @@
+#include "platform/portable/window/dialogs.h"
+
+#include "platform/portable/machine.h"
+#include "platform/portable/window/controls.h"
+#include "resources/texts.h"
+
+#include <cstring>
+#include <strings.h>
+
+/** A dialog that is open, on the stack of the DialogBoxParamA that runs it. */
+struct OpenDialog {
+  DLGPROC procedure;
+  OpenDialog* before;  ///< The one opened before it.
+  HWND window;         ///< Null when it has been destroyed.
+  bool ended;
+  INT_PTR result;
+};
+
+namespace {
+
+/* ---- The templates -------------------------------------------------------------------------------------------------------- */
+
+/** A control, with its place in dialog units. */
+struct ControlTemplate {
+  int id;
+  struct {
+    int x, y, width, height;
+  } place;
+};
+constexpr ControlTemplate menuButtons[] = {
+    {RECORD_BUTTON, {RECORD_BUTTON_PLACE}}, {STOP_BUTTON, {STOP_BUTTON_PLACE}}, {CLOSE_BUTTON, {CLOSE_BUTTON_PLACE}}};
+
+/** A quarter of the mean width and an eighth of the height of the dialog's font, System of 10 points. */
+constexpr int UnitWidth = 8 / 4, UnitHeight = 16 / 8;
+
+void Make_Controls(HWND dialog) {
+  for (const auto& [id, place] : menuButtons) {
+    CreateWindowExA(0, "Button", "", MENU_BUTTON_STYLE, place.x * UnitWidth, place.y * UnitHeight, place.width * UnitWidth,
+                    place.height * UnitHeight, dialog, reinterpret_cast<HMENU>(static_cast<uintptr_t>(id)), dialog->instance,
+                    nullptr);
+  }
+}
+
+/* ---- The window ----------------------------------------------------------------------------------------------------------- */
+
+constexpr char DialogClass[] = "#32770";
+OpenDialog* innermost = nullptr;
+
+void Destroyed(HWND window) {
+  window->dialog->window = nullptr;
+  window->dialog = nullptr;
+  // Whoever waits for messages is to look again.
+  PostMessageA(nullptr, WM_NULL, 0, 0);
+}
+
+LRESULT Dialog_Default(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  if (message == WM_CLOSE) return SendMessageA(window, WM_COMMAND, IDCANCEL, 0);
+  if (message != WM_ERASEBKGND) return DefWindowProcA(window, message, wParam, lParam);
+  Fill_Pixels(Window_View(window), {0, 0, window->width, window->height}, ButtonFace);
+  Desktop_Pixels_Changed(window);
+  return TRUE;
+}
+
+LRESULT Dialog_Window_Proc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  const OpenDialog* const dialog = window->dialog;
+  const INT_PTR handled = dialog ? dialog->procedure(window, message, wParam, lParam) : 0;
+  if (!Window_Find(window)) return 0;
+  if (message == WM_DESTROY && window->dialog) Destroyed(window);
+  return handled != 0 ? handled : Dialog_Default(window, message, wParam, lParam);
+}
+
+HWND Make_Dialog(HINSTANCE module, HWND owner, OpenDialog* dialog) {
+  WNDCLASSA type = {};
+  type.lpfnWndProc = Dialog_Window_Proc;
+  type.lpszClassName = DialogClass;
+  RegisterClassA(&type);
+  const POINT origin = Window_Find(owner) ? Window_Origin(owner) : POINT{0, 0};
+  const HWND window = CreateWindowExA(0, DialogClass, "", MENU_STYLE, origin.x, origin.y, MENU_WIDTH * UnitWidth,
+                                      MENU_HEIGHT * UnitHeight, owner, nullptr, module, nullptr);
+  if (!window) return nullptr;
+  window->dialog = dialog;
+  dialog->window = window;
+  Make_Controls(window);
+  return window;
+}
+
+/** Paints the dialog at once: messages that keep coming would have it wait. */
+void Paint_All(HWND dialog) {
+  SendMessageA(dialog, WM_PAINT, 0, 0);
+  for (const ControlTemplate& button : menuButtons) SendDlgItemMessageA(dialog, button.id, WM_PAINT, 0, 0);
+}
+
+bool Is_Escape(const OpenDialog& dialog, const MSG& message) {
+  const bool ours = message.hwnd && (message.hwnd == dialog.window || GetParent(message.hwnd) == dialog.window);
+  return ours && message.message == WM_KEYDOWN && message.wParam == VK_ESCAPE;
+}
+
+void Run_Dialog(const OpenDialog& dialog) {
+  while (dialog.window && !dialog.ended) {
+    MSG message;
+    if (!GetMessageA(&message, nullptr, 0, 0)) {
+      PostQuitMessage(static_cast<int>(message.wParam));
+      return;
+    }
+    if (Is_Escape(dialog, message)) {
+      SendMessageA(dialog.window, WM_COMMAND, IDCANCEL, 0);
+      continue;
+    }
+    TranslateMessage(&message);
+    DispatchMessageA(&message);
+  }
+}
+
+ScreenFileChooser fileChooser;
+
+}  // namespace
+
+INT_PTR DialogBoxParamA(HINSTANCE module, LPCSTR name, HWND owner, DLGPROC procedure, LPARAM param) {
+  if (!name || !procedure || strcasecmp(name, MENU_DIALOG_NAME) != 0) return -1;
+  OpenDialog dialog = {procedure, innermost, nullptr, false, IDCANCEL};
+  if (!Make_Dialog(module, owner, &dialog)) return -1;
+  innermost = &dialog;
+  const HWND heldUp = Window_Top(Window_Find(owner));
+  const bool disables = IsWindowEnabled(heldUp);
+  if (disables) EnableWindow(heldUp, FALSE);
+  SendMessageA(dialog.window, WM_INITDIALOG, reinterpret_cast<WPARAM>(GetDlgItem(dialog.window, menuButtons[0].id)), param);
+  if (dialog.window && !dialog.ended) {
+    ShowWindow(dialog.window, SW_SHOW);
+    Paint_All(dialog.window);
+  }
+  Run_Dialog(dialog);
+  if (disables) EnableWindow(heldUp, TRUE);
+  if (dialog.window) DestroyWindow(dialog.window);
+  innermost = dialog.before;
+  return dialog.result;
+}
+
+BOOL EndDialog(HWND window, INT_PTR result) {
+  if (!Window_Find(window) || !window->dialog) return FALSE;
+  window->dialog->ended = true;
+  window->dialog->result = result;
+  PostMessageA(window, WM_NULL, 0, 0);
+  return TRUE;
+}
+
+HWND GetDlgItem(HWND dialog, int id) {
+  for (HWND window : allWindows)
+    if (window->parent && window->parent == dialog && window->id == id) return window;
+  return nullptr;
+}
+
+LRESULT SendDlgItemMessageA(HWND dialog, int id, UINT message, WPARAM wParam, LPARAM lParam) {
+  return SendMessageA(GetDlgItem(dialog, id), message, wParam, lParam);
+}
+
+HWND Screen_Dialog() { return innermost ? innermost->window : nullptr; }
+
+void Screen_Set_File_Chooser(const ScreenFileChooser& chooser) { fileChooser = chooser; }
+
+BOOL GetOpenFileNameA(OPENFILENAMEA* dialog) {
+  if (!dialog || dialog->lStructSize != OPENFILENAME_SIZE_VERSION_400A || !dialog->lpstrFile || !fileChooser) return FALSE;
+  const std::optional<std::string> chosen = fileChooser(*dialog);
+  if (!chosen || chosen->size() >= dialog->nMaxFile) return FALSE;
+  std::memcpy(dialog->lpstrFile, chosen->c_str(), chosen->size() + 1);
+  return TRUE;
+}
+
+int MessageBoxA(HWND owner, LPCSTR text, LPCSTR caption, UINT type) {
+  if (!text) text = "";
+  if (!caption) caption = "";
+  if (!Desktop_Show_Message(owner, text, caption, type)) Add_Message(std::string(caption) + "|" + text);
+  return IDOK;
+}
