@@ -1,7 +1,7 @@
 /* Asks the user for the name of a file, by a program of the desktop: zenity or kdialog. */
 #pragma once
 
-#include "platform/portable/screen.h"
+#include "platform/portable/desktop.h"
 
 /** Answers GetOpenFileNameA: the chosen name, or nothing when the user declines, and when the owner ends or WM_QUIT comes
  * meanwhile. Messages run on while the user thinks, with the owner's top-level window disabled. Where neither program can be

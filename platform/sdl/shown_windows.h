@@ -1,7 +1,7 @@
 /* Portable windows in windows of the desktop: one for each top-level window, in which its children are seen as well. */
 #pragma once
 
-#include "platform/portable/screen.h"
+#include "platform/portable/desktop.h"
 
 #include <SDL.h>
 

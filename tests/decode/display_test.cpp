@@ -2,6 +2,7 @@
 #include "display/context.h"
 #include "pixel/convert.h"
 #include "pixel/dither.h"
+#include "platform/portable/rig.h"
 #include "support/streams.h"
 #include "support/window.h"
 
@@ -109,10 +110,10 @@ TEST_F(DisplayedDecoder, DrawExitHidesAndShowAloneFindsNoDisplay) {
   const Bytes dark = Current_Picture(decoder.get());
   EXPECT_EQ(Push(decoder.get(), small.compact), (int32_t)small.compact.size());
   EXPECT_EQ(Current_Picture(decoder.get()), dark);
-  Screen_Take_Debug_Output();
+  Rig_Take_Debug_Output();
   JDEC_show(decoder.get(), 2);
   Push(decoder.get(), small.compact);
-  EXPECT_EQ(Screen_Take_Debug_Output(), std::vector<std::string>{"jdec, decompress, DDRAW=NULL!!\n"});
+  EXPECT_EQ(Rig_Take_Debug_Output(), std::vector<std::string>{"jdec, decompress, DDRAW=NULL!!\n"});
   EXPECT_EQ(Current_Picture(decoder.get()), Picture_Of(small));
 }
 

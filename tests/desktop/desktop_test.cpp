@@ -65,7 +65,7 @@ TEST_F(PluginTest, IsSeenAndUsedOnADesktop) {
   const HWND shown = Page_Window(top, 60, 40, 160, 120);
   Open(0, 1, shown);
   Feed(large.jfif);
-  const auto picture = (int)Screen_Window_Color(shown, 55, 54), back = 0, yellow = 0xFFFFE1, diskette = 0x80;
+  const auto picture = (int)Rig_Window_Color(shown, 55, 54), back = 0, yellow = 0xFFFFE1, diskette = 0x80;
   std::atomic<uintptr_t> done = 0, lives = 0, cursor = 0;
   poked = [&] { lives = 1; };
   std::thread user([&] {

@@ -4,6 +4,7 @@
 #include "display/context.h"
 #include "display/present.h"
 #include "pixel/convert.h"
+#include "platform/portable/rig.h"
 #include "support/streams.h"
 #include "support/window.h"
 
@@ -33,15 +34,15 @@ inline Form Form_Of(const JdecDisplay* display) {
 /** A screen, a window and the display opened in it. Fails the test when something is still alive at its end, or when anything
  *  was written beside the surface. */
 struct Machine : TestWindow {
-  const int32_t aliveAtStart = Screen_Objects_Alive();
+  const int32_t aliveAtStart = Rig_Objects_Alive();
   std::unique_ptr<JdecDisplay, Releaser<Display_Destroy>> display;
   int32_t frames = 0;  ///< That reached the screen, told by the callback.
 
   using TestWindow::TestWindow;
   ~Machine() {
-    EXPECT_TRUE(!display || !display->offscreenSurface || Screen_Surface_Guards_Whole(display->offscreenSurface));
+    EXPECT_TRUE(!display || !display->offscreenSurface || Rig_Guards_Whole(display->offscreenSurface));
     display.reset();
-    EXPECT_EQ(Screen_Objects_Alive(), aliveAtStart);
+    EXPECT_EQ(Rig_Objects_Alive(), aliveAtStart);
   }
 
   JdecDisplay* Open(int32_t width, int32_t height) {
@@ -53,12 +54,12 @@ struct Machine : TestWindow {
   void Show(const RasterPtr& raster, int32_t mdMode = 0) {
     Display_Present(display.get(), raster.get(), 0, 0, raster->width, raster->height, mdMode);
   }
-  uint32_t Color(int32_t x, int32_t y) const { return Screen_Window_Color(handle, x, y); }
+  uint32_t Color(int32_t x, int32_t y) const { return Rig_Window_Color(handle, x, y); }
 
   /** The window's upper left corner holds exactly the raster. */
   void Expect_Shown(const RasterPtr& raster) const {
     int32_t width = 0, height = 0, pitch = 0;
-    const uint8_t* pixels = Screen_Window_Pixels(handle, &width, &height, &pitch);
+    const uint8_t* pixels = Rig_Window_Pixels(handle, &width, &height, &pitch);
     ASSERT_TRUE(pixels && raster->width <= width && raster->height <= height);
     for (int32_t y = 0; y < raster->height; ++y) {
       ASSERT_EQ(std::memcmp(pixels + y * pitch, raster->rows[y], static_cast<size_t>(raster->pitch)), 0) << "row " << y;

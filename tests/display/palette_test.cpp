@@ -57,11 +57,11 @@ TEST(Palette, WithoutAPaletteThereIsNoTable) {
   PALETTEENTRY table[256];
   ASSERT_NE(machine.Open(64, 64)->ddPalette, nullptr);
   EXPECT_EQ(Display_Export_Palette(nullptr, table) + Display_Export_Palette(machine.display.get(), nullptr), 0);
-  Screen_Fail(ScreenStep::CreatePalette);
+  Rig_Fail(RigStep::CreatePalette);
   ASSERT_NE(machine.Open(64, 64), nullptr);
   EXPECT_EQ(machine.display->ddPalette, nullptr);
   Display_Reload_Palette(machine.display.get());
-  Screen_Fail_Nothing();
+  Rig_Fail_Nothing();
 
   Screen_Set_Up(Screen_With(32));
   machine.Open(64, 64);

@@ -6,7 +6,7 @@
 
 namespace {
 
-using enum ScreenStep;
+using enum RigStep;
 
 enum Road { DirectDraw, GDI, SecondaryMonitor };
 
@@ -30,10 +30,10 @@ TEST(Present, PictureArrivesPixelByPixel) {
         const BITMAPINFOHEADER header = {40, width, height, 1, static_cast<WORD>(bits), BI_RGB, 0, 0, 0, 240, 240};
         EXPECT_EQ(std::memcmp(&display->bitmapInfo->bmiHeader, &header, sizeof header), 0);
 
-        Screen_Move_To_Monitor(machine.handle, road == SecondaryMonitor ? 1 : 0);
+        Rig_Move_To_Monitor(machine.handle, road == SecondaryMonitor ? 1 : 0);
         const RasterPtr raster = Noise_Raster(width, height, bits);
         if (raster->pitch % 4 != 0 && road != DirectDraw) {
-          Screen_Fail(Memory, 0, 1);
+          Rig_Fail(Memory, 0, 1);
           machine.Show(raster);
           EXPECT_EQ(machine.Color(5, 5), Black) << "no memory for aligned rows";
         }
@@ -69,7 +69,7 @@ TEST(Present, SmallOrMinimisedWindowsGetNothing) {
       Machine machine(Screen_With(32, gdi), clientWidth, 64);
       machine.Open(width, height);
       Screen_Minimise(machine.handle, state == Minimised);
-      Screen_Disable(machine.handle, state == Disabled);
+      EnableWindow(machine.handle, state != Disabled);
       const RasterPtr raster = Plain_Raster(width, height, Green);
       machine.Show(raster);
       EXPECT_EQ(machine.display->lastRaster, raster.get());
@@ -85,8 +85,8 @@ TEST(Present, TheMonitorIsAskedForEachFrame) {
   machine.Open(40, 40);
   const uint32_t colors[][2] = {{Green, Green}, {Blue, Green}, {Red, Red}, {White, White}};
   for (int32_t i = 0; i < 4; ++i) {  // DirectDraw fills the client area, GDI keeps the picture's shape.
-    Screen_Move_To_Monitor(machine.handle, i % 2);
-    if (i == 3) Screen_Fail(GetMonitorInfo);  // One that can't be asked is the primary one.
+    Rig_Move_To_Monitor(machine.handle, i % 2);
+    if (i == 3) Rig_Fail(GetMonitorInfo);  // One that can't be asked is the primary one.
     machine.Show(Plain_Raster(40, 40, colors[i][0]));
     EXPECT_EQ(machine.Color(79, 79), colors[i][0]);
     EXPECT_EQ(machine.Color(79, 80), colors[i][1]);
@@ -107,7 +107,7 @@ TEST(Present, EachFailureHasItsReaction) {
   constexpr HRESULT busy = DDERR_WASSTILLDRAWING, lost = DDERR_SURFACELOST, other = DDERR_UNSUPPORTED;
   constexpr int32_t always = INT32_MAX;
   const struct {
-    ScreenStep step;
+    RigStep step;
     int32_t times;
     HRESULT code;
     Overlay overlay;
@@ -137,13 +137,13 @@ TEST(Present, EachFailureHasItsReaction) {
     const int32_t mdMode = overlay == MotionLayer ? 1 : 0;
     const RasterPtr green = Plain_Raster(64, 64, Green), blue = Plain_Raster(64, 64, Blue);
     machine.Show(green, mdMode);
-    Screen_Fail(step, 0, times, code);
-    if (restoreFails) Screen_Fail(RestorePrimary);
+    Rig_Fail(step, 0, times, code);
+    if (restoreFails) Rig_Fail(RestorePrimary);
     machine.Show(blue, mdMode);
     EXPECT_EQ(machine.Color(33, 33), color);  // Beside the grid's lines.
     const bool shownAgain = step == LockOffscreen || step == LockWithoutPixels;
     EXPECT_EQ(machine.frames, color == Blue || shownAgain ? 2 : 1);
-    Screen_Fail_Nothing();
+    Rig_Fail_Nothing();
     machine.Show(blue);
     machine.Expect_Shown(blue);
   }
@@ -155,23 +155,23 @@ TEST(Present, LostSurfacesComeBack) {
   EXPECT_EQ(Display_Restore(display), 1) << "nothing shown yet";
   const RasterPtr green = Plain_Raster(64, 64, Green), blue = Plain_Raster(64, 64, Blue);
   machine.Show(green);
-  Screen_Lose_Surfaces();
+  Rig_Lose_Surfaces();
   machine.Show(blue);
   machine.Expect_Shown(green);  // The primary surface was found lost at the last step.
   machine.Show(blue);
   machine.Expect_Shown(blue);
-  Screen_Lose_Surfaces();
+  Rig_Lose_Surfaces();
   IDirectDrawSurface_Restore(display->primarySurface);
   machine.Show(green);
   machine.Expect_Shown(green);  // The off-screen surface alone costs no frame.
-  for (const ScreenStep step : {RestorePrimary, RestoreOffscreen, LockOffscreen}) {
-    Screen_Fail(step, 0, 1, DDERR_UNSUPPORTED);
+  for (const RigStep step : {RestorePrimary, RestoreOffscreen, LockOffscreen}) {
+    Rig_Fail(step, 0, 1, DDERR_UNSUPPORTED);
     EXPECT_EQ(Display_Restore(display), 0) << static_cast<int32_t>(step);
   }
   EXPECT_EQ(Display_Restore(display), 1);
   EXPECT_EQ(Display_Copy_Raster(nullptr, blue.get()), E_FAIL);
   EXPECT_EQ(Display_Copy_Raster(display->offscreenSurface, nullptr), E_FAIL);
-  Screen_Fail(LockOffscreen, 0, 1, DDERR_UNSUPPORTED);
+  Rig_Fail(LockOffscreen, 0, 1, DDERR_UNSUPPORTED);
   EXPECT_EQ(Display_Copy_Raster(display->offscreenSurface, blue.get()), DDERR_UNSUPPORTED);
 }
 
@@ -201,7 +201,7 @@ TEST(Present, PicturesOfAnySizeKeepToTheirSurface) {
       Machine machine(Screen_With(32), 640, 960);
       JdecDisplay* const display = machine.Open(width, height);
       int32_t surfaceWidth = 0, rows = 0, pitch = 0;
-      Screen_Surface_Pixels(display->offscreenSurface, &surfaceWidth, &rows, &pitch);
+      Rig_Surface_Pixels(display->offscreenSurface, &surfaceWidth, &rows, &pitch);
       EXPECT_EQ((std::vector{surfaceWidth, rows, display->posWidth, display->posHeight, display->keyRow}),
                 (std::vector{width, surfaceHeight, width, posHeight, posHeight + 120}));
       Switch_On(display, overlay);

@@ -35,14 +35,14 @@ TEST(Statistics, FrameRateByForm) {
   for (const bool gdi : {false, true}) {
     SCOPED_TRACE(gdi ? "GDI" : "DirectDraw");
     Machine machine(Screen_With(32, gdi), 320, 240);
-    Screen_Set_Tick(1000);
+    Rig_Set_Tick(1000);
     JdecDisplay* const display = machine.Open(320, 240);
     const RasterPtr black = Plain_Raster(320, 240, Black);
     machine.Show(black);
     EXPECT_EQ(display->fpsCount, -1) << "off at first";
     Display_Show_Statistics(display, 1);
     const auto show = [&](uint32_t tick, const char* text) {
-      Screen_Set_Tick(tick);
+      Rig_Set_Tick(tick);
       machine.Show(black);
       Expect_Text(machine, 270, 0, text);
     };
@@ -57,15 +57,15 @@ TEST(Statistics, FrameRateByForm) {
     for (uint32_t i = 1; i <= 100; ++i) show(1121 + 100 * i, "10.00");
     show(1121 + 10100, gdi ? "30.00" : "10.00");  // The hundred and first ends the period.
     EXPECT_EQ(display->fpsCount, 0);
-    Screen_Disable(machine.handle, true);
+    EnableWindow(machine.handle, FALSE);
     machine.Show(black);
     EXPECT_EQ(display->fpsCount, 0) << "not counted in a disabled window";
-    Screen_Disable(machine.handle, false);
-    Screen_Set_Tick(20000);
-    Screen_Fail(ScreenStep::SurfaceGetDC);
+    EnableWindow(machine.handle, TRUE);
+    Rig_Set_Tick(20000);
+    Rig_Fail(RigStep::SurfaceGetDC);
     machine.Show(black);
     EXPECT_EQ(display->fpsCount, 1);
-    Screen_Real_Time();
+    Rig_Real_Time();
   }
 }
 

@@ -4,7 +4,7 @@
 
 #include "fuzz/input.h"
 #include "kernels/cpu.h"
-#include "platform/portable/screen.h"
+#include "platform/portable/rig.h"
 #include "velarto.h"
 
 #include "platform/win32.h"
@@ -25,23 +25,23 @@ inline uint32_t Draw_Level(Input* input) { return kernelLevels[input->Byte() % s
 
 /** Lets one allocation fail, or all from one on, or none. */
 inline void Let_Memory_Fail(uint8_t drawn) {
-  if (drawn & 1) Screen_Fail(ScreenStep::Memory, drawn >> 2, drawn & 2 ? 1 : INT32_MAX);
+  if (drawn & 1) Rig_Fail(RigStep::Memory, drawn >> 2, drawn & 2 ? 1 : INT32_MAX);
 }
 
 /** A run of the library with kernels of that level, to be made first. Behind it nothing may be left alive. */
 struct Run {
   const bool started = JDEC_Init() != 0;
-  const int32_t alive = Screen_Objects_Alive();
+  const int32_t alive = Rig_Objects_Alive();
 
   explicit Run(uint32_t mask) {
     kernels = Kernels_Select(mask);
-    Screen_Set_Tick(1000);
+    Rig_Set_Tick(1000);
     JDEC_enable_MD(nullptr, 0);
     JDEC_set_MD_color(0);
   }
   ~Run() {
-    Screen_Fail_Nothing();
-    REQUIRE(started && Screen_Objects_Alive() == alive);
+    Rig_Fail_Nothing();
+    REQUIRE(started && Rig_Objects_Alive() == alive);
     JDEC_Exit();
   }
   Run(const Run&) = delete;
@@ -83,7 +83,7 @@ struct FuzzWindow {
 
   Bytes Pixels() const {
     int32_t width = 0, height = 0, pitch = 0;
-    const uint8_t* const pixels = Screen_Window_Pixels(handle, &width, &height, &pitch);
+    const uint8_t* const pixels = Rig_Window_Pixels(handle, &width, &height, &pitch);
     return pixels ? Bytes(pixels, pixels + (ptrdiff_t)pitch * height) : Bytes();
   }
 };

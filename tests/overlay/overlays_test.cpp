@@ -87,7 +87,7 @@ TEST_F(Overlays, MotionSearchDrawsCaptionAndOutline) {
   EXPECT_EQ(reds(1, 1), 0) << "the layer lies above";
   std::memset(display->motionString, 'X', sizeof display->motionString - 1);
   EXPECT_EQ(reds(1, 0), outline) << "a caption too wide lands outside";
-  Screen_Fail(ScreenStep::SurfaceGetDC);
+  Rig_Fail(RigStep::SurfaceGetDC);
   EXPECT_EQ(reds(1, 0), 0);
   EXPECT_EQ(Count(Green), 320 * 240) << "the frame itself goes on";
 }
@@ -108,10 +108,10 @@ TEST(ColorKey, ColoursAreSampledInEachDepth) {
       EXPECT_EQ(sample(RGB(255, 0, 0)), red);
       EXPECT_EQ(sample(CLR_INVALID), white) << "put back";
       EXPECT_EQ((std::vector<uint32_t>{mdColorFirst, mdColorSecond, mdColor}), (std::vector{red, green, red}));
-      Screen_Fail(ScreenStep::LockOffscreen, 0, 4, DDERR_WASSTILLDRAWING);
+      Rig_Fail(RigStep::LockOffscreen, 0, 4, DDERR_WASSTILLDRAWING);
       EXPECT_EQ(sample(RGB(255, 0, 0)), red) << "busy";
-      for (const ScreenStep step : {ScreenStep::LockOffscreen, ScreenStep::LockWithoutPixels, ScreenStep::SurfaceGetDC}) {
-        Screen_Fail(step, 0, 1);
+      for (const RigStep step : {RigStep::LockOffscreen, RigStep::LockWithoutPixels, RigStep::SurfaceGetDC}) {
+        Rig_Fail(step, 0, 1);
         EXPECT_EQ(sample(RGB(255, 0, 0)), 0xFFFFFFFF) << static_cast<int32_t>(step);
       }
     }
@@ -142,7 +142,7 @@ struct Bitmaps : LibraryTest {
 
 TEST_F(Bitmaps, AreStoredInTheirStripsAndDeleted) {
   ASSERT_EQ(JDEC_Draw_Init(decoder, machine.handle), 1);
-  const int32_t alive = Screen_Objects_Alive();
+  const int32_t alive = Rig_Objects_Alive();
   JDEC_set_ptz_bmp(decoder, Make_Bitmap(100, 50, Red));
   EXPECT_EQ((std::vector{Shown(319, 170), Shown(318, 170), Shown(220, 219), Shown(219, 219), Shown(319, 220)}),
             (std::vector{Green, Red, White, Green, Green}));
@@ -158,10 +158,10 @@ TEST_F(Bitmaps, AreStoredInTheirStripsAndDeleted) {
   EXPECT_EQ(Shown(319, 239), Green);
   JDEC_set_ptz_bmp(decoder, Make_Bitmap(400, 300, Blue));  // Cut to the strip.
   EXPECT_EQ((std::vector{Shown(0, 100), Shown(319, 219), Shown(0, 99)}), (std::vector{Blue, Blue, Green}));
-  EXPECT_EQ(Screen_Objects_Alive(), alive) << "all of them deleted";
+  EXPECT_EQ(Rig_Objects_Alive(), alive) << "all of them deleted";
 
   const HBITMAP kept = Make_Bitmap(5, 5, Red);
-  Screen_Fail(ScreenStep::SurfaceGetDC);
+  Rig_Fail(RigStep::SurfaceGetDC);
   EXPECT_EQ(JDEC_set_pos_bmp(decoder, kept), 0);
   JDEC_set_ptz_bmp(decoder, kept);
   EXPECT_EQ(decoder->display->ptzEnabled + decoder->display->posEnabled, 0);

@@ -4,7 +4,7 @@
 #include "platform/win32.h"
 
 #ifndef _WIN32
-#include "platform/portable/screen.h"
+#include "platform/portable/rig.h"
 #endif
 
 #include <gtest/gtest.h>
@@ -71,7 +71,7 @@ class PlatformTest : public testing::Test {
       if (IsWindow(window)) DestroyWindow(window);
     Pump();
 #ifndef _WIN32
-    EXPECT_EQ(Screen_Objects_Alive(), 0);
+    EXPECT_EQ(Rig_Objects_Alive(), 0);
     Screen_Remove();
 #endif
   }

@@ -1,7 +1,7 @@
 /* A screen and a window on it, for tests that show pictures. */
 #pragma once
 
-#include "platform/portable/screen.h"
+#include "platform/portable/desktop.h"
 
 #include "platform/win32.h"
 

@@ -1,7 +1,10 @@
 #include "platform/portable/paint/ddraw.h"
 
-#include "platform/portable/machine.h"
+#include "platform/portable/paint/objects.h"
+#include "platform/portable/paint/screen.h"
+#include "platform/portable/system/seam.h"
 #include "platform/portable/window/monitor.h"
+#include "platform/portable/window/window.h"
 
 #include <algorithm>
 #include <new>
@@ -10,7 +13,7 @@ namespace {
 
 /** Makes an object with one reference. Gives an error code if a step is to fail or memory lacks; *out is null then. */
 template <class Object>
-HRESULT Make_Object(ScreenStep step, Object** out) {
+HRESULT Make_Object(RigStep step, Object** out) {
   if (!out) return DDERR_INVALIDPARAMS;
   *out = nullptr;
   HRESULT code = E_FAIL;
@@ -50,8 +53,8 @@ BOOL Tell_Adapter(HMONITOR monitor, HDC, RECT*, LPARAM data) {
 }  // namespace
 
 HRESULT DirectDrawCreate(GUID*, IDirectDraw** ddraw, IUnknown*) {
-  const HRESULT result = Make_Object(ScreenStep::DirectDrawCreate, ddraw);
-  if (FAILED(result) || machine.on) return result;
+  const HRESULT result = Make_Object(RigStep::DirectDrawCreate, ddraw);
+  if (FAILED(result) || screenState.on) return result;
   IDirectDraw_Release(*ddraw);
   *ddraw = nullptr;
   return DDERR_NODIRECTDRAWHW;
@@ -59,13 +62,13 @@ HRESULT DirectDrawCreate(GUID*, IDirectDraw** ddraw, IUnknown*) {
 
 HRESULT DirectDrawEnumerateA(LPDDENUMCALLBACKA callback, LPVOID context) {
   char description[] = "Primary Display Driver", name[] = "display";
-  if (machine.on) callback(nullptr, description, name, context);
+  if (screenState.on) callback(nullptr, description, name, context);
   return DD_OK;
 }
 
 HRESULT DirectDrawEnumerateExA(LPDDENUMCALLBACKEXA callback, LPVOID context, DWORD flags) {
   EnumerateContext told{callback, context, 0};
-  if (!machine.on) return DD_OK;
+  if (!screenState.on) return DD_OK;
   if (flags & DDENUM_ATTACHEDSECONDARYDEVICES) {
     EnumDisplayMonitors(nullptr, nullptr, Tell_Adapter, reinterpret_cast<LPARAM>(&told));
   } else {
@@ -76,21 +79,19 @@ HRESULT DirectDrawEnumerateExA(LPDDENUMCALLBACKEXA callback, LPVOID context, DWO
 
 HRESULT IDirectDraw_SetCooperativeLevel(IDirectDraw*, HWND, DWORD flags) {
   HRESULT code = E_FAIL;
-  if (Step_Fails(ScreenStep::SetCooperativeLevel, &code)) return code;
+  if (Step_Fails(RigStep::SetCooperativeLevel, &code)) return code;
   return flags == DDSCL_NORMAL ? DD_OK : DDERR_INVALIDPARAMS;
 }
 
 HRESULT IDirectDraw_CreateClipper(IDirectDraw*, DWORD, IDirectDrawClipper** clipper, IUnknown*) {
-  return Make_Object(ScreenStep::CreateClipper, clipper);
+  return Make_Object(RigStep::CreateClipper, clipper);
 }
 
 HRESULT IDirectDraw_CreatePalette(IDirectDraw*, DWORD flags, PALETTEENTRY* entries, IDirectDrawPalette** palette, IUnknown*) {
   if (!(flags & DDPCAPS_8BIT) || !entries) return DDERR_INVALIDPARAMS;
-  const HRESULT result = Make_Object(ScreenStep::CreatePalette, palette);
+  const HRESULT result = Make_Object(RigStep::CreatePalette, palette);
   if (FAILED(result)) return result;
-  std::transform(entries, entries + 256, (*palette)->colors, [](const PALETTEENTRY& entry) {
-    return static_cast<uint32_t>(entry.peRed << 16 | entry.peGreen << 8 | entry.peBlue);
-  });
+  std::transform(entries, entries + 256, (*palette)->colors, Entry_Color);
   return DD_OK;
 }
 
@@ -98,8 +99,8 @@ ULONG IDirectDraw_Release(IDirectDraw* ddraw) { return Release_Object(ddraw); }
 
 HRESULT IDirectDrawClipper_SetHWnd(IDirectDrawClipper* clipper, DWORD, HWND window) {
   HRESULT code = E_FAIL;
-  if (Step_Fails(ScreenStep::ClipperSetWindow, &code)) return code;
-  if (!Window_Find(window)) return DDERR_INVALIDPARAMS;
+  if (Step_Fails(RigStep::ClipperSetWindow, &code)) return code;
+  if (!IsWindow(window)) return DDERR_INVALIDPARAMS;
   clipper->window = window;
   return DD_OK;
 }

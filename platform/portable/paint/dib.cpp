@@ -1,6 +1,7 @@
 /* Bitmaps of GDI. */
-#include "platform/portable/machine.h"
 #include "platform/portable/paint/gdi.h"
+#include "platform/portable/paint/objects.h"
+#include "platform/portable/system/seam.h"
 
 #include <cstring>
 #include <new>
@@ -56,9 +57,9 @@ int StretchDIBits(HDC dc, int x, int y, int width, int height, int srcX, int src
   const int32_t top = source.view.height - srcY - srcHeight;
   const RECT part{srcX, top, srcX + srcWidth, top + srcHeight};
   if (!Rect_Within(part, source.view.width, source.view.height)) return 0;
-  const DrawTarget target = Dc_Target(dc);
-  const LONG left = x - target.origin.x, upper = y - target.origin.y;
-  Copy_Pixels({target.view, {left, upper, left + width, upper + height}, source.view, part, dc->stretchMode == HALFTONE});
+  const Canvas canvas = Dc_Canvas(dc);
+  const LONG left = x - canvas.origin.x, upper = y - canvas.origin.y;
+  Copy_Pixels({canvas.view, {left, upper, left + width, upper + height}, source.view, part, dc->stretchMode == HALFTONE});
   dc->changed = true;
   return srcHeight;
 }
@@ -69,10 +70,10 @@ BOOL StretchBlt(HDC dc, int x, int y, int width, int height, HDC source, int src
   if (!Copy_Allowed({x, y, srcX, srcY}, {width, height, srcWidth, srcHeight})) return FALSE;
   const RECT part{srcX, srcY, srcX + srcWidth, srcY + srcHeight};
   if (!Rect_Within(part, source->bitmap->width, source->bitmap->height)) return FALSE;
-  const DrawTarget target = Dc_Target(dc);
-  const LONG left = x - target.origin.x, upper = y - target.origin.y;
+  const Canvas canvas = Dc_Canvas(dc);
+  const LONG left = x - canvas.origin.x, upper = y - canvas.origin.y;
   const RECT area{left, upper, left + width, upper + height};
-  Copy_Pixels({target.view, area, Bitmap_View(source->bitmap), part, dc->stretchMode == HALFTONE});
+  Copy_Pixels({canvas.view, area, Bitmap_View(source->bitmap), part, dc->stretchMode == HALFTONE});
   dc->changed = true;
   return TRUE;
 }
@@ -99,7 +100,7 @@ int GetObjectA(HGDIOBJ object, int size, void* out) {
 
 HDC CreateCompatibleDC(HDC) {
   static HBITMAP__ onePixel{{GdiKind::Bitmap, true}, 1, 1, {0}};
-  if (Step_Fails(ScreenStep::CreateCompatibleDC)) return nullptr;
+  if (Step_Fails(RigStep::CreateCompatibleDC)) return nullptr;
   HDC dc = Dc_Make(nullptr, nullptr);
   if (dc) dc->bitmap = &onePixel;
   return dc;

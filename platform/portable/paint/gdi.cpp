@@ -1,6 +1,9 @@
 #include "platform/portable/paint/gdi.h"
 
-#include "platform/portable/machine.h"
+#include "platform/portable/paint/objects.h"
+#include "platform/portable/paint/screen.h"
+#include "platform/portable/system/seam.h"
+#include "platform/portable/window/window.h"
 
 #include <cstring>
 #include <new>
@@ -26,9 +29,9 @@ HGDIOBJ Exchange(Handle& slot, HGDIOBJ next) {
 }
 
 /** Fills a rectangle given as the DC counts. */
-void Fill_Rect(const DrawTarget& target, LONG left, LONG top, LONG right, LONG bottom, COLORREF color) {
-  const POINT& origin = target.origin;
-  Fill_Pixels(target.view, {left - origin.x, top - origin.y, right - origin.x, bottom - origin.y}, Swap_Color(color));
+void Fill_Rect(const Canvas& canvas, LONG left, LONG top, LONG right, LONG bottom, COLORREF color) {
+  const POINT& origin = canvas.origin;
+  Fill_Pixels(canvas.view, {left - origin.x, top - origin.y, right - origin.x, bottom - origin.y}, Swap_Color(color));
 }
 
 }  // namespace
@@ -51,22 +54,19 @@ HDC Dc_Make(HWND window, IDirectDrawSurface* surface) {
 }
 
 void Dc_End(HDC dc) {
-  HWND window = dc->surface ? Surface_Window(dc->surface) : dc->window;
-  if (dc->changed && Window_Find(window)) Desktop_Pixels_Changed(window);
+  if (dc->changed) Canvas_Changed(dc->surface ? Surface_Window(dc->surface) : dc->window);
   delete dc;
   Object_Ended();
 }
 
-DrawTarget Dc_Target(HDC dc) {
+Canvas Dc_Canvas(HDC dc) {
   if (dc->bitmap) return {};
-  if (dc->surface && !dc->surface->primary) return {dc->surface->view, {0, 0}};
-  HWND window = dc->surface ? Surface_Window(dc->surface) : dc->window;
-  if (!Window_Find(window) || !Window_Shows(window)) return {};
-  return {Window_View(window), dc->surface ? Window_Origin(window) : POINT{0, 0}};
+  if (!dc->surface) return {Canvas_Of(dc->window).view, {0, 0}};
+  return dc->surface->primary ? Canvas_Of(Surface_Window(dc->surface)) : Canvas{dc->surface->view, {0, 0}};
 }
 
 HDC GetDC(HWND window) {
-  if (window && !Window_Find(window)) return nullptr;
+  if (window && !IsWindow(window)) return nullptr;
   return Dc_Make(window, nullptr);
 }
 
@@ -77,7 +77,7 @@ int ReleaseDC(HWND, HDC dc) {
 }
 
 int GetDeviceCaps(HDC, int index) {
-  if (index == BITSPIXEL) return machine.on ? machine.setup.bits : 24;
+  if (index == BITSPIXEL) return screenState.on ? screenState.setup.bits : 24;
   return index == PLANES ? 1 : 0;
 }
 
@@ -139,9 +139,9 @@ HGDIOBJ SelectObject(HDC dc, HGDIOBJ object) {
 
 BOOL DeleteObject(HGDIOBJ object) {
   if (!object) return FALSE;
-  const GdiObject* head = static_cast<GdiObject*>(object);
-  if (head->stock) return TRUE;
-  switch (head->kind) {
+  const GdiObject* ended = static_cast<GdiObject*>(object);
+  if (ended->stock) return TRUE;
+  switch (ended->kind) {
     case GdiKind::Font:
       delete static_cast<HFONT>(object);
       break;
@@ -175,37 +175,30 @@ BOOL Rectangle(HDC dc, int left, int top, int right, int bottom) {
   if (left > right) std::swap(left, right);
   if (top > bottom) std::swap(top, bottom);
   if (!Rect_Allowed({left, top, right, bottom})) return TRUE;
-  const DrawTarget target = Dc_Target(dc);
+  const Canvas canvas = Dc_Canvas(dc);
   dc->changed = true;
-  if (dc->brush->draws) Fill_Rect(target, left, top, right, bottom, dc->brush->color);
+  if (dc->brush->draws) Fill_Rect(canvas, left, top, right, bottom, dc->brush->color);
   if (!dc->pen->draws) return TRUE;
-  Fill_Rect(target, left, top, right, top + 1, dc->pen->color);
-  Fill_Rect(target, left, bottom - 1, right, bottom, dc->pen->color);
-  Fill_Rect(target, left, top, left + 1, bottom, dc->pen->color);
-  Fill_Rect(target, right - 1, top, right, bottom, dc->pen->color);
+  Fill_Rect(canvas, left, top, right, top + 1, dc->pen->color);
+  Fill_Rect(canvas, left, bottom - 1, right, bottom, dc->pen->color);
+  Fill_Rect(canvas, left, top, left + 1, bottom, dc->pen->color);
+  Fill_Rect(canvas, right - 1, top, right, bottom, dc->pen->color);
   return TRUE;
 }
 
 namespace {
 
-/** What lies at a place of the DC: a pixel of its target, or for the screen's DC one of the uppermost window there. */
+/** Where a pixel lies. */
 struct PixelPlace {
   uint8_t* at;
   ColorFormat format;
 };
 
+/** The pixel at a place of the DC; the screen's DC shows that of the uppermost window there. */
 PixelPlace Find_Pixel(HDC dc, int x, int y) {
-  if (dc->window || dc->surface || dc->bitmap) {
-    const DrawTarget target = Dc_Target(dc);
-    return {Pixel_At(target.view, x - target.origin.x, y - target.origin.y), target.view.format};
-  }
-  for (size_t i = allWindows.size(); i-- > 0;) {
-    HWND window = allWindows[i];
-    const POINT origin = Window_Origin(window);
-    uint8_t* at = Window_Shows(window) ? Pixel_At(Window_View(window), x - origin.x, y - origin.y) : nullptr;
-    if (at) return {at, Screen_Format()};
-  }
-  return {};
+  const bool ofScreen = !dc->window && !dc->surface && !dc->bitmap;
+  const Canvas canvas = ofScreen ? Canvas_At(x, y) : Dc_Canvas(dc);
+  return {Pixel_At(canvas.view, x - canvas.origin.x, y - canvas.origin.y), canvas.view.format};
 }
 
 }  // namespace

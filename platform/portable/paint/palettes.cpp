@@ -1,31 +1,48 @@
 /* The colours of an 8-bit screen, as the system's palette manager gives them out. */
-#include "platform/portable/machine.h"
 #include "platform/portable/paint/gdi.h"
+#include "platform/portable/paint/objects.h"
+#include "platform/portable/paint/screen.h"
+#include "platform/portable/system/seam.h"
 
 #include <algorithm>
+#include <iterator>
 #include <new>
 
 namespace {
 
-/** Entries of the screen that a palette can have; the system's own lie ahead of and behind them. */
+/** Entries of the screen that a palette can have; the system's own lie before and after them. */
 constexpr size_t FirstFree = 10, EndFree = 246;
+
+/** The system's own colours at both ends. */
+constexpr uint32_t lowerColors[] = {0x000000, 0x800000, 0x008000, 0x808000, 0x000080,
+                                    0x800080, 0x008080, 0xC0C0C0, 0xC0DCC0, 0xA6CAF0};
+constexpr uint32_t upperColors[] = {0xFFFBF0, 0xA0A0A4, 0x808080, 0xFF0000, 0x00FF00,
+                                    0xFFFF00, 0x0000FF, 0xFF00FF, 0x00FFFF, 0xFFFFFF};
+
+}  // namespace
 
 uint32_t Entry_Color(const PALETTEENTRY& entry) {
   return static_cast<uint32_t>(entry.peRed << 16 | entry.peGreen << 8 | entry.peBlue);
 }
 
-}  // namespace
+void Set_Start_Colors() {
+  // Between the system's own: three bits of red and green, two of blue.
+  for (uint32_t i = 0; i < 256; ++i)
+    screenState.colors[i] = (i >> 5) * 255 / 7 << 16 | (i >> 2 & 7) * 255 / 7 << 8 | (i & 3) * 255 / 3;
+  std::copy(std::begin(lowerColors), std::end(lowerColors), screenState.colors);
+  std::copy(std::begin(upperColors), std::end(upperColors), screenState.colors + EndFree);
+}
 
 UINT Install_Colors(const uint32_t* colors, size_t count) {
-  if (machine.setup.bits != 8) return 0;
+  if (screenState.setup.bits != 8) return 0;
   UINT changed = 0;
   const size_t room = std::min(count, EndFree - FirstFree);
   for (size_t i = 0; i < room; ++i) {
-    changed += machine.colors[FirstFree + i] != colors[i];
-    machine.colors[FirstFree + i] = colors[i];
+    changed += screenState.colors[FirstFree + i] != colors[i];
+    screenState.colors[FirstFree + i] = colors[i];
   }
   if (changed == 0) return 0;
-  for (HWND window : allWindows) Desktop_Pixels_Changed(window);
+  All_Canvases_Changed();
   return changed;
 }
 
@@ -47,22 +64,22 @@ HPALETTE SelectPalette(HDC dc, HPALETTE palette, BOOL) {
 }
 
 UINT RealizePalette(HDC dc) {
-  if (!dc || dc->palette->head.stock) return 0;
+  if (!dc || dc->palette->object.stock) return 0;
   // A colour that the system has already, or that came before, takes no entry.
   std::vector<uint32_t> placed;
   for (const uint32_t color : dc->palette->colors) {
-    const bool owned = std::find(machine.colors, machine.colors + FirstFree, color) != machine.colors + FirstFree ||
-                       std::find(machine.colors + EndFree, machine.colors + 256, color) != machine.colors + 256;
+    const bool owned = std::find(screenState.colors, screenState.colors + FirstFree, color) != screenState.colors + FirstFree ||
+                       std::find(screenState.colors + EndFree, screenState.colors + 256, color) != screenState.colors + 256;
     if (!owned && std::find(placed.begin(), placed.end(), color) == placed.end()) placed.push_back(color);
   }
   return Install_Colors(placed.data(), placed.size());
 }
 
 UINT GetSystemPaletteEntries(HDC dc, UINT first, UINT count, PALETTEENTRY* entries) {
-  if (!dc || machine.setup.bits != 8 || first >= 256) return 0;
+  if (!dc || screenState.setup.bits != 8 || first >= 256) return 0;
   count = std::min(count, 256 - first);
   for (UINT i = 0; entries && i < count; ++i) {
-    const uint32_t color = machine.colors[first + i];
+    const uint32_t color = screenState.colors[first + i];
     entries[i] = {static_cast<BYTE>(color >> 16), static_cast<BYTE>(color >> 8), static_cast<BYTE>(color), 0};
   }
   return count;

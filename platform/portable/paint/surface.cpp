@@ -1,5 +1,8 @@
-#include "platform/portable/machine.h"
 #include "platform/portable/paint/ddraw.h"
+#include "platform/portable/paint/objects.h"
+#include "platform/portable/paint/screen.h"
+#include "platform/portable/system/seam.h"
+#include "platform/portable/window/window.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -8,38 +11,20 @@
 
 namespace {
 
-/** Bytes behind each row that belong to no pixel, and what they hold. Of a large surface many rows are never used: its guards
- * stay zero, so that such rows take no memory. */
-constexpr int32_t GuardBytes = 32;
-constexpr uint8_t GuardValue = 0xA5;
-constexpr size_t LargeStore = size_t{16} << 20;
 constexpr int32_t MostSide = 65535;
 
-bool Is_Lost(const IDirectDrawSurface* surface) { return surface->losses != machine.losses; }
+bool Is_Lost(const IDirectDrawSurface* surface) { return surface->losses != screenState.losses; }
 
-size_t Pixel_Row_Bytes(const PixelView& view) {
-  return static_cast<size_t>(view.width) * static_cast<size_t>(view.format.bits / 8);
-}
-
-void Write_Guards(IDirectDrawSurface* surface, size_t used, size_t pitch) {
-  surface->guard = GuardValue;
-  std::memset(surface->store, GuardValue, pitch);
-  std::memset(surface->store + surface->storeSize - pitch, GuardValue, pitch);
-  for (size_t row = pitch; row < surface->storeSize; row += pitch)
-    std::memset(surface->store + row + used, GuardValue, pitch - used);
-}
-
-/** Lays the rows out in the store, black, with guards behind each, above the first and below the last. False without memory. */
-bool Make_Store(IDirectDrawSurface* surface) {
+/** Lays the rows out in memory of the surface's own, black. False without memory. */
+bool Make_Rows(IDirectDrawSurface* surface) {
   PixelView& view = surface->view;
-  const size_t row = (Pixel_Row_Bytes(view) + 3) & ~size_t{3};
-  const size_t pitch = row + GuardBytes;
-  surface->storeSize = pitch * (static_cast<size_t>(view.height) + 2);
-  surface->store = static_cast<uint8_t*>(std::calloc(surface->storeSize, 1));
-  if (!surface->store) return false;
-  if (surface->storeSize <= LargeStore) Write_Guards(surface, Pixel_Row_Bytes(view), pitch);
+  const size_t used = Pixel_Row_Bytes(view), pitch = ((used + 3) & ~size_t{3}) + GuardBytes;
+  const size_t bytes = pitch * (static_cast<size_t>(view.height) + 2 * GuardRows);
+  surface->memory = static_cast<uint8_t*>(std::calloc(bytes, 1));
+  if (!surface->memory) return false;
+  Fill_Guards(surface->memory, bytes, pitch, used);
   view.pitch = static_cast<ptrdiff_t>(pitch);
-  view.pixels = surface->store + pitch;
+  view.pixels = surface->memory + GuardRows * pitch;
   return true;
 }
 
@@ -48,7 +33,7 @@ void Clear_Pixels(const PixelView& view) {
 }
 
 /** A step that may fail by its own code, then the reasons why no surface would work. */
-HRESULT Check_Use(const IDirectDrawSurface* surface, ScreenStep step) {
+HRESULT Check_Use(const IDirectDrawSurface* surface, RigStep step) {
   HRESULT code = E_FAIL;
   if (Step_Fails(step, &code)) return code;
   if (Is_Lost(surface)) return DDERR_SURFACELOST;
@@ -60,7 +45,7 @@ HRESULT Check_Create(const DDSURFACEDESC* desc, IDirectDrawSurface** surface) {
   *surface = nullptr;
   const bool primary = (desc->ddsCaps.dwCaps & DDSCAPS_PRIMARYSURFACE) != 0;
   HRESULT code = E_FAIL;
-  if (Step_Fails(primary ? ScreenStep::CreatePrimary : ScreenStep::CreateOffscreen, &code)) return code;
+  if (Step_Fails(primary ? RigStep::CreatePrimary : RigStep::CreateOffscreen, &code)) return code;
   if (primary) return DD_OK;
   const DWORD sides = DDSD_WIDTH | DDSD_HEIGHT;
   if ((desc->dwFlags & sides) != sides || desc->dwWidth - 1 >= MostSide || desc->dwHeight - 1 >= 4 * MostSide)
@@ -81,7 +66,7 @@ void Describe_Format(const ColorFormat& format, DDPIXELFORMAT& described) {
 
 DWORD Surface_Caps(const IDirectDrawSurface* surface) {
   if (!surface->primary) return DDSCAPS_OFFSCREENPLAIN | DDSCAPS_VIDEOMEMORY;
-  return DDSCAPS_PRIMARYSURFACE | (machine.setup.primaryInSystemMemory ? DDSCAPS_SYSTEMMEMORY : DDSCAPS_VIDEOMEMORY);
+  return DDSCAPS_PRIMARYSURFACE | (screenState.setup.primaryInSystemMemory ? DDSCAPS_SYSTEMMEMORY : DDSCAPS_VIDEOMEMORY);
 }
 
 /** What Blt is about, with null rectangles replaced. */
@@ -120,13 +105,12 @@ void Copy_To(const PixelView& to, const RECT& target, const BltPlan& plan) {
 /** Copies to the primary surface, that is to the clipper's window. */
 void Copy_To_Screen(const BltPlan& plan) {
   HWND window = Surface_Window(plan.to);
-  if (!window || !Window_Shows(window)) return;
-  const POINT origin = Window_Origin(window);
+  const Canvas canvas = Canvas_Of(window);
+  if (!canvas.view.pixels) return;
   RECT target = plan.target;
-  target.left -= origin.x, target.right -= origin.x;
-  target.top -= origin.y, target.bottom -= origin.y;
-  Copy_To(Window_View(window), target, plan);
-  Desktop_Pixels_Changed(window);
+  OffsetRect(&target, -canvas.origin.x, -canvas.origin.y);
+  Copy_To(canvas.view, target, plan);
+  Canvas_Changed(window);
 }
 
 void Replace_Clipper(IDirectDrawSurface* surface, IDirectDrawClipper* clipper) {
@@ -144,34 +128,28 @@ void Replace_Palette(IDirectDrawSurface* surface, IDirectDrawPalette* palette) {
 }  // namespace
 
 HWND Surface_Window(const IDirectDrawSurface* surface) {
-  return surface->clipper ? Window_Find(surface->clipper->window) : nullptr;
+  HWND window = surface->clipper ? surface->clipper->window : nullptr;
+  return IsWindow(window) ? window : nullptr;
 }
 
-bool Screen_Surface_Guards_Whole(const IDirectDrawSurface* surface) {
-  const PixelView& view = surface->view;
-  const size_t pitch = static_cast<size_t>(view.pitch), used = Pixel_Row_Bytes(view);
-  if (pitch == 0) return true;
-  for (size_t at = 0; at < surface->storeSize; ++at) {
-    const bool outerRow = at < pitch || at >= surface->storeSize - pitch;
-    if ((outerRow || at % pitch >= used) && surface->store[at] != surface->guard) return false;
-  }
-  return true;
+size_t Pixel_Row_Bytes(const PixelView& view) {
+  return static_cast<size_t>(view.width) * static_cast<size_t>(view.format.bits / 8);
 }
 
 HRESULT IDirectDraw_CreateSurface(IDirectDraw*, DDSURFACEDESC* desc, IDirectDrawSurface** surface, IUnknown*) {
   const HRESULT result = Check_Create(desc, surface);
   if (FAILED(result)) return result;
   const bool primary = (desc->ddsCaps.dwCaps & DDSCAPS_PRIMARYSURFACE) != 0;
-  if (!primary && Step_Fails(ScreenStep::CreateOffscreenNull)) return DD_OK;
+  if (!primary && Step_Fails(RigStep::CreateOffscreenNull)) return DD_OK;
   auto* made = new (std::nothrow) IDirectDrawSurface{};
   if (!made) return DDERR_OUTOFMEMORY;
   made->references = 1;
   made->primary = primary;
-  made->losses = machine.losses;
+  made->losses = screenState.losses;
   made->view.format = Screen_Format();
-  made->view.width = primary ? machine.setup.width : static_cast<int32_t>(desc->dwWidth);
-  made->view.height = primary ? machine.setup.height : static_cast<int32_t>(desc->dwHeight);
-  if (!primary && !Make_Store(made)) {
+  made->view.width = primary ? screenState.setup.width : static_cast<int32_t>(desc->dwWidth);
+  made->view.height = primary ? screenState.setup.height : static_cast<int32_t>(desc->dwHeight);
+  if (!primary && !Make_Rows(made)) {
     delete made;
     return DDERR_OUTOFMEMORY;
   }
@@ -183,7 +161,7 @@ HRESULT IDirectDraw_CreateSurface(IDirectDraw*, DDSURFACEDESC* desc, IDirectDraw
 HRESULT IDirectDrawSurface_GetSurfaceDesc(IDirectDrawSurface* surface, DDSURFACEDESC* desc) {
   HRESULT code = E_FAIL;
   if (!desc || desc->dwSize != sizeof *desc) return DDERR_INVALIDPARAMS;
-  if (surface->primary && Step_Fails(ScreenStep::DescribePrimary, &code)) return code;
+  if (surface->primary && Step_Fails(RigStep::DescribePrimary, &code)) return code;
   *desc = {};
   desc->dwSize = sizeof *desc;
   desc->dwFlags = DDSD_CAPS | DDSD_WIDTH | DDSD_HEIGHT | DDSD_PITCH | DDSD_PIXELFORMAT;
@@ -197,7 +175,7 @@ HRESULT IDirectDrawSurface_GetSurfaceDesc(IDirectDrawSurface* surface, DDSURFACE
 
 HRESULT IDirectDrawSurface_SetClipper(IDirectDrawSurface* surface, IDirectDrawClipper* clipper) {
   HRESULT code = E_FAIL;
-  if (Step_Fails(ScreenStep::SetClipper, &code)) return code;
+  if (Step_Fails(RigStep::SetClipper, &code)) return code;
   Replace_Clipper(surface, clipper);
   return DD_OK;
 }
@@ -211,7 +189,7 @@ HRESULT IDirectDrawSurface_SetColorKey(IDirectDrawSurface* surface, DWORD flags,
 
 HRESULT IDirectDrawSurface_SetPalette(IDirectDrawSurface* surface, IDirectDrawPalette* palette) {
   Replace_Palette(surface, palette);
-  if (!surface->primary || !palette || machine.setup.bits != 8) return DD_OK;
+  if (!surface->primary || !palette || screenState.setup.bits != 8) return DD_OK;
   Install_Colors(palette->colors, 256);
   return DD_OK;
 }
@@ -219,14 +197,14 @@ HRESULT IDirectDrawSurface_SetPalette(IDirectDrawSurface* surface, IDirectDrawPa
 HRESULT IDirectDrawSurface_Lock(IDirectDrawSurface* surface, RECT* rect, DDSURFACEDESC* desc, DWORD, HANDLE) {
   if (!desc || desc->dwSize != sizeof *desc) return DDERR_INVALIDPARAMS;
   if (surface->primary) return DDERR_CANTLOCKSURFACE;
-  const HRESULT result = Check_Use(surface, ScreenStep::LockOffscreen);
+  const HRESULT result = Check_Use(surface, RigStep::LockOffscreen);
   if (FAILED(result)) return result;
   const PixelView& view = surface->view;
   const RECT area = rect ? *rect : RECT{0, 0, view.width, view.height};
   if (!Rect_Within(area, view.width, view.height)) return DDERR_INVALIDRECT;
   IDirectDrawSurface_GetSurfaceDesc(surface, desc);
   desc->dwFlags |= DDSD_LPSURFACE;
-  desc->lpSurface = Step_Fails(ScreenStep::LockWithoutPixels) ? nullptr : Pixel_At(view, area.left, area.top);
+  desc->lpSurface = Step_Fails(RigStep::LockWithoutPixels) ? nullptr : Pixel_At(view, area.left, area.top);
   surface->locked = true;
   return DD_OK;
 }
@@ -240,7 +218,7 @@ HRESULT IDirectDrawSurface_Unlock(IDirectDrawSurface* surface, LPVOID) {
 HRESULT IDirectDrawSurface_Blt(IDirectDrawSurface* surface, RECT* rect, IDirectDrawSurface* source, RECT* sourceRect, DWORD flags,
                                DDBLTFX*) {
   if (!source || source->primary) return DDERR_INVALIDPARAMS;
-  HRESULT result = Check_Use(surface, surface->primary ? ScreenStep::BltPrimary : ScreenStep::BltOffscreen);
+  HRESULT result = Check_Use(surface, surface->primary ? RigStep::BltPrimary : RigStep::BltOffscreen);
   if (FAILED(result)) return result;
   if (Is_Lost(source)) return DDERR_SURFACELOST;
   if (source->locked || source->dc) return DDERR_SURFACEBUSY;
@@ -265,7 +243,7 @@ HRESULT IDirectDrawSurface_Blt(IDirectDrawSurface* surface, RECT* rect, IDirectD
 HRESULT IDirectDrawSurface_GetDC(IDirectDrawSurface* surface, HDC* dc) {
   if (!dc) return DDERR_INVALIDPARAMS;
   *dc = nullptr;
-  const HRESULT result = Check_Use(surface, ScreenStep::SurfaceGetDC);
+  const HRESULT result = Check_Use(surface, RigStep::SurfaceGetDC);
   if (FAILED(result)) return result;
   surface->dc = *dc = Dc_Make(nullptr, surface);
   return *dc ? DD_OK : DDERR_OUTOFMEMORY;
@@ -280,9 +258,9 @@ HRESULT IDirectDrawSurface_ReleaseDC(IDirectDrawSurface* surface, HDC dc) {
 
 HRESULT IDirectDrawSurface_Restore(IDirectDrawSurface* surface) {
   HRESULT code = E_FAIL;
-  if (Step_Fails(surface->primary ? ScreenStep::RestorePrimary : ScreenStep::RestoreOffscreen, &code)) return code;
+  if (Step_Fails(surface->primary ? RigStep::RestorePrimary : RigStep::RestoreOffscreen, &code)) return code;
   if (Is_Lost(surface) && !surface->primary) Clear_Pixels(surface->view);
-  surface->losses = machine.losses;
+  surface->losses = screenState.losses;
   return DD_OK;
 }
 
@@ -294,7 +272,7 @@ ULONG IDirectDrawSurface_Release(IDirectDrawSurface* surface) {
   if (surface->dc) Dc_End(surface->dc);
   Replace_Clipper(surface, nullptr);
   Replace_Palette(surface, nullptr);
-  std::free(surface->store);
+  std::free(surface->memory);
   delete surface;
   Object_Ended();
   return 0;

@@ -1,6 +1,6 @@
-#include "platform/portable/machine.h"
 #include "platform/portable/paint/face.h"
 #include "platform/portable/paint/gdi.h"
+#include "platform/portable/paint/objects.h"
 
 #include <ft2build.h>
 
@@ -100,20 +100,20 @@ std::span<const char* const> Face_Files() { return faceFiles; }
 BOOL TextOutA(HDC dc, int x, int y, LPCSTR text, int length) {
   ScaledFace scaled;
   if (!dc || !text || length < 0 || !Scale_Face(*dc->font, scaled)) return FALSE;
-  const DrawTarget target = Dc_Target(dc);
-  // A text may start far outside; what is drawn of it is the part whose cells touch the target.
-  const int64_t top = int64_t{y} - target.origin.y;
-  int64_t left = int64_t{x} - target.origin.x;
-  if (top + scaled.cellHeight <= 0 || top >= target.view.height) return TRUE;
+  const Canvas canvas = Dc_Canvas(dc);
+  // A text may start far outside; what is drawn of it is the part whose cells touch the canvas.
+  const int64_t top = int64_t{y} - canvas.origin.y;
+  int64_t left = int64_t{x} - canvas.origin.x;
+  if (top + scaled.cellHeight <= 0 || top >= canvas.view.height) return TRUE;
   dc->changed = true;
   const uint32_t color = Swap_Color(dc->textColor);
   for (int i = 0; i < length; ++i, left += scaled.cellWidth) {
-    if (left + 2 * scaled.cellWidth <= 0 || left - scaled.cellWidth >= target.view.width) continue;
+    if (left + 2 * scaled.cellWidth <= 0 || left - scaled.cellWidth >= canvas.view.width) continue;
     const auto column = static_cast<int32_t>(left), row = static_cast<int32_t>(top);
     if (dc->backgroundMode == OPAQUE)
-      Fill_Pixels(target.view, {column, row, column + scaled.cellWidth, row + scaled.cellHeight}, 0xFFFFFF);
+      Fill_Pixels(canvas.view, {column, row, column + scaled.cellWidth, row + scaled.cellHeight}, 0xFFFFFF);
     if (FT_Load_Char(scaled.face, static_cast<uint8_t>(text[i]), FT_LOAD_RENDER) != 0) continue;
-    Draw_Glyph(target.view, scaled.face->glyph, column, row + scaled.baseline, color);
+    Draw_Glyph(canvas.view, scaled.face->glyph, column, row + scaled.baseline, color);
   }
   return TRUE;
 }

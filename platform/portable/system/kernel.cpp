@@ -1,6 +1,6 @@
 #include "platform/portable/system/kernel.h"
 
-#include "platform/portable/machine.h"
+#include "platform/portable/system/seam.h"
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -41,10 +41,6 @@ KernelObject* Make_Object(HandleKind kind) {
   return object;
 }
 
-constexpr int64_t RealTime = -1;
-std::atomic<int64_t> fixedTick{RealTime};
-SYSTEMTIME fixedTime;  ///< Year 0: the real one.
-
 }  // namespace
 
 HANDLE GetProcessHeap() {
@@ -53,7 +49,7 @@ HANDLE GetProcessHeap() {
 }
 
 LPVOID HeapAlloc(HANDLE, DWORD flags, SIZE_T bytes) {
-  if (Step_Fails(ScreenStep::Memory)) return nullptr;
+  if (Step_Fails(RigStep::Memory)) return nullptr;
   const SIZE_T size = std::max<SIZE_T>(bytes, 1);
   void* memory = flags & HEAP_ZERO_MEMORY ? std::calloc(1, size) : std::malloc(size);
   if (memory) Object_Made();
@@ -67,7 +63,7 @@ BOOL HeapFree(HANDLE, DWORD, LPVOID memory) {
 }
 
 HANDLE CreateMutexA(SECURITY_ATTRIBUTES*, BOOL initialOwner, LPCSTR) {
-  if (Step_Fails(ScreenStep::CreateMutex)) return nullptr;
+  if (Step_Fails(RigStep::CreateMutex)) return nullptr;
   KernelObject* object = Make_Object(HandleKind::Mutex);
   if (object && initialOwner) WaitForSingleObject(object, INFINITE);
   return object;  // NOLINT(clang-analyzer-cplusplus.NewDeleteLeaks): the handle's owner closes it.
@@ -114,23 +110,14 @@ LPVOID InterlockedExchangePointer(LPVOID volatile* target, LPVOID value) {
 DWORD GetCurrentThreadId() { return static_cast<DWORD>(gettid()); }
 
 DWORD GetTickCount() {
-  const int64_t fixed = fixedTick.load(std::memory_order_relaxed);
-  if (fixed != RealTime) return static_cast<DWORD>(fixed);
+  DWORD tick = 0;
+  if (Tick_Is_Set(&tick)) return tick;
   const auto now = std::chrono::steady_clock::now().time_since_epoch();
   return static_cast<DWORD>(std::chrono::duration_cast<std::chrono::milliseconds>(now).count() & 0xFFFFFFFF);
 }
 
-void Screen_Set_Tick(uint32_t tick) { fixedTick = tick; }
-void Screen_Set_Local_Time(const SYSTEMTIME& time) { fixedTime = time; }
-
-void Screen_Real_Time() {
-  fixedTick = RealTime;
-  fixedTime = {};
-}
-
 void GetLocalTime(SYSTEMTIME* time) {
-  *time = fixedTime;
-  if (fixedTime.wYear != 0) return;
+  if (Local_Time_Is_Set(time)) return;
   timespec now{};
   clock_gettime(CLOCK_REALTIME, &now);
   tm local{};
@@ -165,8 +152,8 @@ HANDLE CreateFileA(LPCSTR path, DWORD access, DWORD, SECURITY_ATTRIBUTES*, DWORD
 BOOL WriteFile(HANDLE file, LPCVOID data, DWORD bytes, DWORD* written, OVERLAPPED*) {
   *written = 0;
   const KernelObject* object = Find_Object(file, HandleKind::File);
-  if (!object || Step_Fails(ScreenStep::WriteFile)) return FALSE;
-  const DWORD wanted = bytes > 0 && Step_Fails(ScreenStep::ShortWrite) ? bytes - 1 : bytes;
+  if (!object || Step_Fails(RigStep::WriteFile)) return FALSE;
+  const DWORD wanted = bytes > 0 && Step_Fails(RigStep::ShortWrite) ? bytes - 1 : bytes;
   while (*written < wanted) {
     const ssize_t count = write(object->descriptor, static_cast<const uint8_t*>(data) + *written, wanted - *written);
     if (count < 0 && errno == EINTR) continue;
@@ -190,6 +177,6 @@ BOOL ReadFile(HANDLE file, LPVOID data, DWORD bytes, DWORD* got, OVERLAPPED*) {
   return TRUE;
 }
 
-void OutputDebugStringA(LPCSTR text) { Add_Debug_Output(text); }
+void OutputDebugStringA(LPCSTR text) { Note_Debug_Output(text); }
 
 LPSTR lstrcpyA(LPSTR to, LPCSTR from) { return static_cast<LPSTR>(std::memcpy(to, from, std::strlen(from) + 1)); }

@@ -1,7 +1,7 @@
 /* The functions that are looked up by name at run time. */
-#include "platform/portable/machine.h"
 #include "platform/portable/paint/ddraw.h"
 #include "platform/portable/system/kernel.h"
+#include "platform/portable/system/seam.h"
 #include "platform/portable/window/monitor.h"
 #include "platform/portable/window/window.h"
 
@@ -55,7 +55,7 @@ HMODULE GetModuleHandleA(LPCSTR name) {
 
 HMODULE LoadLibraryA(LPCSTR name) {
   HMODULE module = GetModuleHandleA(name);
-  if (module == &ddrawModule && Step_Fails(ScreenStep::LoadDirectDraw)) return nullptr;
+  if (module == &ddrawModule && Step_Fails(RigStep::LoadDirectDraw)) return nullptr;
   return module;
 }
 
@@ -69,8 +69,8 @@ BOOL FreeLibrary(HMODULE module) { return module != nullptr; }
 FARPROC GetProcAddress(HMODULE module, LPCSTR name) {
   for (const NamedFunction& entry : namedFunctions) {
     if (entry.module != module || std::strcmp(entry.name, name) != 0) continue;
-    if (module == &ddrawModule && Step_Fails(ScreenStep::FindEnumerateEx)) return nullptr;
-    if (std::strcmp(name, "GetMonitorInfoA") == 0 && Step_Fails(ScreenStep::FindMonitorFunction)) return nullptr;
+    if (module == &ddrawModule && Step_Fails(RigStep::FindEnumerateEx)) return nullptr;
+    if (std::strcmp(name, "GetMonitorInfoA") == 0 && Step_Fails(RigStep::FindMonitorFunction)) return nullptr;
     return entry.function;
   }
   return nullptr;

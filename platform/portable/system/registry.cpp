@@ -1,11 +1,10 @@
 #include "platform/portable/system/registry.h"
 
-#include "platform/portable/machine.h"
+#include "platform/portable/system/registry_store.h"
+#include "platform/portable/system/seam.h"
 
 #include <cctype>
 #include <cstring>
-#include <map>
-#include <mutex>
 #include <new>
 
 /** An open key. */
@@ -14,20 +13,6 @@ struct HKEY__ {
   REGSAM access;
 };
 
-namespace {
-
-struct RegistryValue {
-  DWORD type = REG_NONE;
-  std::vector<uint8_t> data;
-};
-using RegistryKey = std::map<std::string, RegistryValue>;
-
-struct Registry {
-  std::mutex lock;
-  std::map<std::string, RegistryKey> keys;  ///< By root and path. This and all names within in lower case.
-};
-
-/** Made when it is needed: a library may ask before this file's variables are. */
 Registry& The_Registry() {
   static Registry registry;
   return registry;
@@ -37,6 +22,16 @@ std::string Lower_Case(std::string text) {
   for (char& letter : text) letter = static_cast<char>(std::tolower(static_cast<unsigned char>(letter)));
   return text;
 }
+
+const RegistryValue* Find_Value(const std::string& path, const std::string& name) {
+  const Registry& registry = The_Registry();
+  const auto key = registry.keys.find(path);
+  if (key == registry.keys.end()) return nullptr;
+  const auto value = key->second.find(name);
+  return value == key->second.end() ? nullptr : &value->second;
+}
+
+namespace {
 
 /** The path with its root's name; empty for another root. */
 std::string Full_Path(HKEY root, LPCSTR path) {
@@ -49,14 +44,6 @@ LSTATUS Open_Key(const std::string& path, REGSAM access, HKEY* key) {
   if (!*key) return ERROR_ACCESS_DENIED;
   Object_Made();
   return ERROR_SUCCESS;
-}
-
-const RegistryValue* Find_Value(const std::string& path, const std::string& name) {
-  const Registry& registry = The_Registry();
-  const auto key = registry.keys.find(path);
-  if (key == registry.keys.end()) return nullptr;
-  const auto value = key->second.find(name);
-  return value == key->second.end() ? nullptr : &value->second;
 }
 
 LSTATUS Copy_Value(const RegistryValue& value, BYTE* data, DWORD* size) {
@@ -85,7 +72,7 @@ LSTATUS RegOpenKeyExA(HKEY root, LPCSTR path, DWORD, REGSAM access, HKEY* key) {
 LSTATUS RegCreateKeyExA(HKEY root, LPCSTR path, DWORD, LPSTR, DWORD, REGSAM access, const SECURITY_ATTRIBUTES*, HKEY* key,
                         DWORD*) {
   if (!key) return ERROR_INVALID_PARAMETER;
-  if (Step_Fails(ScreenStep::CreateRegistryKey)) return ERROR_ACCESS_DENIED;
+  if (Step_Fails(RigStep::CreateRegistryKey)) return ERROR_ACCESS_DENIED;
   const std::string full = Full_Path(root, path);
   if (full.empty()) return ERROR_INVALID_HANDLE;
   Registry& registry = The_Registry();
@@ -107,7 +94,7 @@ LSTATUS RegQueryValueExA(HKEY key, LPCSTR name, DWORD*, DWORD* type, BYTE* data,
 
 LSTATUS RegSetValueExA(HKEY key, LPCSTR name, DWORD, DWORD type, const BYTE* data, DWORD size) {
   if (!key) return ERROR_INVALID_HANDLE;
-  if (!(key->access & KEY_SET_VALUE) || Step_Fails(ScreenStep::SetRegistryValue)) return ERROR_ACCESS_DENIED;
+  if (!(key->access & KEY_SET_VALUE) || Step_Fails(RigStep::SetRegistryValue)) return ERROR_ACCESS_DENIED;
   Registry& registry = The_Registry();
   const std::lock_guard guard(registry.lock);
   registry.keys[key->path][Lower_Case(name ? name : "")] = {type, {data, data + size}};
@@ -119,24 +106,4 @@ LSTATUS RegCloseKey(HKEY key) {
   delete key;
   Object_Ended();
   return ERROR_SUCCESS;
-}
-
-void Screen_Set_Registry(const std::string& key, const std::string& name, uint32_t type, const std::vector<uint8_t>& data) {
-  Registry& registry = The_Registry();
-  const std::lock_guard guard(registry.lock);
-  registry.keys[Lower_Case(key)][Lower_Case(name)] = {type, data};
-}
-
-std::optional<std::vector<uint8_t>> Screen_Registry(const std::string& key, const std::string& name, uint32_t* type) {
-  const std::lock_guard guard(The_Registry().lock);
-  const RegistryValue* const value = Find_Value(Lower_Case(key), Lower_Case(name));
-  if (!value) return std::nullopt;
-  if (type) *type = value->type;
-  return value->data;
-}
-
-void Screen_Forget_Registry() {
-  Registry& registry = The_Registry();
-  const std::lock_guard guard(registry.lock);
-  registry.keys.clear();
 }

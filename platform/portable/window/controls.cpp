@@ -1,7 +1,9 @@
 #include "platform/portable/window/controls.h"
 
-#include "platform/portable/machine.h"
+#include "platform/portable/desktop.h"
 #include "platform/portable/paint/gdi.h"
+#include "platform/portable/paint/objects.h"
+#include "platform/portable/window/window_record.h"
 
 #include <algorithm>
 #include <cstring>
@@ -165,13 +167,13 @@ bool Is_Tooltip(HWND window) { return window->proc == Tooltip_Proc; }
 
 void InitCommonControls() {}
 
-std::string Screen_Tooltip_Text(HWND window) {
+std::string Tooltip_Text(HWND window) {
   const HWND tooltip = Tooltip_Of(window);
   return tooltip ? Ask_Text(tooltip) : "";
 }
 
 HWND Screen_Open_Tooltip(HWND window, const RECT& area) {
-  const std::string text = Screen_Tooltip_Text(window).substr(0, MostCharacters);
+  const std::string text = Tooltip_Text(window).substr(0, MostCharacters);
   const HWND tooltip = Tooltip_Of(window);
   if (text.empty() || !tooltip) return nullptr;
   tooltip->title = text;

@@ -1,7 +1,9 @@
 #include "platform/portable/window/dialogs.h"
 
-#include "platform/portable/machine.h"
+#include "platform/portable/desktop.h"
+#include "platform/portable/system/seam.h"
 #include "platform/portable/window/controls.h"
+#include "platform/portable/window/window_record.h"
 #include "resources/texts.h"
 
 #include <cstring>
@@ -153,8 +155,6 @@ LRESULT SendDlgItemMessageA(HWND dialog, int id, UINT message, WPARAM wParam, LP
   return SendMessageA(GetDlgItem(dialog, id), message, wParam, lParam);
 }
 
-HWND Screen_Dialog() { return innermost ? innermost->window : nullptr; }
-
 void Screen_Set_File_Chooser(const ScreenFileChooser& chooser) { fileChooser = chooser; }
 
 BOOL GetOpenFileNameA(OPENFILENAMEA* dialog) {
@@ -168,6 +168,6 @@ BOOL GetOpenFileNameA(OPENFILENAMEA* dialog) {
 int MessageBoxA(HWND owner, LPCSTR text, LPCSTR caption, UINT type) {
   if (!text) text = "";
   if (!caption) caption = "";
-  if (!Desktop_Show_Message(owner, text, caption, type)) Add_Message(std::string(caption) + "|" + text);
+  if (!Desktop_Show_Message(owner, text, caption, type)) Note_Message(text, caption);
   return IDOK;
 }

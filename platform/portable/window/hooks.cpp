@@ -1,6 +1,7 @@
 /* Hooks of the keyboard. */
-#include "platform/portable/machine.h"
+#include "platform/portable/system/seam.h"
 #include "platform/portable/window/window.h"
+#include "platform/portable/window/window_record.h"
 
 #include <algorithm>
 #include <new>

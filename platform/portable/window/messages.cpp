@@ -1,7 +1,8 @@
-#include "platform/portable/machine.h"
 #include "platform/portable/paint/gdi.h"
+#include "platform/portable/paint/objects.h"
 #include "platform/portable/system/kernel.h"
 #include "platform/portable/window/window.h"
+#include "platform/portable/window/window_record.h"
 
 #include <algorithm>
 #include <chrono>

@@ -1,6 +1,7 @@
 #include "platform/portable/window/monitor.h"
 
-#include "platform/portable/machine.h"
+#include "platform/portable/paint/screen.h"
+#include "platform/portable/system/seam.h"
 #include "platform/portable/window/window.h"
 
 #include <algorithm>
@@ -15,7 +16,12 @@ namespace {
 constexpr int32_t MostMonitors = 16;
 HMONITOR__ monitors[MostMonitors];
 
-int32_t Monitor_Count() { return std::clamp(machine.setup.adapters, 1, MostMonitors); }
+int32_t Monitor_Count() { return std::clamp(screenState.setup.adapters, 1, MostMonitors); }
+
+RECT Monitor_Area(int32_t index) {
+  const ScreenSetup& setup = screenState.setup;
+  return {index * setup.width, 0, (index + 1) * setup.width, setup.height};
+}
 
 /** Number of a monitor, or -1. */
 int32_t Monitor_Index(HMONITOR monitor) {
@@ -49,12 +55,6 @@ void Copy_Name(char* to, size_t size, int32_t index) { std::snprintf(to, size, "
 
 }  // namespace
 
-RECT Monitor_Area(int32_t index) {
-  const ScreenSetup& setup = machine.setup;
-  const int32_t known = std::clamp(index, 0, Monitor_Count() - 1);
-  return {known * setup.width, 0, (known + 1) * setup.width, setup.height};
-}
-
 HMONITOR MonitorFromRect(const RECT* rect, DWORD flags) {
   int32_t best = -1;
   int64_t bestArea = 0;
@@ -84,7 +84,7 @@ HMONITOR MonitorFromWindow(HWND window, DWORD flags) {
 }
 
 BOOL GetMonitorInfoA(HMONITOR monitor, MONITORINFO* info) {
-  if (Step_Fails(ScreenStep::GetMonitorInfo)) return FALSE;
+  if (Step_Fails(RigStep::GetMonitorInfo)) return FALSE;
   const int32_t index = Monitor_Index(monitor);
   if (index < 0 || !info) return FALSE;
   if (info->cbSize != sizeof(MONITORINFO) && info->cbSize != sizeof(MONITORINFOEXA)) return FALSE;
@@ -113,8 +113,8 @@ BOOL EnumDisplayDevicesA(LPCSTR, DWORD index, DISPLAY_DEVICEA* info, DWORD) {
 }
 
 int GetSystemMetrics(int index) {
-  if (index == SM_CXSCREEN) return machine.setup.width;
-  return index == SM_CYSCREEN ? machine.setup.height : 0;
+  if (index == SM_CXSCREEN) return screenState.setup.width;
+  return index == SM_CYSCREEN ? screenState.setup.height : 0;
 }
 
 BOOL SystemParametersInfoA(UINT action, UINT, LPVOID data, UINT) {

@@ -1,7 +1,9 @@
 #include "platform/portable/window/resource.h"
 
-#include "platform/portable/machine.h"
+#include "platform/portable/desktop.h"
 #include "platform/portable/paint/gdi.h"
+#include "platform/portable/system/seam.h"
+#include "platform/portable/window/window_record.h"
 #include "resources/texts.h"
 
 #include <algorithm>
@@ -74,7 +76,7 @@ std::vector<uint8_t> Widen_Pixels(const BITMAPINFOHEADER& header, const uint8_t*
 }  // namespace
 
 HBITMAP LoadBitmapA(HMODULE, LPCSTR name) {
-  if (Step_Fails(ScreenStep::LoadBitmap)) return nullptr;
+  if (Step_Fails(RigStep::LoadBitmap)) return nullptr;
   const BitmapFile* const file = Find_Resource(bitmapFiles, reinterpret_cast<uintptr_t>(name));
   if (!file) return nullptr;
   uint32_t bitsAt = 0;

@@ -1,7 +1,9 @@
 #include "platform/portable/window/window.h"
 
-#include "platform/portable/machine.h"
 #include "platform/portable/paint/gdi.h"
+#include "platform/portable/paint/screen.h"
+#include "platform/portable/system/seam.h"
+#include "platform/portable/window/window_record.h"
 
 #include <algorithm>
 #include <cstring>
