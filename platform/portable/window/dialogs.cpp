@@ -4,7 +4,7 @@
 #include "platform/portable/system/seam.h"
 #include "platform/portable/window/controls.h"
 #include "platform/portable/window/window_record.h"
-#include "resources/texts.h"
+#include "resources/dialogs.h"
 
 #include <cstring>
 #include <strings.h>
@@ -22,25 +22,50 @@ namespace {
 
 /* ---- The templates -------------------------------------------------------------------------------------------------------- */
 
-/** A control, with its place in dialog units. */
+/** Places and sizes are in dialog units. */
 struct ControlTemplate {
+  const char* text;
   int id;
-  struct {
-    int x, y, width, height;
-  } place;
+  const char* className;
+  DWORD style;
+  int x, y, width, height;
 };
-constexpr ControlTemplate menuButtons[] = {
-    {RECORD_BUTTON, {RECORD_BUTTON_PLACE}}, {STOP_BUTTON, {STOP_BUTTON_PLACE}}, {CLOSE_BUTTON, {CLOSE_BUTTON_PLACE}}};
 
-/** A quarter of the mean width and an eighth of the height of the dialog's font, System of 10 points. */
+struct DialogTemplate {
+  const char* name;
+  DWORD style;
+  int width, height;
+  std::vector<ControlTemplate> controls;
+};
+
+#define CONTROL_TEMPLATE(text, id, className, style, x, y, width, height) {text, id, className, style, x, y, width, height},
+#define DIALOG_TEMPLATE(id, name, style, width, height, fontSize, font, controls) \
+  {name, style, width, height, {controls(CONTROL_TEMPLATE)}},
+
+/** The dialog of the resources with that name, or null. */
+const DialogTemplate* Find_Template(LPCSTR name) {
+  static const DialogTemplate templates[] = {DIALOGS(DIALOG_TEMPLATE)};
+  for (const DialogTemplate& dialog : templates)
+    if (name && strcasecmp(name, dialog.name) == 0) return &dialog;
+  return nullptr;
+}
+
+/** A quarter of the mean width and an eighth of the height of the font System of 10 points, which all dialogs count in. */
 constexpr int UnitWidth = 8 / 4, UnitHeight = 16 / 8;
 
-void Make_Controls(HWND dialog) {
-  for (const auto& [id, place] : menuButtons) {
-    CreateWindowExA(0, "Button", "", MENU_BUTTON_STYLE, place.x * UnitWidth, place.y * UnitHeight, place.width * UnitWidth,
-                    place.height * UnitHeight, dialog, reinterpret_cast<HMENU>(static_cast<uintptr_t>(id)), dialog->instance,
-                    nullptr);
+void Make_Controls(HWND dialog, const std::vector<ControlTemplate>& controls) {
+  for (const ControlTemplate& control : controls) {
+    CreateWindowExA(0, control.className, control.text, control.style, control.x * UnitWidth, control.y * UnitHeight,
+                    control.width * UnitWidth, control.height * UnitHeight, dialog,
+                    reinterpret_cast<HMENU>(static_cast<uintptr_t>(control.id)), dialog->instance, nullptr);
   }
+}
+
+std::vector<HWND> Controls_Of(HWND dialog) {
+  std::vector<HWND> controls;
+  for (HWND window : allWindows)
+    if (window->parent == dialog) controls.push_back(window);
+  return controls;
 }
 
 /* ---- The window ----------------------------------------------------------------------------------------------------------- */
@@ -71,25 +96,25 @@ LRESULT Dialog_Window_Proc(HWND window, UINT message, WPARAM wParam, LPARAM lPar
   return handled != 0 ? handled : Dialog_Default(window, message, wParam, lParam);
 }
 
-HWND Make_Dialog(HINSTANCE module, HWND owner, OpenDialog* dialog) {
+HWND Make_Dialog(const DialogTemplate& made, HINSTANCE module, HWND owner, OpenDialog* dialog) {
   WNDCLASSA type = {};
   type.lpfnWndProc = Dialog_Window_Proc;
   type.lpszClassName = DialogClass;
   RegisterClassA(&type);
   const POINT origin = Window_Find(owner) ? Window_Origin(owner) : POINT{0, 0};
-  const HWND window = CreateWindowExA(0, DialogClass, "", MENU_STYLE, origin.x, origin.y, MENU_WIDTH * UnitWidth,
-                                      MENU_HEIGHT * UnitHeight, owner, nullptr, module, nullptr);
+  const HWND window = CreateWindowExA(0, DialogClass, "", made.style, origin.x, origin.y, made.width * UnitWidth,
+                                      made.height * UnitHeight, owner, nullptr, module, nullptr);
   if (!window) return nullptr;
   window->dialog = dialog;
   dialog->window = window;
-  Make_Controls(window);
+  Make_Controls(window, made.controls);
   return window;
 }
 
 /** Paints the dialog at once: messages that keep coming would have it wait. */
 void Paint_All(HWND dialog) {
   SendMessageA(dialog, WM_PAINT, 0, 0);
-  for (const ControlTemplate& button : menuButtons) SendDlgItemMessageA(dialog, button.id, WM_PAINT, 0, 0);
+  for (HWND control : Controls_Of(dialog)) SendMessageA(control, WM_PAINT, 0, 0);
 }
 
 bool Is_Escape(const OpenDialog& dialog, const MSG& message) {
@@ -118,14 +143,16 @@ ScreenFileChooser fileChooser;
 }  // namespace
 
 INT_PTR DialogBoxParamA(HINSTANCE module, LPCSTR name, HWND owner, DLGPROC procedure, LPARAM param) {
-  if (!name || !procedure || strcasecmp(name, MENU_DIALOG_NAME) != 0) return -1;
+  const DialogTemplate* const found = Find_Template(name);
+  if (!found || !procedure) return -1;
   OpenDialog dialog = {procedure, innermost, nullptr, false, IDCANCEL};
-  if (!Make_Dialog(module, owner, &dialog)) return -1;
+  if (!Make_Dialog(*found, module, owner, &dialog)) return -1;
   innermost = &dialog;
   const HWND heldUp = Window_Top(Window_Find(owner));
   const bool disables = IsWindowEnabled(heldUp);
   if (disables) EnableWindow(heldUp, FALSE);
-  SendMessageA(dialog.window, WM_INITDIALOG, reinterpret_cast<WPARAM>(GetDlgItem(dialog.window, menuButtons[0].id)), param);
+  const std::vector<HWND> controls = Controls_Of(dialog.window);
+  SendMessageA(dialog.window, WM_INITDIALOG, controls.empty() ? 0 : reinterpret_cast<WPARAM>(controls[0]), param);
   if (dialog.window && !dialog.ended) {
     ShowWindow(dialog.window, SW_SHOW);
     Paint_All(dialog.window);
