@@ -7,6 +7,7 @@
 #include "support/window.h"
 
 #include <atomic>
+#include <cstring>
 #include <thread>
 
 namespace {
@@ -38,6 +39,19 @@ TEST_F(DisplayedDecoder, RasterHasTheDepthOfTheScreen) {
     EXPECT_EQ(decoder->window, window.handle);
     EXPECT_NE(decoder->display, nullptr);
   }
+}
+
+TEST_F(DisplayedDecoder, WhatIsNoWindowIsRefused) {
+  const TestWindow window(32);
+  const HWND ended = CreateWindowExA(0, "velarto-test", "", WS_POPUP, 0, 0, 9, 9, nullptr, nullptr, nullptr, nullptr);
+  DestroyWindow(ended);
+  const DecoderPtr decoder = Headless_Decoder(48, 48);
+  const JdecDecoder before = *decoder;
+  for (const HWND none : {ended, reinterpret_cast<HWND>(uintptr_t{0x1234})}) {
+    EXPECT_EQ(JDEC_Draw_Init(decoder.get(), none), 0);
+    EXPECT_EQ(std::memcmp(&before, decoder.get(), sizeof before), 0) << "nothing has changed";
+  }
+  EXPECT_EQ(JDEC_Draw_Init(decoder.get(), window.handle), 1);
 }
 
 TEST_F(DisplayedDecoder, PaletteIndicesComeRowByRowDownToAnOddLastOne) {
