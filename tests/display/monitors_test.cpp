@@ -1,6 +1,6 @@
 #include "display/monitors.h"
 
-#include "display/machine.h"
+#include "display/test_display.h"
 
 namespace {
 
@@ -40,8 +40,8 @@ void Check_Fallbacks(HWND window) {
 
 TEST(MonitorsDeathTest, WithoutTheFunctionsThereIsOneScreen) {
   testing::FLAGS_gtest_death_test_style = "threadsafe";  // A process of its own, in which nothing was looked up yet.
-  Machine machine(Screen_With(32), 64, 48);
-  EXPECT_EXIT((Check_Fallbacks(machine.handle), std::exit(testing::Test::HasFailure() ? 1 : 0)), testing::ExitedWithCode(0), "");
+  TestDisplay test(Screen_With(32), 64, 48);
+  EXPECT_EXIT((Check_Fallbacks(test.handle), std::exit(testing::Test::HasFailure() ? 1 : 0)), testing::ExitedWithCode(0), "");
 }
 
 }  // namespace

@@ -1,7 +1,7 @@
 // Overlay calls with any argument, on pictures, windows and screens of any size and depth. The levels agree on what the window
 // shows, and nothing is written around a surface.
 #include "display/context.h"
-#include "fuzz/machine.h"
+#include "fuzz/run.h"
 
 static HBITMAP Next_Bitmap(Input* input) {
   if (input->Byte() % 8 == 0) return nullptr;

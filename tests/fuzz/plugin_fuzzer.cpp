@@ -1,5 +1,5 @@
 // A browser that calls the plug-in in any order, with any settings in the registry, messages to its window, and steps that fail.
-#include "fuzz/machine.h"
+#include "fuzz/run.h"
 #include "plugin/attach.h"
 #include "plugin/entry.h"
 #include "plugin/window_proc.h"

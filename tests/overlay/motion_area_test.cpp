@@ -2,7 +2,7 @@
  */
 #include "overlay/motion_area.h"
 
-#include "display/machine.h"
+#include "display/test_display.h"
 #include "overlay/color_key.h"
 #include "overlay/motion_state.h"
 
@@ -17,7 +17,7 @@ struct LayerTest : LibraryTest {
 };
 
 /** A decoder with a display of that size, and the layer that it should have by now. */
-struct Motion : Machine {
+struct Motion : TestDisplay {
   const DecoderPtr owned;
   JdecDecoder* const decoder = owned.get();
   const int32_t width, height, across = width == 640 ? 2 : 1, down = width == 640 && height == 480 ? 2 : 1;
@@ -25,7 +25,7 @@ struct Motion : Machine {
   std::map<uint32_t, uint32_t> pixels;
 
   Motion(int32_t bits, int32_t pictureWidth, int32_t pictureHeight)
-      : Machine(Screen_With(bits), pictureWidth, pictureHeight),
+      : TestDisplay(Screen_With(bits), pictureWidth, pictureHeight),
         owned(Shown_Decoder(handle, pictureWidth, pictureHeight)),
         width(pictureWidth),
         height(pictureHeight) {

@@ -1,5 +1,5 @@
 /* What only the portable screen can show: other depths, guards, a desktop. Failures are proved where they are answered. */
-#include "platform/home.h"
+#include "platform/platform_test.h"
 
 #include <atomic>
 #include <thread>

@@ -1,4 +1,4 @@
-/* What the tests of the display share: a machine with one window and a display in it, and rasters that go by themselves. */
+/* What the tests of the display share: a screen with a window and its display, and rasters that free themselves. */
 #pragma once
 
 #include "display/context.h"
@@ -24,22 +24,22 @@ inline ScreenSetup Screen_With(int32_t bits, bool systemMemory = false, int32_t 
   return setup;
 }
 
-enum Form { NoDisplay, GdiForm, DirectDrawForm };
+enum DisplayForm { NoDisplay, GdiForm, DirectDrawForm };
 
-inline Form Form_Of(const JdecDisplay* display) {
+inline DisplayForm Form_Of(const JdecDisplay* display) {
   if (!display) return NoDisplay;
   return display->useDirectDraw ? DirectDrawForm : GdiForm;
 }
 
 /** A screen, a window and the display opened in it. Fails the test when something is still alive at its end, or when anything
  *  was written beside the surface. */
-struct Machine : TestWindow {
+struct TestDisplay : TestWindow {
   const int32_t aliveAtStart = Rig_Objects_Alive();
   std::unique_ptr<JdecDisplay, Releaser<Display_Destroy>> display;
   int32_t frames = 0;  ///< That reached the screen, told by the callback.
 
   using TestWindow::TestWindow;
-  ~Machine() {
+  ~TestDisplay() {
     EXPECT_TRUE(!display || !display->offscreenSurface || Rig_Guards_Whole(display->offscreenSurface));
     display.reset();
     EXPECT_EQ(Rig_Objects_Alive(), aliveAtStart);
