@@ -1,4 +1,5 @@
-/* The one door to the system: on Windows its own headers, elsewhere the same operations from platform/portable/. */
+/* The operating system, by the names of Windows: its own headers there, elsewhere the portable layer. The only header above
+ * platform/ that differs between the two. */
 #pragma once
 
 #ifdef _WIN32

@@ -2,7 +2,7 @@
  * screen, hooks itself in, shows the windows' pixels, and tells the windows what their user does. Until then there is no screen:
  * its depth counts as 24 bits and nothing is shown.
  *
- * All of it is process-wide, and used by the one thread that works on windows, except where told. */
+ * All of it is process-wide, and used by the one thread that works on windows, unless a comment allows any. */
 #pragma once
 
 #include "platform/portable/system/types.h"
@@ -37,7 +37,7 @@ void Screen_Remove();
 
 /* ---- The desktop's own part ----------------------------------------------------------------------------------------------- */
 
-/** What the layer calls; each function may be null. Called on the thread that works on the window, except where told. */
+/** What the layer calls, on the windows' thread unless a comment allows any; each function may be null. */
 struct ScreenDesktop {
   void (*windowCreated)(HWND window);
   void (*windowChanged)(HWND window);  ///< Place, size, title, style or visibility.

@@ -1,9 +1,9 @@
-/* What tests supply to the portable layer, and see of it: steps that fail, ticks set by hand, lost surfaces, counts of objects,
- * guards around surfaces, texts read back. Only the build of the layer that tests and fuzzers link has it (CMake target
+/* What tests supply to the portable layer, and what they see of it: steps that fail, ticks set by hand, lost surfaces, counts of
+ * objects, guards around surfaces, texts read back. Only the build of the layer that tests and fuzzers link has it (CMake target
  * velarto_system_rig); the shipped library and programs do without (system/seam.h).
  *
- * All of it is process-wide, and used by one thread except where told. Screen_Set_Up and Screen_Remove reset failures, counts of
- * calls and texts. */
+ * All of it is process-wide, and used by one thread unless a comment allows any. Screen_Set_Up and Screen_Remove reset failures,
+ * counts of calls and texts. */
 #pragma once
 
 #include "platform/portable/desktop.h"

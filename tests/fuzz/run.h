@@ -1,5 +1,4 @@
-/* Where the fuzzers run: kernels of a level, a screen with a window, steps that fail; and what must hold when an input is done.
- */
+/* What fuzzers run with: kernels of a level, a screen with a window, steps that fail; and what must hold after an input. */
 #pragma once
 
 #include "fuzz/input.h"
@@ -28,7 +27,7 @@ inline void Let_Memory_Fail(uint8_t drawn) {
   if (drawn & 1) Rig_Fail(RigStep::Memory, drawn >> 2, drawn & 2 ? 1 : INT32_MAX);
 }
 
-/** A run of the library with kernels of that level, to be made first. Behind it nothing may be left alive. */
+/** A run of the library with kernels of that level, to be constructed first. After it nothing may be left alive. */
 struct Run {
   const bool started = JDEC_Init() != 0;
   const int32_t alive = Rig_Objects_Alive();

@@ -1,4 +1,4 @@
-/* What the tests of the Windows names need on either home: a screen of 32 bits, windows on it, and its pixels back. */
+/* What tests by the Windows names need on both targets: a screen of 32 bits, windows on it, and their pixels. */
 #pragma once
 
 #include "platform/win32.h"
@@ -15,7 +15,7 @@
 
 constexpr COLORREF White = RGB(255, 255, 255), Red = RGB(255, 0, 0), Green = RGB(0, 255, 0), Blue = RGB(0, 0, 255);
 
-/** Paint and private messages that the test windows got. */
+/** WM_PAINT, WM_DESTROY and private messages that the test windows got. */
 inline std::vector<MSG> seenMessages;
 
 inline LRESULT CALLBACK Test_Window_Proc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -24,7 +24,7 @@ inline LRESULT CALLBACK Test_Window_Proc(HWND window, UINT message, WPARAM wPara
   return DefWindowProcA(window, message, wParam, lParam);
 }
 
-/** A place and the colour that is to be there. */
+/** A place and its expected colour. */
 struct Spot {
   int x, y;
   COLORREF color;
@@ -76,7 +76,7 @@ class PlatformTest : public testing::Test {
 #endif
   }
 
-  /** Handles all messages, for the tenth of a second that a desktop takes to show what was drawn. */
+  /** Handles all messages, for the tenth of a second that a desktop may need to show what was drawn. */
   static void Pump() {
     constexpr int rounds = 10;
     for (int i = 0; i < rounds; ++i) {

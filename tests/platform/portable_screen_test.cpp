@@ -1,4 +1,4 @@
-/* What only the portable screen can show: other depths, guards, a desktop. Failures are proved where they are answered. */
+/* What only the portable layer has: other depths, guards, a desktop. Failing steps are tested where they are handled. */
 #include "platform/platform_test.h"
 
 #include <atomic>
@@ -27,7 +27,7 @@ TEST_F(PortableScreenTest, CopiesOverItselfDoNotRepeat) {
     EXPECT_TRUE(Rig_Guards_Whole(surface));
     int32_t width = 0, height = 0, pitch = 0;
     const_cast<uint8_t*>(Rig_Surface_Pixels(surface, &width, &height, &pitch))[3 * bits / 8] = 0;
-    EXPECT_FALSE(Rig_Guards_Whole(surface)) << "a byte behind the row";
+    EXPECT_FALSE(Rig_Guards_Whole(surface)) << "a byte after the row";
     IDirectDrawSurface_Release(surface);
   }
 }

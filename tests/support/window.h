@@ -5,7 +5,7 @@
 
 #include "platform/win32.h"
 
-/** Sets the screen up before the window and takes it away behind it. */
+/** Sets the screen up before the window, and removes it after the window has ended. */
 struct TestWindow {
   HWND handle;
 

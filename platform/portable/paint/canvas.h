@@ -6,7 +6,7 @@
 /** Something to draw on. */
 struct Canvas {
   PixelView view;  ///< Without pixels, what is drawn is lost.
-  POINT origin;    ///< Coordinates of the view's first pixel: those of the screen, or as a device context counts.
+  POINT origin;    ///< Where the view's first pixel lies, in screen coordinates or in those of a DC.
 };
 
 /** The window's client area on the screen; without pixels when there is no such window or it doesn't show. */
@@ -14,6 +14,6 @@ Canvas Canvas_Of(HWND window);
 /** That of the uppermost window with a pixel at this place of the screen; without pixels if there is none. */
 Canvas Canvas_At(LONG x, LONG y);
 
-/** Tell the desktop of new pixels: of a window, if there is such a one, or of all windows. */
+/** Tell the desktop of new pixels of a window, if there is such a window, or of all windows. */
 void Canvas_Changed(HWND window);
 void All_Canvases_Changed();

@@ -11,7 +11,7 @@
 
 namespace {
 
-/** Makes an object with one reference. Gives an error code if a step is to fail or memory lacks; *out is null then. */
+/** Makes an object with one reference. Gives an error code if the step fails or there is no memory; *out is null then. */
 template <class Object>
 HRESULT Make_Object(RigStep step, Object** out) {
   if (!out) return DDERR_INVALIDPARAMS;
@@ -38,16 +38,16 @@ ULONG Release_Object(Object* object) {
 struct EnumerateContext {
   LPDDENUMCALLBACKEXA callback;
   LPVOID context;
-  int32_t count;  ///< Adapters told so far.
+  int32_t count;  ///< Adapters so far.
 };
 
-/** Tells of one adapter, as the enumeration of monitors comes to it. */
-BOOL Tell_Adapter(HMONITOR monitor, HDC, RECT*, LPARAM data) {
-  auto* told = reinterpret_cast<EnumerateContext*>(data);
-  GUID guid{static_cast<uint32_t>(told->count), 0, 0, {}};
+/** Calls back for the adapter of one monitor. */
+BOOL Enumerate_Adapter(HMONITOR monitor, HDC, RECT*, LPARAM data) {
+  auto* enumeration = reinterpret_cast<EnumerateContext*>(data);
+  GUID guid{static_cast<uint32_t>(enumeration->count), 0, 0, {}};
   char description[] = "Primary Display Driver", name[] = "display";
-  const bool primary = told->count++ == 0;
-  return told->callback(primary ? nullptr : &guid, description, name, told->context, primary ? nullptr : monitor);
+  const bool primary = enumeration->count++ == 0;
+  return enumeration->callback(primary ? nullptr : &guid, description, name, enumeration->context, primary ? nullptr : monitor);
 }
 
 }  // namespace
@@ -67,12 +67,12 @@ HRESULT DirectDrawEnumerateA(LPDDENUMCALLBACKA callback, LPVOID context) {
 }
 
 HRESULT DirectDrawEnumerateExA(LPDDENUMCALLBACKEXA callback, LPVOID context, DWORD flags) {
-  EnumerateContext told{callback, context, 0};
+  EnumerateContext enumeration{callback, context, 0};
   if (!screenState.on) return DD_OK;
   if (flags & DDENUM_ATTACHEDSECONDARYDEVICES) {
-    EnumDisplayMonitors(nullptr, nullptr, Tell_Adapter, reinterpret_cast<LPARAM>(&told));
+    EnumDisplayMonitors(nullptr, nullptr, Enumerate_Adapter, reinterpret_cast<LPARAM>(&enumeration));
   } else {
-    Tell_Adapter(nullptr, nullptr, nullptr, reinterpret_cast<LPARAM>(&told));
+    Enumerate_Adapter(nullptr, nullptr, nullptr, reinterpret_cast<LPARAM>(&enumeration));
   }
   return DD_OK;
 }

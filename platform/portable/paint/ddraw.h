@@ -1,5 +1,5 @@
-/* DirectDraw by its flat spellings. A surface is a plain pixel buffer in the screen's format; the primary surface has no pixels
- * of its own: what is copied to it appears in its clipper's window, by screen coordinates. */
+/* DirectDraw, with its methods as free functions. A surface is a plain pixel buffer in the screen's format. The primary surface
+ * has no pixels of its own: what is copied to it appears in its clipper's window, by screen coordinates. */
 #pragma once
 
 #include "platform/portable/paint/gdi.h"
@@ -81,13 +81,13 @@ using LPDDENUMCALLBACKA = BOOL (*)(GUID* guid, LPSTR description, LPSTR name, LP
 using LPDDENUMCALLBACKEXA = BOOL (*)(GUID* guid, LPSTR description, LPSTR name, LPVOID context, HMONITOR monitor);
 using LPDIRECTDRAWENUMERATEEXA = HRESULT (*)(LPDDENUMCALLBACKEXA callback, LPVOID context, DWORD flags);
 
-/* An object starts with one reference; Release takes one away, gives how many are left and ends the object with the last. Results
- * are DD_OK or an error; null objects are not allowed, null out pointers give DDERR_INVALIDPARAMS. */
+/* An object starts with one reference; Release takes one away, gives how many are left, and destroys the object with the last.
+ * Results are DD_OK or an error; null objects are not allowed, null out pointers give DDERR_INVALIDPARAMS. */
 
 /** DDERR_NODIRECTDRAWHW where there is no screen. guid and outer are null. */
 HRESULT DirectDrawCreate(GUID* guid, IDirectDraw** ddraw, IUnknown* outer);
-/** Calls back once an adapter (none without a screen), until a call gives FALSE; the primary one first, its guid null. Without
- *  DDENUM_ATTACHEDSECONDARYDEVICES, as in DirectDrawEnumerateA, only the primary one is told. */
+/** Calls back for each adapter (none without a screen), until a call gives FALSE; the primary one first, with a null guid.
+ * Without DDENUM_ATTACHEDSECONDARYDEVICES, as in DirectDrawEnumerateA, for the primary one only. */
 HRESULT DirectDrawEnumerateA(LPDDENUMCALLBACKA callback, LPVOID context);
 HRESULT DirectDrawEnumerateExA(LPDDENUMCALLBACKEXA callback, LPVOID context, DWORD flags);
 
@@ -104,15 +104,15 @@ ULONG IDirectDraw_Release(IDirectDraw* ddraw);
 
 /** Size, pitch, caps and pixel format. */
 HRESULT IDirectDrawSurface_GetSurfaceDesc(IDirectDrawSurface* surface, DDSURFACEDESC* desc);
-/** Keeps a reference to the clipper; null takes it off. */
+/** Keeps a reference to the clipper; null removes it. */
 HRESULT IDirectDrawSurface_SetClipper(IDirectDrawSurface* surface, IDirectDrawClipper* clipper);
-/** The source key (DDCKEY_SRCBLT): pixels whose value lies in the range are left out by DDBLT_KEYSRC. Null takes it off. */
+/** The source key (DDCKEY_SRCBLT): pixels whose value lies in the range are left out by DDBLT_KEYSRC. Null removes it. */
 HRESULT IDirectDrawSurface_SetColorKey(IDirectDrawSurface* surface, DWORD flags, DDCOLORKEY* key);
-/** On the primary surface of an 8-bit screen: the palette manager lays the entries behind the system's first ten, so that the
- * screen's entry i shows entry i - 10 of the palette. Keeps a reference. */
+/** On the primary surface of an 8-bit screen the palette manager installs the entries after the system's first ten: the screen's
+ * entry i shows entry i - 10 of the palette. Keeps a reference. */
 HRESULT IDirectDrawSurface_SetPalette(IDirectDrawSurface* surface, IDirectDrawPalette* palette);
-/** Gives the pixels of an off-screen surface at desc->lpSurface, of rect or with null of all of it, rows at desc->lPitch; rows
- * are longer than the picture is wide. DDERR_SURFACEBUSY while it is locked or has a DC out. The primary one can't be locked. */
+/** Gives the pixels of an off-screen surface at desc->lpSurface, of rect or with null of all of it, rows desc->lPitch bytes
+ * apart. DDERR_SURFACEBUSY while it is locked or a DC of it is in use. The primary one can't be locked. */
 HRESULT IDirectDrawSurface_Lock(IDirectDrawSurface* surface, RECT* rect, DDSURFACEDESC* desc, DWORD flags, HANDLE event);
 HRESULT IDirectDrawSurface_Unlock(IDirectDrawSurface* surface, LPVOID pixels);
 /** Copies a rectangle, stretched where the sizes differ (smoothly without a key); null rectangles mean all. DDBLT_KEYSRC leaves
@@ -123,7 +123,7 @@ HRESULT IDirectDrawSurface_Blt(IDirectDrawSurface* surface, RECT* rect, IDirectD
                                DDBLTFX* effects);
 HRESULT IDirectDrawSurface_GetDC(IDirectDrawSurface* surface, HDC* dc);
 HRESULT IDirectDrawSurface_ReleaseDC(IDirectDrawSurface* surface, HDC dc);
-/** Brings a lost surface back, with its pixels zero. DD_OK also when it wasn't lost. */
+/** Restores a lost surface, with its pixels zero. DD_OK also when it wasn't lost. */
 HRESULT IDirectDrawSurface_Restore(IDirectDrawSurface* surface);
 /** DD_OK or DDERR_SURFACELOST. A lost surface refuses Lock, Blt (as target and source) and GetDC with that code. */
 HRESULT IDirectDrawSurface_IsLost(IDirectDrawSurface* surface);

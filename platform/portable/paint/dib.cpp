@@ -1,4 +1,4 @@
-/* Bitmaps of GDI. */
+/* GDI bitmaps. */
 #include "platform/portable/paint/gdi.h"
 #include "platform/portable/paint/objects.h"
 #include "platform/portable/system/seam.h"
@@ -8,7 +8,7 @@
 
 namespace {
 
-/** Both rectangles are of a size, and within what copies can handle. */
+/** Whether both rectangles have a size, within what copies can handle. */
 bool Copy_Allowed(const int (&places)[4], const int (&sizes)[4]) {
   for (const int place : places)
     if (place < -PixelLimit / 2 || place > PixelLimit / 2) return false;

@@ -20,7 +20,7 @@ HPEN__ whitePen{{GdiKind::Pen, true}, true, White}, blackPen{{GdiKind::Pen, true
 HFONT__ systemFont{{GdiKind::Font, true}, 16, 8};
 HPALETTE__ systemPalette{{GdiKind::Palette, true}, {}};
 
-/** Puts `next` into the place of `slot`; gives what was there. */
+/** Sets the slot; gives what was there. */
 template <class Handle>
 HGDIOBJ Exchange(Handle& slot, HGDIOBJ next) {
   HGDIOBJ before = slot;
@@ -28,7 +28,7 @@ HGDIOBJ Exchange(Handle& slot, HGDIOBJ next) {
   return before;
 }
 
-/** Fills a rectangle given as the DC counts. */
+/** Fills a rectangle, in the DC's coordinates. */
 void Fill_Rect(const Canvas& canvas, LONG left, LONG top, LONG right, LONG bottom, COLORREF color) {
   const POINT& origin = canvas.origin;
   Fill_Pixels(canvas.view, {left - origin.x, top - origin.y, right - origin.x, bottom - origin.y}, Swap_Color(color));

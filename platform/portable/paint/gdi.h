@@ -1,6 +1,6 @@
-/* Device contexts and what is drawn through them. A DC of a window draws in client coordinates, limited to the client area; one
- * of a surface in that surface's; that of the primary surface on the clipper's window, in screen coordinates. What is drawn
- * through a DC is handed to the desktop when the DC is given back. */
+/* Device contexts (DCs) and what is drawn through them. The DC of a window draws in client coordinates, limited to the client
+ * area; that of a surface in the surface's coordinates; that of the primary surface in the clipper's window, in screen
+ * coordinates. The desktop is told of what was drawn when the DC is released. */
 #pragma once
 
 #include "platform/portable/system/types.h"
@@ -67,30 +67,29 @@ struct BITMAP {
   LPVOID bmBits;
 };
 
-/** A DC of the window, or with null of the screen, which can be asked and read but shows nothing that is drawn on it. Null for a
- *  window that is none. With a null window it may be called from any thread. */
+/** A DC of the window, or with null of the screen, which can be asked and read; what is drawn on that is lost. Null if there is
+ * no such window, or without memory. With a null window it may be called from any thread. */
 HDC GetDC(HWND window);
 int ReleaseDC(HWND window, HDC dc);
 /** BITSPIXEL and PLANES of the screen: 24 and 1 where there is none. 0 for anything else. */
 int GetDeviceCaps(HDC dc, int index);
 
-/** A DC to copy a bitmap from: nothing can be drawn through it. Null without memory. dc is not looked at. */
+/** A DC to copy a bitmap from: nothing can be drawn through it. Null without memory. dc is ignored. */
 HDC CreateCompatibleDC(HDC dc);
 BOOL DeleteDC(HDC dc);
 
-/** HALFTONE smooths what StretchDIBits stretches, COLORONCOLOR repeats or leaves out pixels. Gives the mode before. */
+/** With HALFTONE stretched copies are smooth, with COLORONCOLOR they repeat or leave out pixels. Gives the mode before. */
 int SetStretchBltMode(HDC dc, int mode);
 /** Copies a part of a bottom-up bitmap of 8, 16, 24 or 32 bits, stretched to a rectangle. Rows of the bitmap lie at multiples of
  * 4 bytes and srcY counts from the bottom. 16 bits are 5-5-5, or with BI_BITFIELDS what the three masks say, 8 bits index the
- *  colours behind the header (biClrUsed of them, or 256). At the same size the copy is exact. usage is DIB_RGB_COLORS and
- *  operation SRCCOPY.
- *  Gives the rows of the bitmap used; 0 for anything else than the above, for sizes below 1, and if the part reaches outside
- *  the bitmap. */
+ * colours after the header (biClrUsed of them, or 256). At the same size the copy is exact. usage is DIB_RGB_COLORS and operation
+ * SRCCOPY. Gives the rows of the bitmap used; 0 for anything else than the above, for sizes below 1, and if the part reaches
+ * outside the bitmap. */
 int StretchDIBits(HDC dc, int x, int y, int width, int height, int srcX, int srcY, int srcWidth, int srcHeight, const void* bits,
                   const BITMAPINFO* info, UINT usage, DWORD operation);
 
-/** Copies a part of the bitmap in a memory DC, stretched to a rectangle, each pixel the nearest one, or with HALFTONE smoothed;
- * operation is SRCCOPY. FALSE for anything else, for sizes below 1, and if the part reaches outside the bitmap. */
+/** Copies a part of the bitmap in a memory DC, stretched to a rectangle. operation is SRCCOPY. FALSE for anything else, for sizes
+ * below 1, and if the part reaches outside the bitmap. */
 BOOL StretchBlt(HDC dc, int x, int y, int width, int height, HDC source, int srcX, int srcY, int srcWidth, int srcHeight,
                 DWORD operation);
 
@@ -102,39 +101,36 @@ int GetObjectA(HGDIOBJ object, int size, void* out);
 /* Palettes. An 8-bit screen shows 256 colours: the system's own twenty at both ends, and between them, from the eleventh on,
  * those of the palette installed last. Other screens have none. */
 HPALETTE CreatePalette(const LOGPALETTE* palette);
-/** Puts a palette into the DC; gives the one before, or null for null. */
+/** Selects a palette into the DC; gives the one before, or null for null. */
 HPALETTE SelectPalette(HDC dc, HPALETTE palette, BOOL background);
-/** Brings the colours of the DC's palette to an 8-bit screen, each of them once. Gives how many of the screen's colours changed.
- */
+/** Installs the colours of the DC's palette on an 8-bit screen, each once. Gives how many of the screen's colours changed. */
 UINT RealizePalette(HDC dc);
 /** Reads colours of an 8-bit screen; gives how many, 0 on other screens. */
 UINT GetSystemPaletteEntries(HDC dc, UINT first, UINT count, PALETTEENTRY* entries);
 
-/** A font with cells of that height and character width, in pixels (width 0: the one that belongs to the height), in the one
- *  face there is, monospaced with the measures of Courier New. Heights below 1 are not provided for: null. All else is not looked
- *  at. Null without memory. */
+/** A font with cells of that height and width, in pixels (width 0: the one that belongs to the height), of the only face there
+ * is, monospaced with the measures of Courier New. Null for heights below 1 and without memory. Everything else is ignored. */
 HFONT CreateFontA(int height, int width, int escapement, int orientation, int weight, DWORD italic, DWORD underline,
                   DWORD strikeOut, DWORD charSet, DWORD outPrecision, DWORD clipPrecision, DWORD quality, DWORD pitchAndFamily,
                   LPCSTR face);
-/** A pen one pixel wide; style is PS_SOLID and width 0 or 1, null otherwise. */
+/** A pen one pixel wide; null unless style is PS_SOLID and width 0 or 1. */
 HPEN CreatePen(int style, int width, COLORREF color);
-/** The brushes and pens named above; null for anything else. They need not be deleted. */
+/** The brushes and pens named above, which are never deleted; null for anything else. */
 HGDIOBJ GetStockObject(int index);
-/** Puts a font, pen or brush into the DC, or a bitmap into a memory DC; gives the one that it takes the place of, or null. */
+/** Selects a font, pen or brush into the DC, or a bitmap into a memory DC; gives the one before, or null. */
 HGDIOBJ SelectObject(HDC dc, HGDIOBJ object);
-/** Ends a font, pen, bitmap or palette; one that is selected must have been taken out before. Stock objects stay. FALSE for null.
- */
+/** Deletes a font, pen, bitmap or palette, which must not be selected into a DC. Stock objects stay. FALSE for null. */
 BOOL DeleteObject(HGDIOBJ object);
 
 /** Both give the value before. */
 COLORREF SetTextColor(HDC dc, COLORREF color);
 int SetBkMode(HDC dc, int mode);
 /** Draws text with its cell's upper left corner at (x, y), each byte a Latin-1 character; with OPAQUE on white. FALSE if no face
- *  can be found. */
+ * is found. */
 BOOL TextOutA(HDC dc, int x, int y, LPCSTR text, int length);
-/** Outline with the pen, filled with the brush. */
+/** Draws an outline with the pen and fills it with the brush. */
 BOOL Rectangle(HDC dc, int left, int top, int right, int bottom);
 /** CLR_INVALID outside of what the DC can draw on. */
 COLORREF GetPixel(HDC dc, int x, int y);
-/** Gives the colour really set, or CLR_INVALID. */
+/** Gives the colour that was set, which the screen's depth may change, or CLR_INVALID. */
 COLORREF SetPixel(HDC dc, int x, int y, COLORREF color);

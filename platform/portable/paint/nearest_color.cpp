@@ -4,7 +4,7 @@
 
 namespace {
 
-/** A cell is a cube of that many values a side: the colours whose channels agree in their upper four bits. */
+/** A cell holds the colours whose channels have the same upper four bits: a cube with that many values on each side. */
 constexpr int32_t CellSide = 16, CellsInRow = 256 / CellSide;
 
 int32_t Channel(uint32_t color, int shift) { return static_cast<int32_t>(color >> shift & 255); }
@@ -15,7 +15,7 @@ int32_t Distance(uint32_t a, uint32_t b) {
   return blue * blue + green * green + red * red;
 }
 
-/** Distance of a colour to the place nearest to it in a cell, and to the farthest one. */
+/** Distances of a colour to the nearest and to the farthest place in a cell. */
 struct Reach {
   int32_t least, most;
 };
@@ -31,7 +31,7 @@ Reach Reach_Of(uint32_t color, uint32_t corner) {
   return reach;
 }
 
-/** Whatever lies in the cell is at most as far from some colour as the farthest place of the cell is. */
+/** Keeps the colours that may be nearest. One colour is at most `limit` from all of the cell, so those farther away never are. */
 void Fill_Cell(NearestColors* nearest, NearestColors::Cell* cell, uint32_t corner) {
   int32_t limit = INT32_MAX;
   for (const uint32_t color : nearest->colors) limit = std::min(limit, Reach_Of(color, corner).most);

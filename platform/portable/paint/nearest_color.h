@@ -1,22 +1,22 @@
-/* The nearest of 256 colours, for pictures that come to a screen of 8 bits by their colours. */
+/* The nearest of 256 colours, for pictures of other depths on an 8-bit screen. */
 #pragma once
 
 #include <cstdint>
 #include <vector>
 
-/** A palette, and for each part of the colour cube the entries that may be nearest to a colour in it, found when first asked
- * for. */
+/** A palette, and for each part of the colour cube the entries that may be nearest to a colour in it. A part is filled when a
+ * colour in it is first looked up. */
 struct NearestColors {
   struct Cell {
     uint32_t begin;  ///< In `candidates`.
-    uint32_t count;  ///< 0: not asked for yet.
+    uint32_t count;  ///< 0: not filled yet.
   };
   std::vector<uint32_t> colors;  ///< 256, 0xRRGGBB.
   std::vector<Cell> cells;
   std::vector<uint32_t> candidates;  ///< The index in the upper byte, its colour below.
 };
 
-/** Those of a palette of 256 colours; until it is asked for another one, on the same thread. */
+/** The record for a palette of 256 colours; valid until the same thread asks for another palette. */
 NearestColors* Nearest_For(const uint32_t* colors);
 
 /** The first index of the colour nearest to `color`. */

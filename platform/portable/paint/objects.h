@@ -1,4 +1,4 @@
-/* What handles of GDI and pointers of DirectDraw lead to. For the files of the layer alone. */
+/* The records of GDI handles and DirectDraw objects. For the files of the layer alone. */
 #pragma once
 
 #include "platform/portable/paint/canvas.h"
@@ -62,7 +62,7 @@ struct HDC__ {
 
 /** A DC for a window, a surface, or with both null the screen. Null without memory. */
 HDC Dc_Make(HWND window, IDirectDrawSurface* surface);
-/** Gives a DC back and tells the desktop what was drawn. */
+/** Frees a DC and tells the desktop what was drawn. */
 void Dc_End(HDC dc);
 /** What the DC draws on at this moment. */
 Canvas Dc_Canvas(HDC dc);
@@ -72,7 +72,7 @@ struct DibSource {
   PixelView view;
   uint32_t colors[256];
 };
-/** Reads a bitmap's header. Gives false for what is not provided for. */
+/** Reads a bitmap's header. False for kinds of bitmaps that StretchDIBits doesn't take. */
 bool Describe_Dib(const void* bits, const BITMAPINFO* info, DibSource& source);
 
 /** 0xRRGGBB from 0x00BBGGRR, and back. */
@@ -107,7 +107,7 @@ struct IDirectDrawSurface {
   DDCOLORKEY key;
   IDirectDrawClipper* clipper;
   IDirectDrawPalette* palette;
-  HDC dc;  ///< The DC that is out, or null.
+  HDC dc;  ///< The DC that GetDC has given, until ReleaseDC; or null.
 };
 
 /** The window that the primary surface shows in, or null. */

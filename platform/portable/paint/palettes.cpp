@@ -1,4 +1,4 @@
-/* The colours of an 8-bit screen, as the system's palette manager gives them out. */
+/* The colours of an 8-bit screen, as the system's palette manager assigns them. */
 #include "platform/portable/paint/gdi.h"
 #include "platform/portable/paint/objects.h"
 #include "platform/portable/paint/screen.h"
@@ -65,7 +65,7 @@ HPALETTE SelectPalette(HDC dc, HPALETTE palette, BOOL) {
 
 UINT RealizePalette(HDC dc) {
   if (!dc || dc->palette->object.stock) return 0;
-  // A colour that the system has already, or that came before, takes no entry.
+  // A colour that the system has, or that came earlier in the palette, takes no entry.
   std::vector<uint32_t> placed;
   for (const uint32_t color : dc->palette->colors) {
     const bool owned = std::find(screenState.colors, screenState.colors + FirstFree, color) != screenState.colors + FirstFree ||

@@ -1,5 +1,5 @@
-/* The stretching copy. Within one format pixel values move as they are: rows of the same width whole, others picked by a map of
- * the columns. Everything else goes by colours, a source row at a time. */
+/* The stretching copy. Within one format pixel values are copied unchanged: rows of the same width whole, others by a map of the
+ * columns. Everything else is converted to colours, a source row at a time. */
 #include "platform/portable/paint/pixel_mix.h"
 #include "platform/portable/paint/pixel_rows.h"
 
@@ -9,7 +9,7 @@
 
 namespace {
 
-/* ---- The copy at hand ----------------------------------------------------------------------------------------------------- */
+/* ---- The plan of a copy --------------------------------------------------------------------------------------------------- */
 
 /** A row of source colours at the target's width. */
 struct StretchedRow {
@@ -17,10 +17,10 @@ struct StretchedRow {
   std::vector<uint32_t> colors;
 };
 
-/** What is kept from copy to copy, so that showing a picture allocates nothing. */
+/** Memory kept from copy to copy, so that showing a picture allocates nothing. */
 struct CopyStore {
   ColumnMap columns;
-  std::vector<uint32_t> source;  ///< A source row, and one word more.
+  std::vector<uint32_t> source;  ///< A source row and one more word.
   StretchedRow stretched[2];
   std::vector<uint32_t> mixed;
 };
@@ -30,7 +30,7 @@ thread_local CopyStore store;
 struct CopyPlan {
   const PixelCopy& copy;
   RECT area;
-  int32_t width, skipped, bytes;  ///< Columns of it, columns of the target ahead of it, and bytes a target pixel.
+  int32_t width, skipped, bytes;  ///< Its columns, columns of the target left of it, and bytes of a target pixel.
   bool sameWidth, sameHeight;
   bool smooth;
 };
@@ -128,7 +128,7 @@ void Key_Values(const uint8_t* from, int32_t count, KeyRange key, uint32_t color
 }
 
 void Key_Values_24(const uint8_t* from, int32_t count, KeyRange key, uint8_t* to) {
-  // Most of a layer is its key, of one value: four of those are passed over at once.
+  // Most of a layer is its key, of one value: four such pixels are skipped at once.
   uint8_t four[12];
   for (int32_t i = 0; i < 4; ++i) Store_Pixel(four + 3 * i, 24, key.low);
   for (int32_t i = 0; i < count;) {
@@ -142,16 +142,16 @@ void Key_Values_24(const uint8_t* from, int32_t count, KeyRange key, uint8_t* to
   }
 }
 
-/** Lays a source row of the target's width over a target row. */
+/** Copies a source row of the target's width over a target row, without the key. */
 void Key_Row(const CopyPlan& plan, const uint8_t* from, KeyRange key, uint8_t* to) {
   if (plan.bytes == 1) Key_Values<uint8_t>(from, plan.width, key, 0xFF, to);
   if (plan.bytes == 2) Key_Values<uint16_t>(from, plan.width, key, 0xFFFF, to);
   if (plan.bytes == 3) Key_Values_24(from, plan.width, key, to);
-  // The unused byte of a 32-bit pixel is no part of its colour.
+  // The upper byte of a 32-bit pixel is no part of its colour.
   if (plan.bytes == 4) Key_Values<uint32_t>(from, plan.width, key, 0xFFFFFF, to);
 }
 
-/** Copies all but the key. */
+/** Copies all pixels but the key's. */
 void Copy_Keyed(const CopyPlan& plan, KeyRange key) {
   store.source.resize(static_cast<size_t>(plan.width));
   auto* const picked = reinterpret_cast<uint8_t*>(store.source.data());
@@ -170,8 +170,7 @@ bool Mixes_Pixels(const CopyPlan& plan) { return plan.bytes >= 3; }
 /** Bytes of a stretched row. */
 size_t Row_Bytes(const CopyPlan& plan) { return static_cast<size_t>(plan.width) * (plan.bytes == 3 ? 3 : 4); }
 
-/** A source row at the target's width, in one of two places, if it isn't there already: the second row of one mixture is the
- * first of the next. */
+/** Gives a source row at the target's width. Two rows are kept, as the second row of one mixture is the first of the next. */
 const uint8_t* Stretch_Row(const CopyPlan& plan, int32_t row) {
   StretchedRow& out = store.stretched[row & 1];
   auto* const bytes = reinterpret_cast<uint8_t*>(out.colors.data());
@@ -188,7 +187,7 @@ const uint8_t* Stretch_Row(const CopyPlan& plan, int32_t row) {
       Pick_Pixels<uint32_t>(reinterpret_cast<const uint8_t*>(store.source.data()), bytes);
     }
   }
-  // In place: what is written lies behind what is still to be read.
+  // In place: writing never passes reading.
   if (plan.bytes == 3) Write_Row(copy.to.format, out.colors.data(), plan.width, bytes);
   return bytes;
 }
@@ -209,9 +208,9 @@ void Compose_Row(const CopyPlan& plan, const MapEntry& place, uint8_t* to) {
   }
 }
 
-/** Copies by colours: formats differ, or neighbours are mixed. */
+/** Copies colours: formats differ, or neighbours are mixed. */
 void Copy_Colors(const CopyPlan& plan) {
-  // An odd last column is written with one more behind it.
+  // After an odd last column one more is written.
   const auto room = static_cast<size_t>(plan.width) + 1;
   store.source.resize(static_cast<size_t>(plan.copy.source.right - plan.copy.source.left) + 1);
   store.mixed.resize(room);
@@ -232,7 +231,7 @@ void Copy_Colors(const CopyPlan& plan) {
   }
 }
 
-/** At the same size from one palette to another: an index decides. */
+/** From one palette to another at the same size: by a table of indices. */
 void Copy_Indices(const CopyPlan& plan) {
   uint8_t map[256];
   Map_Indices(plan.copy.from.format, plan.copy.to.format, map);

@@ -10,7 +10,7 @@ using Bytes16 = uint8_t __attribute__((vector_size(16)));
 using Words8 = uint16_t __attribute__((vector_size(16)));
 using Pairs = uint64_t __attribute__((vector_size(16)));
 
-/** A pixel and the one behind it, each byte times its weight. */
+/** A pixel and the next one, each byte times its weight. */
 inline Words8 Weigh_Pair(const uint32_t* pair, const PairWeights& weights) {
   Pairs both = {};
   std::memcpy(&both, pair, 8);
@@ -28,7 +28,7 @@ MapEntry Map_Place(int64_t place, int64_t targetSize, int64_t sourceSize, bool s
     const auto nearest = static_cast<int32_t>((2 * place + 1) * sourceSize / (2 * targetSize));
     return {nearest, 0};
   }
-  // Centres of places are laid over each other; in 1/65536 of a source place.
+  // By the centres of the pixels, in 1/65536 of a source pixel.
   const int64_t at = (2 * place + 1) * sourceSize * 32768 / targetSize - 32768;
   if (at <= 0) return {0, 0};
   const auto first = static_cast<int32_t>(at >> 16);
@@ -54,7 +54,7 @@ void Map_Columns(ColumnMap& map, int32_t targetWidth, int32_t sourceWidth, int32
 }
 
 void Mix_Columns(const uint32_t* source, const ColumnMap& map, uint32_t* out) {
-  // Two columns a turn.
+  // Two columns at a time.
   const int32_t last = map.width - 1;
   for (int32_t i = 0; i <= last; i += 2) {
     const auto at = static_cast<size_t>(i), next = static_cast<size_t>(std::min(i + 1, last));
@@ -68,8 +68,8 @@ void Mix_Columns(const uint32_t* source, const ColumnMap& map, uint32_t* out) {
 }
 
 void Mix_Rows(const uint8_t* first, const uint8_t* second, uint32_t weight, size_t bytes, uint8_t* out) {
-  const auto rest = static_cast<uint16_t>(256 - weight), share = static_cast<uint16_t>(weight);
+  const auto ofFirst = static_cast<uint16_t>(256 - weight), ofSecond = static_cast<uint16_t>(weight);
   for (size_t i = 0; i < bytes; ++i) {
-    out[i] = static_cast<uint8_t>(static_cast<uint16_t>(first[i] * rest + second[i] * share + 128) >> 8);
+    out[i] = static_cast<uint8_t>(static_cast<uint16_t>(first[i] * ofFirst + second[i] * ofSecond + 128) >> 8);
   }
 }

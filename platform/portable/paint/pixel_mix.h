@@ -1,17 +1,17 @@
-/* Places of a stretching copy, and the mixing of neighbours in between. */
+/* Where the pixels of a stretching copy come from, and how neighbours are mixed. */
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 #include <vector>
 
-/** Where a target place comes from. */
+/** Where a target column or row comes from. */
 struct MapEntry {
-  int32_t first;    ///< A source place,
-  uint32_t weight;  ///< and how much the one behind it has of the mixture, of 256.
+  int32_t first;    ///< A source column or row.
+  uint32_t weight;  ///< Share of the next one in the mixture, of 256.
 };
 
-/** The source place of a target place. Smooth: centres of places are laid over each other. Not smooth: the nearest, weight 0. */
+/** The source of a target column or row. Smooth: by the centres of the pixels. Not smooth: the nearest, weight 0. */
 MapEntry Map_Place(int64_t place, int64_t targetSize, int64_t sourceSize, bool smooth);
 
 /** Weights of two neighbours: four for the bytes of the first pixel, four for those of the second. */
@@ -30,8 +30,8 @@ struct ColumnMap {
 /** Fills the map, unless it holds these columns already. */
 void Map_Columns(ColumnMap& map, int32_t targetWidth, int32_t sourceWidth, int32_t skipped, int32_t width, bool smooth);
 
-/** Mixes neighbours of a row of source colours by a smooth map. Behind the source a word more is read, and behind an odd last
- * column one more is written. */
+/** Mixes neighbours of a row of source colours by a smooth map. One word after the source is read, and after an odd last column
+ * one more is written. */
 void Mix_Columns(const uint32_t* source, const ColumnMap& map, uint32_t* out);
 
 /** Mixes two rows byte by byte; weight of 256 for the second. */

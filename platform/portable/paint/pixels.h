@@ -1,4 +1,4 @@
-/* Pixels of the portable layer: formats, and the one stretching copy beneath GDI and DirectDraw. */
+/* Pixels: formats, and the stretching copy that GDI and DirectDraw use. For the files of the layer alone. */
 #pragma once
 
 #include "platform/portable/system/types.h"
@@ -6,19 +6,19 @@
 /** How a pixel's bits make a colour (0xRRGGBB). */
 struct ColorFormat {
   int32_t bits;                           ///< 8, 16, 24 or 32.
-  uint32_t redMask, greenMask, blueMask;  ///< Looked at with 16 bits only; the wider ones are B, G, R in memory.
+  uint32_t redMask, greenMask, blueMask;  ///< Used with 16 bits only; wider pixels are B, G, R in memory.
   const uint32_t* colors;                 ///< 256 colours, with 8 bits.
 };
 
-/** A picture somewhere in memory, top row first. */
+/** A picture in memory, top row first. */
 struct PixelView {
   uint8_t* pixels;  ///< Null: there are none.
   int32_t width, height;
-  ptrdiff_t pitch;  ///< Bytes from row to row; negative for a bottom-up store.
+  ptrdiff_t pitch;  ///< Bytes from row to row; negative if the bottom row comes first in memory.
   ColorFormat format;
 };
 
-/** What a stretching copy is about. The rectangles are not empty and reach at most PixelLimit from the origin. */
+/** A stretching copy. The rectangles are not empty and reach at most PixelLimit from the origin. */
 struct PixelCopy {
   PixelView to;
   RECT target;  ///< May reach outside.
@@ -29,7 +29,7 @@ struct PixelCopy {
 constexpr LONG PixelLimit = 1 << 24;
 
 bool Rect_Is_Empty(const RECT& rect);
-/** 1 when the rectangle isn't empty and within the limit. */
+/** Whether the rectangle isn't empty and lies within PixelLimit. */
 bool Rect_Allowed(const RECT& rect);
 RECT Rect_Common(const RECT& a, const RECT& b);
 bool Rect_Within(const RECT& rect, int32_t width, int32_t height);
@@ -47,8 +47,8 @@ void Store_Pixel(uint8_t* at, int32_t bits, uint32_t pixel);
 /** Sets all pixels of the rectangle that lie in the view. */
 void Fill_Pixels(const PixelView& view, const RECT& rect, uint32_t color);
 
-/** Copies with conversion between formats. Both views may be one and the same only if the rectangles lie apart. */
+/** Copies with conversion between formats. Both views may be the same only if the rectangles don't overlap. */
 void Copy_Pixels(const PixelCopy& copy);
-/** The same between views of one format, pixel values unchanged, leaving out those from keyLow to keyHigh; with keyLow above
- *  keyHigh none is left out. Never smooth. */
+/** The same between views of one format, pixel values unchanged, without those from keyLow to keyHigh; with keyLow above keyHigh
+ * all are copied. Never smooth. */
 void Copy_Pixels_Keyed(const PixelCopy& copy, uint32_t keyLow, uint32_t keyHigh);

@@ -17,5 +17,5 @@ ColorFormat Screen_Format();
 
 /** Sets the colours that an 8-bit screen starts with. */
 void Set_Start_Colors();
-/** Brings colours to an 8-bit screen, from the eleventh on; gives how many of the screen's changed. */
+/** Installs colours on an 8-bit screen, from the eleventh on; gives how many of the screen's changed. */
 UINT Install_Colors(const uint32_t* colors, size_t count);

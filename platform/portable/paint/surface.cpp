@@ -32,7 +32,7 @@ void Clear_Pixels(const PixelView& view) {
   for (int32_t y = 0; y < view.height; ++y) std::memset(view.pixels + y * view.pitch, 0, Pixel_Row_Bytes(view));
 }
 
-/** A step that may fail by its own code, then the reasons why no surface would work. */
+/** The step's own failure, or the reason why the surface can't be used now. */
 HRESULT Check_Use(const IDirectDrawSurface* surface, RigStep step) {
   HRESULT code = E_FAIL;
   if (Step_Fails(step, &code)) return code;
@@ -69,7 +69,7 @@ DWORD Surface_Caps(const IDirectDrawSurface* surface) {
   return DDSCAPS_PRIMARYSURFACE | (screenState.setup.primaryInSystemMemory ? DDSCAPS_SYSTEMMEMORY : DDSCAPS_VIDEOMEMORY);
 }
 
-/** What Blt is about, with null rectangles replaced. */
+/** The arguments of Blt, with null rectangles replaced. */
 struct BltPlan {
   IDirectDrawSurface *to, *from;
   RECT target, source;
@@ -86,7 +86,7 @@ void Copy_To(const PixelView& to, const RECT& target, const BltPlan& plan) {
   PixelCopy copy{to, target, plan.from->view, plan.source, !plan.keyed && to.format.bits != 8};
   std::vector<uint8_t> taken;
   if (plan.to == plan.from && !Rect_Is_Empty(Rect_Common(plan.target, plan.source))) {
-    // The source is taken aside, as the copy would run over it.
+    // The source is copied first: the copy would write over it.
     const uint8_t* first = copy.from.pixels + plan.source.top * copy.from.pitch;
     taken.assign(first, first + (plan.source.bottom - plan.source.top) * copy.from.pitch);
     copy.from.pixels = taken.data();

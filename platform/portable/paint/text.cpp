@@ -22,7 +22,7 @@ const char* const faceFiles[] = {
     "/usr/share/fonts/truetype/croscore/Cousine-Regular.ttf",
 };
 
-/** The face, opened at its first use; face is null if there is none. */
+/** The face, opened when first used; face is null if there is none. */
 struct OpenFace {
   FT_Library library = nullptr;
   FT_Face face = nullptr;
@@ -59,7 +59,7 @@ bool Scale_Face(const HFONT__& font, ScaledFace& scaled) {
   const FT_Long units = open.face->units_per_EM, cell = open.ascent + open.descent;
   const FT_Long natural = (font.height * open.advance + cell / 2) / cell;
   const FT_Long width = font.width > 0 ? font.width : std::max<FT_Long>(natural, 1);
-  // The em square is as much higher than the cell as the face's measures say, and as much wider than an advance.
+  // FreeType takes the em square: from the cell's height by ascent and descent, from its width by the advance.
   FT_Size_RequestRec request{FT_SIZE_REQUEST_TYPE_NOMINAL, width * 64 * units / open.advance, font.height * 64 * units / cell, 0,
                              0};
   if (FT_Request_Size(open.face, &request) != 0) return false;

@@ -25,7 +25,7 @@ struct KernelObject {
   HandleKind kind;
   std::recursive_mutex mutex;
   std::atomic<std::thread::id> owner;  ///< Of the mutex; no thread at all while it is free.
-  int32_t depth = 0;                   ///< How often the owner is in; the owner's alone.
+  int32_t depth = 0;                   ///< How often the owner has locked it; used by the owner alone.
   int descriptor = -1;                 ///< Of the file.
 };
 
@@ -96,7 +96,7 @@ BOOL CloseHandle(HANDLE handle) {
   if (!handle || handle == INVALID_HANDLE_VALUE) return FALSE;
   auto* object = static_cast<KernelObject*>(handle);
   if (object->kind == HandleKind::File) close(object->descriptor);
-  // A mutex may be closed by its owner, who then leaves it.
+  // The owner may close a mutex that it has locked.
   while (object->owner.load() == std::this_thread::get_id()) ReleaseMutex(object);
   delete object;
   Object_Ended();

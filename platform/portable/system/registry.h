@@ -1,5 +1,5 @@
-/* The registry: a store in memory, which lasts as long as the process and starts empty; screen.h fills and reads it. Any thread.
- * Names of keys and values are compared without case. */
+/* The registry: a store in memory, empty when the process starts and gone when it ends. Any thread. Case doesn't matter in names
+ * of keys and values. */
 #pragma once
 
 #include "platform/portable/system/types.h"
@@ -16,10 +16,9 @@ constexpr REGSAM KEY_QUERY_VALUE = 1, KEY_SET_VALUE = 2, KEY_ALL_ACCESS = 0xF003
 
 struct SECURITY_ATTRIBUTES;
 
-/** Opens a key below one of the two roots, which RegCloseKey ends. ERROR_FILE_NOT_FOUND if there is none. */
+/** Opens a key below one of the two roots; the caller closes it by RegCloseKey. ERROR_FILE_NOT_FOUND if there is none. */
 LSTATUS RegOpenKeyExA(HKEY root, LPCSTR path, DWORD options, REGSAM access, HKEY* key);
-/** Opens a key below one of the two roots, and makes it if there is none. reserved, class and options are 0, attributes and
- * disposition null. */
+/** The same, and creates the key if there is none. reserved, class and options are 0, attributes and disposition null. */
 LSTATUS RegCreateKeyExA(HKEY root, LPCSTR path, DWORD reserved, LPSTR keyClass, DWORD options, REGSAM access,
                         const SECURITY_ATTRIBUTES* attributes, HKEY* key, DWORD* disposition);
 /** Reads a value. *size is the room in data before, and afterwards the value's bytes, also with ERROR_MORE_DATA, which leaves

@@ -1,5 +1,5 @@
-/* Types of the system under their Windows names: same sizes, same meaning. A handle of a window, device context, ... points to
- * a record of its own that callers never see, so that one can't pass for another. */
+/* Types by their Windows names, with the same sizes and meaning. Handles of windows, device contexts and so on point to different
+ * incomplete records, so that the compiler tells them apart. */
 #pragma once
 
 #include <cstddef>

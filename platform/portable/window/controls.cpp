@@ -17,7 +17,7 @@ bool Is_Enabled(HWND window) { return (window->style & WS_DISABLED) == 0; }
 
 /* ---- Button --------------------------------------------------------------------------------------------------------------- */
 
-/** A frame one pixel wide, in one colour above and at the left, and another below and at the right. */
+/** A frame one pixel wide, with one colour for top and left, and another for bottom and right. */
 void Draw_Frame(const PixelView& view, int32_t inset, uint32_t upper, uint32_t lower) {
   const RECT frame{inset, inset, view.width - inset, view.height - inset};
   Fill_Pixels(view, {frame.left, frame.top, frame.right, frame.top + 1}, upper);
@@ -26,7 +26,7 @@ void Draw_Frame(const PixelView& view, int32_t inset, uint32_t upper, uint32_t l
   Fill_Pixels(view, {frame.right - 1, frame.top, frame.right, frame.bottom}, lower);
 }
 
-/** The picture in the middle; a disabled button's is the shadow of all that differs from the face. */
+/** The picture in the middle; on a disabled button all that differs from the face is grey. */
 void Draw_Face(const PixelView& view, const HWND button) {
   const HBITMAP face = button->face;
   const int32_t shift = button->pressed ? 1 : 0;
@@ -62,8 +62,8 @@ void Press_Button(HWND button, bool pressed) {
   if (Window_Shows(button)) SendMessageA(button, WM_PAINT, 0, 0);
 }
 
-/** The button is let go at that place of it. */
-void Let_Go(HWND button, LPARAM place) {
+/** The mouse button is released at that place. */
+void Release_Button(HWND button, LPARAM place) {
   if (!button->pressed) return;
   Press_Button(button, false);
   const auto x = static_cast<int16_t>(LOWORD(static_cast<uintptr_t>(place))),
@@ -85,7 +85,7 @@ LRESULT Button_Proc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
       if (Is_Enabled(window)) Press_Button(window, true);
       return 0;
     case WM_LBUTTONUP:
-      Let_Go(window, lParam);
+      Release_Button(window, lParam);
       return 0;
     case BM_SETIMAGE: {
       if (wParam != IMAGE_BITMAP) return 0;
@@ -101,7 +101,7 @@ LRESULT Button_Proc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
 
 /* ---- Tooltip -------------------------------------------------------------------------------------------------------------- */
 
-/** A character's cell, what lies around the text, the frame included, and the most characters shown. */
+/** A character's cell, the space around the text, which has the frame in it, and the most characters shown. */
 constexpr int32_t CellWidth = 8, CellHeight = 15, BesideText = 5, AboveText = 3;
 constexpr size_t MostCharacters = 100;
 constexpr uint32_t LightYellow = 0xFFFFE1;

@@ -6,15 +6,15 @@
 
 #include <cstddef>
 
-/* A button is drawn raised, pressed while the left mouse button is down on it, and with a grey picture while it is disabled.
- * Pressed and let go, it sends WM_COMMAND with its number and BN_CLICKED to its parent. */
+/* A button is drawn raised, pressed while the left mouse button is down on it, and with a grey picture while it is disabled. When
+ * it is released it sends WM_COMMAND with its number and BN_CLICKED to its parent. */
 constexpr UINT BM_SETIMAGE =
     0x00F7;  ///< wParam IMAGE_BITMAP; lParam the picture, which stays the caller's. Gives the one before.
 constexpr WPARAM IMAGE_BITMAP = 0;
 constexpr WORD BN_CLICKED = 0;
 
-/* A tooltip remembers its tool, of which it asks the text; when it is seen, the desktop decides (Screen_Open_Tooltip). The tool's
- * rectangle is not looked at: it is the whole window. */
+/* A tooltip keeps its tool, which it asks for the text. The desktop decides when it is seen (Screen_Open_Tooltip). The tool's
+ * rectangle is ignored: the tool is the whole window. */
 #define TOOLTIPS_CLASSA "tooltips_class32"
 #define LPSTR_TEXTCALLBACKA (reinterpret_cast<LPSTR>(static_cast<intptr_t>(-1)))
 constexpr DWORD TTS_ALWAYSTIP = 1;
@@ -50,5 +50,5 @@ struct TOOLINFOA {
 };
 constexpr UINT TTTOOLINFOA_V2_SIZE = offsetof(TOOLINFOA, lpReserved);
 
-/** Does nothing: the controls are there. */
+/** Does nothing: the controls are always there. */
 void InitCommonControls();

@@ -9,11 +9,10 @@
 #include <cstring>
 #include <strings.h>
 
-/** A dialog that is open, on the stack of the DialogBoxParamA that runs it. */
+/** A dialog that is open: a local variable of the DialogBoxParamA that runs it. */
 struct OpenDialog {
   DLGPROC procedure;
-  OpenDialog* before;  ///< The one opened before it.
-  HWND window;         ///< Null when it has been destroyed.
+  HWND window;  ///< Null when it has been destroyed.
   bool ended;
   INT_PTR result;
 };
@@ -71,12 +70,11 @@ std::vector<HWND> Controls_Of(HWND dialog) {
 /* ---- The window ----------------------------------------------------------------------------------------------------------- */
 
 constexpr char DialogClass[] = "#32770";
-OpenDialog* innermost = nullptr;
 
 void Destroyed(HWND window) {
   window->dialog->window = nullptr;
   window->dialog = nullptr;
-  // Whoever waits for messages is to look again.
+  // Wakes Run_Dialog.
   PostMessageA(nullptr, WM_NULL, 0, 0);
 }
 
@@ -96,22 +94,22 @@ LRESULT Dialog_Window_Proc(HWND window, UINT message, WPARAM wParam, LPARAM lPar
   return handled != 0 ? handled : Dialog_Default(window, message, wParam, lParam);
 }
 
-HWND Make_Dialog(const DialogTemplate& made, HINSTANCE module, HWND owner, OpenDialog* dialog) {
+HWND Make_Dialog(const DialogTemplate& layout, HINSTANCE module, HWND owner, OpenDialog* dialog) {
   WNDCLASSA type = {};
   type.lpfnWndProc = Dialog_Window_Proc;
   type.lpszClassName = DialogClass;
   RegisterClassA(&type);
   const POINT origin = Window_Find(owner) ? Window_Origin(owner) : POINT{0, 0};
-  const HWND window = CreateWindowExA(0, DialogClass, "", made.style, origin.x, origin.y, made.width * UnitWidth,
-                                      made.height * UnitHeight, owner, nullptr, module, nullptr);
+  const HWND window = CreateWindowExA(0, DialogClass, "", layout.style, origin.x, origin.y, layout.width * UnitWidth,
+                                      layout.height * UnitHeight, owner, nullptr, module, nullptr);
   if (!window) return nullptr;
   window->dialog = dialog;
   dialog->window = window;
-  Make_Controls(window, made.controls);
+  Make_Controls(window, layout.controls);
   return window;
 }
 
-/** Paints the dialog at once: messages that keep coming would have it wait. */
+/** Paints the dialog at once: WM_PAINT would wait while other messages keep coming. */
 void Paint_All(HWND dialog) {
   SendMessageA(dialog, WM_PAINT, 0, 0);
   for (HWND control : Controls_Of(dialog)) SendMessageA(control, WM_PAINT, 0, 0);
@@ -145,12 +143,11 @@ ScreenFileChooser fileChooser;
 INT_PTR DialogBoxParamA(HINSTANCE module, LPCSTR name, HWND owner, DLGPROC procedure, LPARAM param) {
   const DialogTemplate* const found = Find_Template(name);
   if (!found || !procedure) return -1;
-  OpenDialog dialog = {procedure, innermost, nullptr, false, IDCANCEL};
+  OpenDialog dialog = {procedure, nullptr, false, IDCANCEL};
   if (!Make_Dialog(*found, module, owner, &dialog)) return -1;
-  innermost = &dialog;
-  const HWND heldUp = Window_Top(Window_Find(owner));
-  const bool disables = IsWindowEnabled(heldUp);
-  if (disables) EnableWindow(heldUp, FALSE);
+  const HWND top = Window_Top(Window_Find(owner));
+  const bool disables = IsWindowEnabled(top);
+  if (disables) EnableWindow(top, FALSE);
   const std::vector<HWND> controls = Controls_Of(dialog.window);
   SendMessageA(dialog.window, WM_INITDIALOG, controls.empty() ? 0 : reinterpret_cast<WPARAM>(controls[0]), param);
   if (dialog.window && !dialog.ended) {
@@ -158,9 +155,8 @@ INT_PTR DialogBoxParamA(HINSTANCE module, LPCSTR name, HWND owner, DLGPROC proce
     Paint_All(dialog.window);
   }
   Run_Dialog(dialog);
-  if (disables) EnableWindow(heldUp, TRUE);
+  if (disables) EnableWindow(top, TRUE);
   if (dialog.window) DestroyWindow(dialog.window);
-  innermost = dialog.before;
   return dialog.result;
 }
 

@@ -1,4 +1,4 @@
-/* Dialogs: those of the resources, and the system's own. All of them hold the caller up until they are closed. */
+/* Dialogs: those of the resources, and the system's own. Their calls return when they are closed. */
 #pragma once
 
 #include "platform/portable/system/types.h"
@@ -34,20 +34,19 @@ struct OPENFILENAMEA {
 };
 constexpr DWORD OPENFILENAME_SIZE_VERSION_400A = sizeof(OPENFILENAMEA);
 
-/** Makes a dialog of the resources, sends WM_INITDIALOG with param, shows it and runs the thread's messages, the top-level window
- * of the owner being disabled, until EndDialog; gives the result told there. Escape and WM_CLOSE send WM_COMMAND with IDCANCEL.
- * Gives IDCANCEL also when the owner, or the dialog, is destroyed meanwhile, and on WM_QUIT, which comes again afterwards. -1 if
- * there is no such dialog. */
+/** Opens a dialog of the resources: sends WM_INITDIALOG with param, shows it and runs the thread's messages until EndDialog,
+ * whose result it gives. The owner's top-level window is disabled until then. Escape and WM_CLOSE send WM_COMMAND with IDCANCEL.
+ * Gives IDCANCEL also when owner or dialog are destroyed, and on WM_QUIT, which is posted again. -1 without such a dialog. */
 INT_PTR DialogBoxParamA(HINSTANCE module, LPCSTR name, HWND owner, DLGPROC procedure, LPARAM param);
-/** FALSE for a window that is no dialog. */
+/** Closes a dialog. FALSE for a window that is no dialog. */
 BOOL EndDialog(HWND dialog, INT_PTR result);
 /** The control of that number, or null. */
 HWND GetDlgItem(HWND dialog, int id);
 LRESULT SendDlgItemMessageA(HWND dialog, int id, UINT message, WPARAM wParam, LPARAM lParam);
 
-/** Asks what Screen_Set_File_Chooser has set, which finds the proposed name in lpstrFile; the chosen one is stored there. FALSE
- * when it declines, or the name is longer than nMaxFile allows. */
+/** Asks the desktop's file chooser (Screen_Set_File_Chooser), which finds the proposed name in lpstrFile; the chosen one is
+ * stored there. FALSE without a chooser, when it declines, or when the name is longer than nMaxFile allows. */
 BOOL GetOpenFileNameA(OPENFILENAMEA* dialog);
 
-/** Shown by the desktop; without one, or by one that doesn't, the message goes to Screen_Take_Messages. The answer is IDOK. */
+/** Shown by the desktop; without one, or by one that shows none, the message is dropped. Gives IDOK. */
 int MessageBoxA(HWND owner, LPCSTR text, LPCSTR caption, UINT type);

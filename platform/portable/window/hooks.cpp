@@ -1,4 +1,4 @@
-/* Hooks of the keyboard. */
+/* Keyboard hooks. */
 #include "platform/portable/system/seam.h"
 #include "platform/portable/window/window.h"
 #include "platform/portable/window/window_record.h"

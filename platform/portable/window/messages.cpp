@@ -13,7 +13,7 @@
 namespace {
 
 using Clock = std::chrono::steady_clock;
-/** The longest single wait in the desktop's hands, in milliseconds. */
+/** The longest single wait of pumpEvents, in milliseconds. */
 constexpr int64_t LongestPump = 60000;
 
 std::mutex queueLock;
@@ -37,7 +37,7 @@ MSG Make_Message(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
   return {window, message, wParam, lParam, GetTickCount(), {0, 0}};
 }
 
-/** Of a window that has ended, or of the user to one that a dialog holds up. */
+/** Whether the message is for a window that has ended, or input for one that is disabled, by a dialog for instance. */
 bool Is_Lost(const MSG& posted) {
   if (!posted.hwnd) return false;
   if (!Window_Find(posted.hwnd)) return true;
@@ -82,7 +82,7 @@ uint64_t Posts_So_Far() {
   return postCount;
 }
 
-/** Waits for a message that passes, and takes it if told. Gives false when the time is over. */
+/** Waits for a message that passes the filter, and removes it with `take`. False when the time is over. */
 bool Wait_Message(const MessageFilter& filter, DWORD milliseconds, bool take, MSG* message) {
   const Clock::time_point end = Clock::now() + std::chrono::milliseconds(milliseconds);
   const bool forever = milliseconds == INFINITE;

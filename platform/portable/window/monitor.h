@@ -1,4 +1,4 @@
-/* Monitors: side by side, all of the screen's size, the primary one leftmost. A machine without a screen counts as having one. */
+/* Monitors: side by side, all of the screen's size, the primary one leftmost. Without a screen there still is one. */
 #pragma once
 
 #include "platform/portable/system/types.h"
@@ -30,14 +30,14 @@ struct DISPLAY_DEVICEA {
 
 using MONITORENUMPROC = BOOL (*)(HMONITOR monitor, HDC dc, RECT* rect, LPARAM data);
 
-/** The monitor that the largest part of the window (its normal position while minimised) or rectangle is on, or that the point
- *  is on. If there is none: null, the primary or the nearest one, as flags say. */
+/** The monitor with the largest part of the window (of its normal position while minimised) or rectangle, or with the point. If
+ * there is none: null, the primary or the nearest one, as flags say. */
 HMONITOR MonitorFromWindow(HWND window, DWORD flags);
 HMONITOR MonitorFromRect(const RECT* rect, DWORD flags);
 HMONITOR MonitorFromPoint(POINT point, DWORD flags);
-/** cbSize says whether info is a MONITORINFO or a MONITORINFOEXA; FALSE for other sizes and for a handle that is none. */
+/** cbSize says whether info is a MONITORINFO or a MONITORINFOEXA; FALSE for other sizes and other handles. */
 BOOL GetMonitorInfoA(HMONITOR monitor, MONITORINFO* info);
-/** Calls back once a monitor, until one call gives FALSE. dc and clip are null. */
+/** Calls back for each monitor, until a call gives FALSE. dc and clip are null. */
 BOOL EnumDisplayMonitors(HDC dc, const RECT* clip, MONITORENUMPROC callback, LPARAM data);
-/** Describes monitor number `index`; FALSE behind the last one. device is null. */
+/** Describes monitor number `index`; FALSE if there is none. device is null. */
 BOOL EnumDisplayDevicesA(LPCSTR device, DWORD index, DISPLAY_DEVICEA* info, DWORD flags);

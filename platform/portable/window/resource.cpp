@@ -9,7 +9,7 @@
 #include <algorithm>
 #include <cstring>
 
-/* The files, as the assembler has put them in. */
+/* The files, from resource_data.S. */
 #define RESOURCE_FILE(name) extern "C" const uint8_t Resource_##name[], Resource_##name##_End[]
 RESOURCE_FILE(md1);
 RESOURCE_FILE(record);
@@ -51,11 +51,11 @@ Entry* Find_Resource(Entry (&entries)[count], uintptr_t number) {
   return found == entries + count ? nullptr : found;
 }
 
-constexpr size_t BmpFileHead = 14, BmpBitsAt = 10;
+constexpr size_t BmpFileHeader = 14, BmpBitsAt = 10;
 
-/** A header and its colours, lying where their type may. */
-struct ColorHeader {
-  BITMAPINFOHEADER header;
+/** A bitmap's header and colours, aligned. */
+struct BitmapHeader {
+  BITMAPINFOHEADER info;
   RGBQUAD colors[256];
 };
 
@@ -81,16 +81,16 @@ HBITMAP LoadBitmapA(HMODULE, LPCSTR name) {
   if (!file) return nullptr;
   uint32_t bitsAt = 0;
   std::memcpy(&bitsAt, file->begin + BmpBitsAt, sizeof bitsAt);
-  ColorHeader head = {};
-  std::memcpy(&head, file->begin + BmpFileHead, std::min<size_t>(sizeof head, bitsAt - BmpFileHead));
+  BitmapHeader header = {};
+  std::memcpy(&header, file->begin + BmpFileHeader, std::min<size_t>(sizeof header, bitsAt - BmpFileHeader));
   const uint8_t* pixels = file->begin + bitsAt;
   std::vector<uint8_t> wide;
-  if (head.header.biBitCount == 4) {
-    wide = Widen_Pixels(head.header, pixels);
+  if (header.info.biBitCount == 4) {
+    wide = Widen_Pixels(header.info, pixels);
     pixels = wide.data();
-    head.header.biBitCount = 8;
+    header.info.biBitCount = 8;
   }
-  return CreateDIBitmap(nullptr, &head.header, CBM_INIT, pixels, reinterpret_cast<const BITMAPINFO*>(&head), DIB_RGB_COLORS);
+  return CreateDIBitmap(nullptr, &header.info, CBM_INIT, pixels, reinterpret_cast<const BITMAPINFO*>(&header), DIB_RGB_COLORS);
 }
 
 HCURSOR LoadCursorA(HINSTANCE, LPCSTR name) { return Find_Resource(cursors, reinterpret_cast<uintptr_t>(name)); }

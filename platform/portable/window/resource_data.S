@@ -1,4 +1,4 @@
-/* The files of resources/ as they are, between two labels each. */
+/* The files of resources/, each between two labels. */
         .macro resource name, file
         .global Resource_\name, Resource_\name\()_End
         .hidden Resource_\name, Resource_\name\()_End

@@ -17,7 +17,7 @@ namespace {
 std::map<std::string, WNDCLASSA> windowClasses;
 
 constexpr int32_t DefaultPlace = 64, DefaultWidth = 640, DefaultHeight = 480;
-/** Where a minimised window counts as lying. */
+/** Left and top of a minimised window. */
 constexpr LONG MinimisedPlace = -32000;
 
 const WNDCLASSA* Find_Class(LPCSTR name) {
@@ -32,7 +32,7 @@ RECT Normal_Position(HWND window) {
   return {origin.x, origin.y, origin.x + window->width, origin.y + window->height};
 }
 
-/** WM_SIZE comes with the first showing, as the window has not had one before. */
+/** A window gets its first WM_SIZE when it is shown for the first time. */
 void Show_First(HWND window) {
   if (window->shownOnce) return;
   window->shownOnce = true;

@@ -1,5 +1,5 @@
-/* Windows and their messages. A window is its client area: it has no border and no title bar, and owns its pixels in the depth
- * of the screen. One thread works on windows; only PostMessageA may be called from others. */
+/* Windows and their messages. A window is its client area, without border and title bar, and owns its pixels in the depth of the
+ * screen. One thread works on windows; the others may call PostMessageA only. */
 #pragma once
 
 #include "platform/portable/system/types.h"
@@ -101,19 +101,21 @@ struct WINDOWPLACEMENT {
 
 /* ---- Windows -------------------------------------------------------------------------------------------------------------- */
 
-/** Makes a class known; one of the same name is replaced. 0 without a name or procedure. */
+/** Registers a class; one of the same name is replaced. 0 without a name or procedure. */
 ATOM RegisterClassA(const WNDCLASSA* windowClass);
-/** Makes a window of a registered class or one of the controls, or gives null, as for a parent that is none. With WS_CHILD the
- * position counts from the parent's client area and menu is the number in the dialog; without, the parent is the owner. Either
- * way the window ends with it. No message is sent but WM_SIZE, when it is shown for the first time. param is null. */
+/** Creates a window of a registered class, or a control. With WS_CHILD the position counts from the parent's client area and menu
+ * is the number in the dialog; without it the parent is the owner. Either way the window ends with it. The only message sent is
+ * WM_SIZE, when the window is shown for the first time. param is null. Null without such a class, for a parent that is no window,
+ * and without memory. */
 HWND CreateWindowExA(DWORD exStyle, LPCSTR className, LPCSTR title, DWORD style, int x, int y, int width, int height, HWND parent,
                      HMENU menu, HINSTANCE instance, LPVOID param);
 /** Sends WM_DESTROY, then ends the window and its children; messages still posted to them are dropped. */
 BOOL DestroyWindow(HWND window);
 /** Gives whether the window was visible. */
 BOOL ShowWindow(HWND window, int command);
+/** Whether there is such a window now. Any pointer may be asked for. */
 BOOL IsWindow(HWND window);
-/** A window shows when it and its parents do; what is drawn in one that doesn't show or is minimised is lost. */
+/** Whether the window and all its parents are visible. What is drawn in one that isn't, or is minimised, is lost. */
 BOOL IsWindowVisible(HWND window);
 BOOL IsIconic(HWND window);
 BOOL IsWindowEnabled(HWND window);
@@ -124,24 +126,24 @@ BOOL EnableWindow(HWND window, BOOL enable);
 BOOL SetWindowTextA(HWND window, LPCSTR text);
 /** Copies at most size - 1 characters and a zero; gives the characters copied. */
 int GetWindowTextA(HWND window, LPSTR text, int size);
-/** Origin (0, 0); empty while the window is minimised. */
+/** From (0, 0); empty while the window is minimised. */
 BOOL GetClientRect(HWND window, RECT* rect);
 /** In screen coordinates; far outside the screen while the window is minimised. */
 BOOL GetWindowRect(HWND window, RECT* rect);
 BOOL ClientToScreen(HWND window, POINT* point);
-/** Moves and sizes the window; the order of windows stays. A new size sends WM_SIZE and has the whole window painted. */
+/** Moves and sizes the window; the order of windows stays. A new size sends WM_SIZE and invalidates the whole window. */
 BOOL SetWindowPos(HWND window, HWND after, int x, int y, int width, int height, UINT flags);
-/** SetWindowPos in the order that it has; repaint has the whole window painted. */
+/** The same; repaint invalidates the whole window. */
 BOOL MoveWindow(HWND window, int x, int y, int width, int height, BOOL repaint);
 /** GWL_STYLE, GWLP_USERDATA, GWLP_WNDPROC, GWLP_HINSTANCE; 0 for anything else. The last one can't be set. */
 LONG_PTR GetWindowLongPtrA(HWND window, int index);
 /** Gives the value before. */
 LONG_PTR SetWindowLongPtrA(HWND window, int index, LONG_PTR value);
-/** Leaves rect as it is, for a window is its client area. */
+/** Leaves rect as it is: a window is its client area. */
 BOOL AdjustWindowRect(RECT* rect, DWORD style, BOOL menu);
 /** Adds rect, or with null the whole client area, to what WM_PAINT has to paint. */
 BOOL InvalidateRect(HWND window, const RECT* rect, BOOL erase);
-/** Starts painting what is invalid, which is valid from then on; sends WM_ERASEBKGND first if it was asked for. */
+/** Starts painting what is invalid, which counts as valid from then on. Sends WM_ERASEBKGND if InvalidateRect asked for it. */
 HDC BeginPaint(HWND window, PAINTSTRUCT* paint);
 BOOL EndPaint(HWND window, const PAINTSTRUCT* paint);
 BOOL GetWindowPlacement(HWND window, WINDOWPLACEMENT* placement);
@@ -154,34 +156,34 @@ int GetSystemMetrics(int index);
 BOOL SystemParametersInfoA(UINT action, UINT param, LPVOID data, UINT flags);
 BOOL SetRect(RECT* rect, int left, int top, int right, int bottom);
 BOOL OffsetRect(RECT* rect, int x, int y);
-/** Shows that cursor; gives the one before. */
+/** Shows that cursor; gives the one shown before. */
 HCURSOR SetCursor(HCURSOR cursor);
 
-/** Has each key that PeekMessageA takes or GetMessageA gets told to the procedure, the newest hook first: code HC_ACTION, its
- * number, its lParam. Another result than 0 swallows the key. type is WH_KEYBOARD; the thread is that of the windows. */
+/** Calls the procedure for each key that PeekMessageA removes or GetMessageA gives, with HC_ACTION, wParam and lParam. Only the
+ * newest hook is called. A result other than 0 swallows the key. type is WH_KEYBOARD; the thread is that of the windows. */
 HHOOK SetWindowsHookExA(int type, HOOKPROC procedure, HINSTANCE module, DWORD thread);
 BOOL UnhookWindowsHookEx(HHOOK hook);
-/** Tells the hook set before that one, if there is any; gives its result or 0. */
+/** Calls the hook set before that one; gives its result, or 0 if there is none. */
 LRESULT CallNextHookEx(HHOOK hook, int code, WPARAM wParam, LPARAM lParam);
 
 /* ---- Messages ------------------------------------------------------------------------------------------------------------- */
 
-/** Takes the next message, or with PM_NOREMOVE looks at it: posted ones first, in their order, then WM_QUIT, then WM_PAINT for
- *  windows with something to paint. Keys and buttons of a top-level window that is disabled, or of its children, are dropped.
- * window: only messages of that window, or null. first, last: range, or 0 and 0 for all. FALSE if there is none. */
+/** Removes the next message, or with PM_NOREMOVE leaves it: posted ones first, in their order, then WM_QUIT, then WM_PAINT for
+ * windows with something to paint. Keys and buttons for a disabled top-level window or its children are dropped. window: only
+ * messages of that window, or null. first, last: range, or 0 and 0 for all. FALSE if there is none. */
 BOOL PeekMessageA(MSG* message, HWND window, UINT first, UINT last, UINT remove);
-/** Waits for a message and takes it. 0 for WM_QUIT, else 1. */
+/** Waits for a message and removes it. 0 for WM_QUIT, else 1. */
 BOOL GetMessageA(MSG* message, HWND window, UINT first, UINT last);
 /** Posts the WM_CHAR that belongs to a WM_KEYDOWN of a letter (lower case), digit, space, Return, Escape or Backspace. */
 BOOL TranslateMessage(const MSG* message);
 LRESULT DispatchMessageA(const MSG* message);
-/** Queues a message and wakes the thread that waits. A message for a window that has ended is dropped when its turn comes. */
+/** Queues a message and wakes the thread that waits. It is dropped if its window has ended when its turn comes. Any thread. */
 BOOL PostMessageA(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
-/** Calls the window's procedure; on the window's thread only. 0 for a window that is none. */
+/** Calls the window's procedure; on the windows' thread only. 0 if there is no such window. */
 LRESULT SendMessageA(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 LRESULT CallWindowProcA(WNDPROC proc, HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 void PostQuitMessage(int exitCode);
-/** WM_CLOSE ends the window, WM_PAINT is marked as done, WM_ERASEBKGND fills with the class's brush; 0 for the rest. */
+/** WM_CLOSE ends the window, WM_PAINT is marked as done, WM_ERASEBKGND fills with the class's brush; others give 0. */
 LRESULT DefWindowProcA(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 /** Waits until there is a message (WAIT_OBJECT_0) or the time is over (WAIT_TIMEOUT). count is 0 and handles null. */
 DWORD MsgWaitForMultipleObjects(DWORD count, const HANDLE* handles, BOOL waitAll, DWORD milliseconds, DWORD wakeMask);

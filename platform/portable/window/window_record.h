@@ -35,7 +35,7 @@ struct HWND__ {
 /** All windows, oldest first; a later one lies above an earlier one. */
 extern std::vector<HWND> allWindows;
 
-/** The window, or null for what is none: the pointer is looked for, never followed. */
+/** The window, or null if there is none: the pointer is compared with those of all windows, never followed. */
 HWND Window_Find(HWND window);
 /** Visible with all its parents, and none of them minimised. */
 bool Window_Shows(HWND window);
@@ -55,16 +55,16 @@ LPARAM Window_Size_Param(HWND window);
 /** The class of a control, or null. */
 const WNDCLASSA* Control_Class(LPCSTR name);
 bool Is_Tooltip(HWND window);
-/** The text that a tooltip shows for that window, asked for as the resting pointer would; empty without one. */
+/** The text of that window's tooltip, for which the window is asked; empty if it has none. */
 std::string Tooltip_Text(HWND window);
 /** The light grey of dialogs and buttons. */
 constexpr uint32_t ButtonFace = 0xC0C0C0;
 
-/** Tells a message that was taken to the keyboard hooks; true when one of them swallows it. */
+/** Calls the keyboard hooks for a message; true when it is swallowed. */
 bool Hooks_Swallow(const MSG& message);
-/** Drops what is posted to a window that ends. */
+/** Drops the messages of a window that ends. */
 void Messages_Forget(HWND window);
-/** Drops all messages, and the wish to quit. */
+/** Drops all messages, WM_QUIT too. */
 void Messages_Clear();
 
 /* ---- Calls of the desktop, skipped where it has no such function ---------------------------------------------------------- */
