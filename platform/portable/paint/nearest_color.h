@@ -1,4 +1,4 @@
-/* The nearest of 256 colours, for pictures of other depths on an 8-bit screen. */
+/* The nearest of 256 colours, for pictures of other depths on an 8-bit screen. For the files of the layer alone. */
 #pragma once
 
 #include <cstdint>

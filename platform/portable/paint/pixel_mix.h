@@ -1,4 +1,5 @@
-/* Where the pixels of a stretching copy come from, and how neighbours are mixed. */
+/* Where the pixels of a stretching copy come from, and how neighbours are mixed. For the files of the layer
+ * alone. */
 #pragma once
 
 #include <cstddef>

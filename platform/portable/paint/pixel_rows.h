@@ -1,4 +1,4 @@
-/* Rows of pixels to colours, 0xRRGGBB in words, and back. */
+/* Rows of pixels to colours, 0xRRGGBB in words, and back. For the files of the layer alone. */
 #pragma once
 
 #include "platform/portable/paint/pixels.h"

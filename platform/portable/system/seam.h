@@ -1,6 +1,6 @@
 /* Where tests reach into the layer. Built with VELARTO_RIG, the layer calls rig/rig.cpp here, which rig.h controls. The shipped
- * layer is built without: each function below is then empty, and the compiler leaves nothing of it. This is the only place that
- * knows of the two builds. */
+ * layer is built without: each function below is empty, and the compiler leaves nothing of it. This is the only place that knows
+ * of the two builds. For the files of the layer alone. */
 #pragma once
 
 #include "platform/portable/system/kernel.h"
