@@ -2,7 +2,7 @@
 // depth, at the window's own size, at half and at twice that.
 #include "display/present.h"
 #include "pixel/arena.h"
-#include "platform/portable/screen.h"
+#include "platform/portable/desktop.h"
 
 #include "platform/win32.h"
 

@@ -23,28 +23,36 @@ endforeach()
 # How the library is attached is the business of the library alone: tool and tests do that themselves.
 list(FILTER library_sources EXCLUDE REGEX "/attach_(windows|elsewhere)\\.cpp$")
 file(GLOB resource_files CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/resources/*.bmp ${PROJECT_SOURCE_DIR}/resources/*.cur
-  ${PROJECT_SOURCE_DIR}/resources/texts.h)
+  ${PROJECT_SOURCE_DIR}/resources/dialogs.h ${PROJECT_SOURCE_DIR}/resources/texts.h)
 set_source_files_properties(${PROJECT_SOURCE_DIR}/resources/velarto.rc PROPERTIES OBJECT_DEPENDS "${resource_files}")
 add_library(velarto_objects OBJECT ${library_sources})
 target_link_libraries(velarto_objects PUBLIC velarto_options Threads::Threads PRIVATE velarto_library_flags)
 set(library_objects $<TARGET_OBJECTS:velarto_objects> $<TARGET_OBJECTS:velarto_codec_objects> ${kernels_allowed})
 
-# The system below it: Windows' own libraries, elsewhere the portable window system.
+# The system below it: Windows' own libraries, elsewhere the portable layer. velarto_system_rig is the layer as tests and fuzzers
+# need it, with what platform/portable/rig.h controls; linked beside velarto_core it takes the place of the one in there.
 if(WIN32)
   add_library(velarto_system INTERFACE)
   target_link_libraries(velarto_system INTERFACE ddraw dxguid gdi32 user32 advapi32 comctl32 comdlg32)
+  add_library(velarto_system_rig INTERFACE)
 else()
   enable_language(ASM)
   find_package(Freetype REQUIRED)
-  file(GLOB portable_sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/platform/portable/*.cpp)
-  set(resource_data ${PROJECT_SOURCE_DIR}/platform/portable/resource_data.S)
+  set(layer ${PROJECT_SOURCE_DIR}/platform/portable)
+  file(GLOB layer_sources CONFIGURE_DEPENDS ${layer}/*.cpp ${layer}/system/*.cpp ${layer}/paint/*.cpp ${layer}/window/*.cpp)
+  file(GLOB rig_sources CONFIGURE_DEPENDS ${layer}/rig/*.cpp)
+  set(resource_data ${layer}/window/resource_data.S)
   set_source_files_properties(${resource_data} PROPERTIES OBJECT_DEPENDS "${resource_files}"
     INCLUDE_DIRECTORIES ${PROJECT_SOURCE_DIR})
   # Its vectors never leave the file, so that it doesn't matter how 32-bit processors without SSE would pass them.
-  set_source_files_properties(${PROJECT_SOURCE_DIR}/platform/portable/pixel_mix.cpp PROPERTIES COMPILE_OPTIONS -Wno-psabi)
-  add_library(velarto_system OBJECT ${portable_sources} ${resource_data})
-  target_link_libraries(velarto_system PUBLIC velarto_options Threads::Threads Freetype::Freetype PRIVATE velarto_library_flags)
-  endif()
+  set_source_files_properties(${layer}/paint/pixel_mix.cpp PROPERTIES COMPILE_OPTIONS -Wno-psabi)
+  add_library(velarto_system OBJECT ${layer_sources} ${resource_data})
+  add_library(velarto_system_rig OBJECT EXCLUDE_FROM_ALL ${layer_sources} ${rig_sources} ${resource_data})
+  target_compile_definitions(velarto_system_rig PRIVATE VELARTO_RIG)
+  foreach(system velarto_system velarto_system_rig)
+    target_link_libraries(${system} PUBLIC velarto_options Threads::Threads Freetype::Freetype PRIVATE velarto_library_flags)
+  endforeach()
+endif()
 
 # What the tool and the tests link: with the internal operations.
 add_library(velarto_core STATIC ${library_objects})
@@ -71,7 +79,8 @@ endfunction()
 velarto_shared_library(velarto_library velarto_system)
 add_library(velarto::velarto ALIAS velarto_library)
 if(NOT WIN32)
-  target_link_options(velarto_library PRIVATE -Wl,--no-undefined)
+  # Its calls of its own exports stay within, also in a program that has the same names.
+  target_link_options(velarto_library PRIVATE -Wl,--no-undefined -Wl,-Bsymbolic)
 endif()
 
 # The same library kept to each level below the highest, so that those can be tested through the exports: levels/plain, levels/sse2.

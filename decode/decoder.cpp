@@ -116,7 +116,7 @@ static int32_t Show_In(JdecDecoder* decoder, HWND window) {
 }
 
 int32_t VELARTO_CDECL JDEC_Draw_Init(JdecDecoder* decoder, VelartoWindow window) {
-  if (!decoder || decoder->display) return 0;
+  if (!decoder || decoder->display || (window && !IsWindow(window))) return 0;
   if (!(window ? Show_In(decoder, window) : Go_Headless(decoder))) return 0;
   decoder->window = window;
   return 1;

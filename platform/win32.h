@@ -1,4 +1,5 @@
-/* The one door to the system: on Windows its own headers, elsewhere the same operations from platform/portable/. */
+/* The operating system, by the names of Windows: its own headers there, elsewhere the portable layer. The only header above
+ * platform/ that differs between the two. */
 #pragma once
 
 #ifdef _WIN32
@@ -17,15 +18,15 @@
 
 #else
 
-#include "platform/portable/controls.h"
-#include "platform/portable/ddraw.h"
-#include "platform/portable/dialogs.h"
-#include "platform/portable/gdi.h"
-#include "platform/portable/kernel.h"
-#include "platform/portable/monitor.h"
-#include "platform/portable/registry.h"
-#include "platform/portable/resource.h"
-#include "platform/portable/types.h"
-#include "platform/portable/window.h"
+#include "platform/portable/paint/ddraw.h"
+#include "platform/portable/paint/gdi.h"
+#include "platform/portable/system/kernel.h"
+#include "platform/portable/system/registry.h"
+#include "platform/portable/system/types.h"
+#include "platform/portable/window/controls.h"
+#include "platform/portable/window/dialogs.h"
+#include "platform/portable/window/monitor.h"
+#include "platform/portable/window/resource.h"
+#include "platform/portable/window/window.h"
 
 #endif

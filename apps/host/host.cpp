@@ -148,12 +148,12 @@ static bool Open_Page(Host* host, std::string* error) {
   const LONG_PTR before = GetWindowLongPtrA(host->shown, GWLP_WNDPROC);
   result = Page_Set_Window(&host->page, host->shown);
   if (result != NPERR_NO_ERROR) {
-    *error = "the plug-in can't show in the window: NPP_SetWindow gives " + std::to_string(result);
+    *error = "the plug-in can't show in the window: NPP_SetWindow gives " + std::to_string(result) + StrangeWindowHint;
     return false;
   }
   if (GetWindowLongPtrA(host->shown, GWLP_WNDPROC) != before) return true;
   // It would wait for messages that never reach it.
-  *error = std::string("the plug-in does not take the window over") + StrangeWindowHint;
+  *error = "the plug-in does not take the window over";
   return false;
 }
 

@@ -113,11 +113,13 @@ bool Measure_Threads(const Results& results, const Gallery& gallery, double seco
   return true;
 }
 
-/** A copy of the window's pixels. */
-static Bytes Window_Pixels(HWND window) {
-  int32_t width = 0, height = 0, pitch = 0;
-  const uint8_t* const pixels = Screen_Window_Pixels(window, &width, &height, &pitch);
-  return {pixels, pixels + static_cast<ptrdiff_t>(pitch) * height};
+/** The colours that the window shows. */
+static std::vector<uint32_t> Window_Colors(HWND window) {
+  RECT client = {};
+  GetClientRect(window, &client);
+  std::vector<uint32_t> colors(static_cast<size_t>(client.right) * static_cast<size_t>(client.bottom));
+  Screen_Copy_Colors(window, client, colors.data(), ptrdiff_t{4} * client.right);
+  return colors;
 }
 
 /** All of the frame but its last byte. */
@@ -131,11 +133,11 @@ static bool Push_Last(JdecDecoder* decoder, const Bytes& frame) {
 
 /** Is a frame in the window's pixels when the last byte's call is back? */
 static bool Shown_At_Once(JdecDecoder* decoder, HWND window, const std::vector<Bytes>& frames) {
-  Bytes before = Window_Pixels(window);
+  std::vector<uint32_t> before = Window_Colors(window);
   for (const Bytes& frame : frames) {
     Push_Ahead(decoder, frame);
-    if (Window_Pixels(window) != before || !Push_Last(decoder, frame)) return false;
-    Bytes after = Window_Pixels(window);
+    if (Window_Colors(window) != before || !Push_Last(decoder, frame)) return false;
+    std::vector<uint32_t> after = Window_Colors(window);
     if (after == before) return false;
     before = std::move(after);
   }

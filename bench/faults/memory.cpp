@@ -1,7 +1,7 @@
 // Memory that can't be had: each allocation of some work fails in turn, once or from there on. After that the next good frame
 // must show as ever, and nothing may be left alive. A line for each work: its name, its allocations, runs, and how many of those
 // came to their result all the same.
-#include "platform/portable/screen.h"
+#include "platform/portable/rig.h"
 #include "tests/support/window.h"
 #include "velarto.h"
 
@@ -45,7 +45,7 @@ Bytes Seen(JdecDecoder* decoder, HWND window) {
   if (width != Width || height != Height) return {};
   Bytes seen(static_cast<size_t>(Width) * static_cast<size_t>(Height) * 3 + 54);
   JDEC_get_decompressed_bitmap_ex2(decoder, seen.data(), static_cast<int32_t>(seen.size()));
-  const uint8_t* const pixels = window ? Screen_Window_Pixels(window, &width, &height, &pitch) : nullptr;
+  const uint8_t* const pixels = window ? Rig_Window_Pixels(window, &width, &height, &pitch) : nullptr;
   if (pixels) seen.insert(seen.end(), pixels, pixels + static_cast<ptrdiff_t>(pitch) * height);
   return seen;
 }
@@ -109,18 +109,18 @@ constexpr Work works[] = {{"receive", Receive, 0},         {"decode", Decode, 0}
 
 /** One run in which allocations fail from the `after`-th on, that many of them. */
 bool Run_Once(const Work& work, Ground* ground, int32_t after, int32_t times, bool* done) {
-  const int32_t alive = Screen_Objects_Alive();
+  const int32_t alive = Rig_Objects_Alive();
   *done = false;
-  Screen_Fail(ScreenStep::Memory, after, times);
+  Rig_Fail(RigStep::Memory, after, times);
   JdecDecoder* decoder = work.run(ground, done);
-  Screen_Fail_Nothing();
+  Rig_Fail_Nothing();
   // A caller tries again what was refused.
   if (!decoder) decoder = JDEC_New(SmallWidth, SmallHeight);
   JDEC_Draw_Init(decoder, ground->window);
   Push(decoder, ground->large);
   const bool shows = Seen(decoder, ground->window) == ground->seen;
   JDEC_Free(decoder);
-  const int32_t left = Screen_Objects_Alive() - alive;
+  const int32_t left = Rig_Objects_Alive() - alive;
   if (shows && left == 0) return true;
   std::printf("%s: allocation %d: the next frame %s, %d objects left alive\n", work.name, after, shows ? "shows" : "doesn't show",
               left);
@@ -134,9 +134,9 @@ int32_t Learn(const Work& work, Ground* ground) {
   ground->seen = Seen(decoder, ground->window);
   JDEC_Free(decoder);
   bool done = false;
-  const int32_t before = Screen_Calls(ScreenStep::Memory);
+  const int32_t before = Rig_Calls(RigStep::Memory);
   JDEC_Free(work.run(ground, &done));
-  return done ? Screen_Calls(ScreenStep::Memory) - before : 0;
+  return done ? Rig_Calls(RigStep::Memory) - before : 0;
 }
 
 bool Run_Work(const Work& work, Ground* ground) {

@@ -9,9 +9,9 @@ static uint32_t Load(std::span<const uint8_t> bytes, size_t at, size_t count) {
   return value;
 }
 
-/* A file begins with a directory, whose first entry tells the hot spot and where the picture lies; the picture with a bitmap's
- * header, whose height counts both masks: first the colours, black or white, then what stays transparent, bottom row first. Where
- * white stays transparent, the screen is inverted. */
+/* A file begins with a directory, whose first entry has the hot spot and the picture's offset. The picture begins with a bitmap's
+ * header, whose height counts two masks, bottom rows first: the colours, black or white, and then what is transparent. Where
+ * white is transparent, the screen is inverted. */
 static constexpr size_t HotSpotAt = 10, PictureAt = 18, DirectoryEnd = 22;
 static constexpr size_t HeaderSize = 40, ColorsSize = 8, WidthAt = 4, HeightAt = 8, BitsAt = 14;
 static constexpr uint32_t MostPixels = 256;

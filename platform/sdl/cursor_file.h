@@ -1,4 +1,4 @@
-/* Cursors as files. */
+/* Cursors from files. */
 #pragma once
 
 #include <SDL.h>

@@ -11,8 +11,8 @@
 #include <signal.h>
 #include <spawn.h>
 
-/** Milliseconds between two looks at the program. */
-static constexpr DWORD LookPeriod = 30;
+/** Milliseconds between two checks of the program. */
+static constexpr DWORD CheckPeriod = 30;
 
 /** The program that asks; its answer comes through the pipe. */
 struct Asker {
@@ -60,11 +60,11 @@ static void Read_Answer(Asker* asker) {
     asker->answer.append(bytes, static_cast<size_t>(count));
 }
 
-/** Has it ended? *accepted is whether with an answer, which is complete then. */
+/** Whether the program has ended; *accepted is then whether it gave an answer. */
 static bool Has_Ended(Asker* asker, bool* accepted) {
   int status = 0;
   const bool ended = waitpid(asker->process, &status, WNOHANG) == asker->process;
-  // The pipe holds little: the program may be waiting for somebody to read.
+  // The program waits while the pipe is full.
   Read_Answer(asker);
   if (!ended) return false;
   asker->process = -1;
@@ -82,7 +82,7 @@ static void Stop(Asker* asker) {
 
 /* ---- The question --------------------------------------------------------------------------------------------------------- */
 
-/** Runs the messages that there are. False on WM_QUIT, which comes again. */
+/** Handles the messages that there are. False on WM_QUIT, which is posted again. */
 static bool Run_Messages() {
   for (MSG message; PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE);) {
     if (message.message == WM_QUIT) {
@@ -100,7 +100,7 @@ static std::optional<std::string> Await(HWND owner, Asker* asker) {
   bool accepted = false;
   while (!Has_Ended(asker, &accepted)) {
     if (!Run_Messages() || (owner && !IsWindow(owner))) return {};
-    MsgWaitForMultipleObjects(0, nullptr, FALSE, LookPeriod, QS_ALLINPUT);
+    MsgWaitForMultipleObjects(0, nullptr, FALSE, CheckPeriod, QS_ALLINPUT);
   }
   if (!accepted) return {};
   if (asker->answer.ends_with('\n')) asker->answer.pop_back();
@@ -113,14 +113,14 @@ std::optional<std::string> Ask_For_File(const OPENFILENAMEA& dialog) {
   const std::string proposed = std::filesystem::absolute(dialog.lpstrFile, failure).string();
   Asker asker;
   if (!Start_Any(dialog, proposed, &asker)) {
-    std::fprintf(stderr, "velarto: neither zenity nor kdialog is here to ask for a file; it is %s\n", proposed.c_str());
+    std::fprintf(stderr, "velarto: neither zenity nor kdialog is installed to ask for a file; it is %s\n", proposed.c_str());
     return dialog.lpstrFile;
   }
-  const HWND owner = dialog.hwndOwner, heldUp = Top_Of(owner);
-  const bool disables = IsWindowEnabled(heldUp);
-  if (disables) EnableWindow(heldUp, FALSE);
+  const HWND owner = dialog.hwndOwner, top = Top_Of(owner);
+  const bool disables = IsWindowEnabled(top);
+  if (disables) EnableWindow(top, FALSE);
   std::optional<std::string> answer = Await(owner, &asker);
   Stop(&asker);
-  if (disables) EnableWindow(heldUp, TRUE);
+  if (disables) EnableWindow(top, TRUE);
   return answer;
 }

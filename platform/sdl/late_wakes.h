@@ -1,7 +1,8 @@
-/* Threads that wake the desktop's thread while its windows come and go. */
+/* An error of X11 that is none: a wake for a window that is gone. */
 #pragma once
 
-/** To be called once SDL has started, and the other before it ends. With X11 a thread wakes the one that waits by an event to one
- * of its windows, over a connection of its own; it may arrive when the window is gone, for which Xlib would end the program. */
+/** SDL on X11 wakes a waiting thread by an event to one of its windows, over another connection. The event may arrive when the
+ * window is gone, and Xlib would end the program. The first function, called once SDL has started, has that error ignored; the
+ * second one, called before SDL ends, undoes it. */
 void Late_Wakes_Forgive();
 void Late_Wakes_Forget();

@@ -1,23 +1,23 @@
 #include "platform/sdl/pointer.h"
 
-#include "platform/portable/resource.h"
+#include "platform/portable/window/resource.h"
 #include "platform/sdl/cursor_file.h"
 
 #include <map>
 #include <utility>
 
-/** Milliseconds of rest that bring a tooltip, and how long it stays. */
+/** Milliseconds of rest after which a tooltip opens, and for which it stays. */
 static constexpr uint32_t RestTime = 500, ShownTime = 5000;
 
 static struct {
-  HWND window;     ///< Where the pointer rests, null when no tooltip is to come of it,
-  POINT point;     ///< the place on the screen,
-  uint32_t since;  ///< and since when; or since when a tooltip is open.
+  HWND window;     ///< Where the pointer rests; null when no tooltip is to open.
+  POINT point;     ///< The place on the screen.
+  uint32_t since;  ///< When the rest began, or when the tooltip opened.
   HWND tooltip;    ///< The one that is open, or null.
 } rest;
 
 static struct {
-  HWND window;  ///< The one that got the first press, while a button is down.
+  HWND window;  ///< While a button is down: the one that got the first press.
   uint32_t buttons;
 } pressed;
 
@@ -25,15 +25,15 @@ static std::map<uintptr_t, SDL_Cursor*> cursors;
 
 /* ---- Places --------------------------------------------------------------------------------------------------------------- */
 
-/** A point in the client area of a window, of one that counts from the screen. */
+/** From screen coordinates to those of a window's client area. */
 static POINT In_Client(HWND window, const POINT& point) {
   POINT origin = {};
   ClientToScreen(window, &origin);
   return {point.x - origin.x, point.y - origin.y};
 }
 
-/** The window there that takes input: the topmost, or where that or a parent is disabled, the parent of what is. Null outside,
- * and if the top-level window is disabled. */
+/** The window there that takes input: the topmost one, or if it or a parent is disabled, the nearest parent above those. Null
+ * outside, and if the top-level window is disabled. */
 static HWND Window_At(HWND top, const POINT& point) {
   HWND found = nullptr;
   for (const ScreenPart& part : Screen_Parts(top)) {
@@ -71,7 +71,7 @@ uint32_t Pointer_Rests() {
   if (rest.tooltip) Close_Tooltip();
   if (!rest.window) return UINT32_MAX;
   if (elapsed < RestTime) return RestTime - elapsed;
-  // One try: what follows is another rest, after another motion.
+  // Only once: the next tooltip needs another motion.
   rest.tooltip = Open_Tooltip(std::exchange(rest.window, nullptr));
   rest.since = SDL_GetTicks();
   return rest.tooltip ? ShownTime : UINT32_MAX;
@@ -83,7 +83,7 @@ void Pointer_Moved(const ShownWindow& shown, const SDL_MouseMotionEvent& event) 
   const HWND window = Window_At(shown.portable, {event.x, event.y});
   POINT point = {event.x, event.y};
   ClientToScreen(shown.portable, &point);
-  // A window that comes up under the pointer, its tooltip for one, is no motion.
+  // A window that opens under the pointer, such as the tooltip, is no motion.
   if (point.x != rest.point.x || point.y != rest.point.y) {
     Close_Tooltip();
     rest = {.window = pressed.window ? nullptr : window, .point = point, .since = SDL_GetTicks(), .tooltip = nullptr};
@@ -98,7 +98,7 @@ void Pointer_Button(const ShownWindow& shown, const SDL_MouseButtonEvent& event)
   if (!left && event.button != SDL_BUTTON_RIGHT) return;
   Pointer_Ignored();
   const uint32_t bit = SDL_BUTTON(event.button);
-  // A release that went elsewhere must not bind the pointer for good.
+  // A release that went to another program must not keep the pointer captured.
   if (!IsWindow(pressed.window) || (down && (pressed.buttons & bit))) pressed = {};
   POINT point = {event.x, event.y};
   const HWND window = pressed.window ? pressed.window : Window_At(shown.portable, point);

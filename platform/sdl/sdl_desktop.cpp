@@ -23,7 +23,7 @@ static void On_Window_Event(const ShownWindow& shown, uint8_t event) {
       Follow_Size(shown);
       break;
     case SDL_WINDOWEVENT_EXPOSED:
-      Mark_Changed(shown);  // The portable window still has its pixels: nothing is to be painted.
+      Mark_Changed(shown);  // The portable window still has its pixels: no WM_PAINT.
       break;
     case SDL_WINDOWEVENT_MINIMIZED:
     case SDL_WINDOWEVENT_RESTORED:
@@ -37,7 +37,7 @@ static void On_Window_Event(const ShownWindow& shown, uint8_t event) {
   }
 }
 
-/** Keys that stand for a character have its code on both sides, letters that of the upper case here. */
+/** SDL and Windows use a character's code for its key; Windows that of the upper case for letters. */
 static void On_Key(const ShownWindow& shown, const SDL_KeyboardEvent& event) {
   static constexpr struct {
     int32_t sdl;
@@ -56,7 +56,7 @@ static void On_Event(const SDL_Event& event) {
   const bool ofButton = event.type == SDL_MOUSEBUTTONDOWN || event.type == SDL_MOUSEBUTTONUP;
   const bool ofMotion = event.type == SDL_MOUSEMOTION;
   if (event.type != SDL_WINDOWEVENT && event.type != SDL_KEYDOWN && !ofButton && !ofMotion) return;
-  // The window's number lies at the same place in all events that have one.
+  // The window's number is at the same offset in all these events.
   const ShownWindow* const shown = Shown_By(event.window.windowID);
   if (!shown) return;
   // A copy: the window may be destroyed by what follows.
@@ -90,7 +90,7 @@ static void Show_Message(HWND owner, const char* text, const char* caption, UINT
   if (SDL_ShowSimpleMessageBox(kind, caption, text, shown ? shown->real : nullptr) != 0) {
     std::fprintf(stderr, "velarto: %s: %s\n", caption, text);
   }
-  // What the user did to other windows meanwhile was to no avail.
+  // Input for other windows, which were disabled, is dropped.
   SDL_PumpEvents();
   SDL_FlushEvents(SDL_KEYDOWN, SDL_MOUSEWHEEL);
 }
@@ -101,7 +101,7 @@ bool Sdl_Desktop_Start(int bits, std::string* error) {
   SDL_SetHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1");
   SDL_SetHint(SDL_HINT_VIDEO_ALLOW_SCREENSAVER, "1");
   SDL_SetHint(SDL_HINT_MOUSE_FOCUS_CLICKTHROUGH, "1");
-  // A window is copied as it is: graphics hardware only takes longer, and threads and memory with it.
+  // Windows are plain copies: with graphics hardware they take longer, and more threads and memory.
   SDL_SetHint(SDL_HINT_FRAMEBUFFER_ACCELERATION, "0");
   SDL_DisplayMode mode = {};
   if (SDL_Init(SDL_INIT_VIDEO) != 0 || SDL_GetDesktopDisplayMode(0, &mode) != 0) {

@@ -1,15 +1,15 @@
-/* A real desktop for the portable windows, by SDL2. Each top-level window is shown in a window of the desktop, pixel for pixel,
- * with its children in it.
+/* A desktop for the portable windows, by SDL2. Each top-level window is shown in a window of SDL, pixel for pixel, with its
+ * children in it.
  *
  * What the user does there reaches the portable window: a new place and size, keys as WM_KEYDOWN, mouse buttons, WM_SETCURSOR
- * when the pointer moves, the close button as WM_CLOSE, and being minimised. A part that is uncovered is shown again from the
- * pixels that the portable window keeps, without a WM_PAINT. The other way round go place, size, title, visibility, the cursor
- * and style: a window with WS_POPUP is shown on the full screen, or, if it is owned, without a border. Tooltips open where the
- * pointer rests; message boxes and questions for a file are asked.
+ * when the pointer moves, the close button as WM_CLOSE, and minimising. A part that is uncovered is shown again from the portable
+ * window's pixels, without a WM_PAINT. The SDL window follows the portable one in place, size, title, visibility, cursor and
+ * style: a window with WS_POPUP is shown on the full screen, or, if it is owned, without a border. Tooltips open where the
+ * pointer rests; message boxes and file dialogs are shown.
  *
- * Pixels go to the desktop whenever messages are looked for, what has changed until then in one copy a window.
+ * Whenever a program looks for messages, the pixels that have changed are shown, in one copy for each window.
  *
- * The portable screen takes the size of the desktop. All of it belongs to the thread that started it. */
+ * The portable screen has the size of the desktop. All of it belongs to the thread that started it. */
 #pragma once
 
 #include <string>
@@ -18,5 +18,5 @@
  * *error, when there is no desktop. */
 bool Sdl_Desktop_Start(int bits, std::string* error);
 
-/** Takes desktop and screen away; all windows must have been destroyed. */
+/** Ends desktop and screen; all windows must have been destroyed. */
 void Sdl_Desktop_Stop();

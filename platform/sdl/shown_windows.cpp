@@ -4,7 +4,7 @@
 #include <utility>
 #include <vector>
 
-/** In the order in which they were made. */
+/** In the order of their creation. */
 static std::vector<ShownWindow> shownWindows;
 
 static ShownWindow* Find_Shown(HWND portable) {
@@ -78,7 +78,7 @@ static bool Covers(const RECT& seen, const SDL_Rect& changed) {
          seen.bottom >= changed.y + changed.h;
 }
 
-/** Copies what lies in a part of the window, from the last one on that covers it all. */
+/** Copies the windows in a part of the client area, starting with the last one that covers it all. */
 static void Show_Area(const ShownWindow& shown, SDL_Rect changed) {
   const std::vector<ScreenPart> parts = Screen_Parts(shown.portable);
   SDL_Surface* const target = parts.empty() ? nullptr : SDL_GetWindowSurface(shown.real);
@@ -119,7 +119,7 @@ static void Pixels_Changed(HWND window) {
   SDL_UnionRect(&before, &seen, &shown->changed);
 }
 
-/* ---- From the portable window to the desktop ------------------------------------------------------------------------------ */
+/* ---- From the portable window to SDL's ------------------------------------------------------------------------------------ */
 
 static RECT Place_Of(HWND window) {
   RECT place = {};
@@ -148,7 +148,7 @@ static ShownWindow* Make_Real(HWND window) {
 
 static bool Is_Full(const ShownWindow& shown) { return SDL_GetWindowFlags(shown.real) & SDL_WINDOW_FULLSCREEN; }
 
-/** From the corner of the frame to that of the client area. */
+/** Width of the frame at the left and top. */
 static POINT Frame_Of(const ShownWindow& shown) {
   int top = 0, left = 0;
   SDL_GetWindowBordersSize(shown.real, &top, &left, nullptr, nullptr);
@@ -163,14 +163,14 @@ static void Take_Place(ShownWindow* shown) {
     SDL_SetWindowSize(shown->real, width, height);
   }
   if (place.left == agreed.left && place.top == agreed.top) return;
-  // Just back from the full screen SDL doesn't know of a frame yet, and takes its corner for that of the client area.
+  // Just after the full screen SDL doesn't know of the frame yet, and counts the place from the frame's corner.
   const POINT frame = Frame_Of(*shown), missing = {shown->frame.x - frame.x, shown->frame.y - frame.y};
   const POINT less = shown->wasFull ? missing : POINT{};
   shown->wasFull = false;
   SDL_SetWindowPosition(shown->real, place.left - less.x, place.top - less.y);
 }
 
-/** Changes between window and full screen. Place and size are set first, for a desktop without a window manager sets neither. */
+/** Changes between window and full screen. Place and size are set first: without a window manager nobody else does. */
 static void Take_Style(ShownWindow* shown) {
   const bool full = (Style_Of(shown->portable) & WS_POPUP) && !Owner_Of(shown->portable);
   if (full && !Is_Full(*shown)) {
@@ -185,7 +185,7 @@ static void Take_Style(ShownWindow* shown) {
   if (!full) Take_Place(shown);
 }
 
-/** Without a window manager the keys go to whatever was shown last, a tooltip too, and to nobody once that is hidden. */
+/** Without a window manager, keys go to the window shown last, even a tooltip, and nowhere once that is hidden. */
 static void Show_Real(const ShownWindow& shown) {
   SDL_Window* const keys = SDL_GetKeyboardFocus();
   SDL_ShowWindow(shown.real);
@@ -245,7 +245,7 @@ void Windows_Hook_In(ScreenDesktop* desktop) {
   desktop->windowDestroyed = Window_Destroyed;
 }
 
-/* ---- From the desktop to the portable window ------------------------------------------------------------------------------ */
+/* ---- From SDL's window to the portable one -------------------------------------------------------------------------------- */
 
 void Follow_Place(const ShownWindow& given) {
   ShownWindow* const shown = Find_Shown(given.portable);

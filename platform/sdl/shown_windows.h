@@ -1,7 +1,7 @@
-/* Portable windows in windows of the desktop: one for each top-level window, in which its children are seen as well. */
+/* Portable windows in windows of SDL: one for each top-level window, with its children in it. */
 #pragma once
 
-#include "platform/portable/screen.h"
+#include "platform/portable/desktop.h"
 
 #include <SDL.h>
 
@@ -9,33 +9,34 @@
 struct ShownWindow {
   HWND portable;
   SDL_Window* real;
-  /** Where the client area lay on the screen when the two agreed last: what differs from it is the portable one's wish. */
+  /** The client area on the screen when both windows last had the same: where the portable one differs, the SDL one is to follow.
+   */
   RECT agreed;
-  POINT frame = {};       ///< Left of and above the client area, before the window filled the screen.
-  bool wasFull = false;   ///< It has not been placed again since.
-  SDL_Rect changed = {};  ///< What has changed since it was shown last, in the client area; empty for nothing.
+  POINT frame = {};       ///< Width of the frame at the left and top, before the window filled the screen.
+  bool wasFull = false;   ///< It filled the screen and has not been placed since.
+  SDL_Rect changed = {};  ///< The part of the client area that has changed since it was shown last; may be empty.
 };
 
-/** Puts windows into the hooks of the desktop. */
+/** Sets the hooks of the desktop that are about windows. */
 void Windows_Hook_In(ScreenDesktop* desktop);
 
-/** The one that shows that top-level window, or null. Until a window is made or destroyed. */
+/** The record of that top-level window, or null. Valid until a window is created or destroyed. */
 const ShownWindow* Shown_As(HWND portable);
-/** The one of that number of SDL, or null; as long. */
+/** The same by SDL's number of the window. */
 const ShownWindow* Shown_By(uint32_t id);
 
 /** The top-level window that a window, a child or a dialog's owner, lies in. */
 HWND Top_Of(HWND window);
-/** Where keys to a top-level window go: the window itself, or when a dialog holds it up, that dialog. */
+/** Where keys for a top-level window go: to the window itself, or if a dialog has disabled it, to that dialog. */
 HWND Active_Window(HWND top);
 /** Brings a window to the front. */
 void Window_Raise(HWND top);
 
-/** Has all pixels of a window shown anew, by Show_Changes. */
+/** Has Show_Changes show all of a window's pixels again. */
 void Mark_Changed(const ShownWindow& shown);
-/** Brings what has changed since the last call to the desktop, which is black where there are no pixels: one copy a window,
- * however many changes there were. */
+/** Shows what has changed since the last call, black where there are no pixels: one copy for each window, however many changes
+ * there were. */
 void Show_Changes();
-/** The portable window takes the place or size that the user has given the real one. */
+/** Give the portable window the place or size that the user has given the SDL window. */
 void Follow_Place(const ShownWindow& shown);
 void Follow_Size(const ShownWindow& shown);

@@ -27,8 +27,8 @@ TEST_F(HostTest, WhatCannotBeIsToldInOneLine) {
   expect_refused("--version-word 0x0100", sample, "libvelarto.so does not start for this browser: NP_Initialize gives 8");
   expect_refused("--library missing.so", sample, "can't load missing.so: ");
   expect_refused("--library libm.so.6", sample, "libm.so.6 is no plug-in: it has no NP_GetEntryPoints");
-  // With a window system of its own it knows none of ours.
-  expect_refused("--library " VELARTO_LIBRARY_PATH, sample, "does not take the window over; only the library in");
+  // With windows of its own it refuses ours.
+  expect_refused("--library " VELARTO_LIBRARY_PATH, sample, "NPP_SetWindow gives 4; only the library in");
   expect_refused("", "missing.vlr", "can't open missing.vlr");
   expect_refused("--size 640", "x", "640 is no size such as", 2);
   expect_refused("--loop", "-", "only a file can be read again", 2);

@@ -1,7 +1,7 @@
 #include "apps/velarto/viewer.h"
 
 #include "apps/tool.h"
-#include "platform/portable/screen.h"
+#include "platform/portable/rig.h"
 
 #include <sys/stat.h>
 
@@ -147,7 +147,7 @@ TEST_F(ViewerTest, OverlaysByKeysAndClicks) {
   options.overlays.rectangle = {100, 100, 60, 50};
   options.overlays.motionRect = {0, 0, 2, 2};
   uint32_t plain = 0;
-  const auto at = [](int32_t x, int32_t y) { return Screen_Window_Color(watcher.window, x, y); };
+  const auto at = [](int32_t x, int32_t y) { return Rig_Window_Color(watcher.window, x, y); };
   const struct {
     std::function<bool()> shows;
     std::function<void()> then;
@@ -181,8 +181,8 @@ TEST_F(ViewerTest, OverlaysComeBackAfterASizeChange) {
   options.overlays.marked[1][1] = true;
   watcher.onIdle = [&] {
     if (Title().find("ended") == std::string::npos) return;
-    EXPECT_EQ(Screen_Window_Color(watcher.window, 16, 5), 0xFF0000u);
-    EXPECT_EQ(Screen_Window_Color(watcher.window, 18, 18), 0xFF0000u);
+    EXPECT_EQ(Rig_Window_Color(watcher.window, 16, 5), 0xFF0000u);
+    EXPECT_EQ(Rig_Window_Color(watcher.window, 18, 18), 0xFF0000u);
     EXPECT_NE(Title().find("64x48"), std::string::npos);
     Press('q');
   };
@@ -197,7 +197,7 @@ TEST_F(ViewerTest, FullScreenAndBackAndResized) {
     if (client.right == 1024) {
       EXPECT_EQ(client.bottom, 768);
       EXPECT_TRUE(GetWindowLongPtrA(watcher.window, GWL_STYLE) & static_cast<LONG_PTR>(WS_POPUP));
-      EXPECT_NE(Screen_Window_Color(watcher.window, 1000, 740), 0u);
+      EXPECT_NE(Rig_Window_Color(watcher.window, 1000, 740), 0u);
       watcher.onChange = [&] {
         GetClientRect(watcher.window, &client);
         if (client.right == 320) Screen_Resize_Client(watcher.window, 500, 400);
@@ -238,7 +238,7 @@ TEST_F(ViewerTest, EndsByItselfAndTellsFailures) {
   EXPECT_LT(GetTickCount() - pressed, 1000u);
   watcher.onIdle = nullptr;
 
-  Screen_Fail(ScreenStep::CreateOffscreen);
+  Rig_Fail(RigStep::CreateOffscreen);
   options.feed.source = sample;
   EXPECT_EQ(Viewer_Run(options), 1);
 }

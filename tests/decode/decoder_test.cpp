@@ -1,4 +1,5 @@
 // Records and life of a decoder: layout, start values, and what is left when memory runs out.
+#include "platform/portable/rig.h"
 #include "support/streams.h"
 #include "support/window.h"
 
@@ -45,42 +46,42 @@ TEST_F(DecoderTest, FlushForgetsBytesAndDarkensThePicture) {
 }
 
 TEST_F(DecoderTest, NewLeavesNothingBehindWhenMemoryRunsOut) {
-  const int32_t before = Screen_Objects_Alive();
+  const int32_t before = Rig_Objects_Alive();
   int32_t allocations = 0;
   for (DecoderPtr decoder; !decoder; ++allocations) {
-    Screen_Fail(ScreenStep::Memory, allocations);
+    Rig_Fail(RigStep::Memory, allocations);
     decoder.reset(JDEC_New(64, 48));
-    EXPECT_EQ(Screen_Objects_Alive() > before, decoder != nullptr) << allocations;
+    EXPECT_EQ(Rig_Objects_Alive() > before, decoder != nullptr) << allocations;
   }
   EXPECT_GT(allocations, 10);
-  Screen_Fail_Nothing();
-  Screen_Fail(ScreenStep::CreateMutex);
+  Rig_Fail_Nothing();
+  Rig_Fail(RigStep::CreateMutex);
   EXPECT_EQ(JDEC_New(64, 48), nullptr);
-  EXPECT_EQ(Screen_Objects_Alive(), before);
-  Screen_Fail_Nothing();
+  EXPECT_EQ(Rig_Objects_Alive(), before);
+  Rig_Fail_Nothing();
 }
 
 TEST_F(DecoderTest, SizeChangeWithoutMemoryChangesNothing) {
   const Bytes smallPicture = Picture_Of(small), largePicture = Picture_Of(large);
   for (const bool shown : {false, true}) {
     const TestWindow window(32);
-    const int32_t before = Screen_Objects_Alive();
+    const int32_t before = Rig_Objects_Alive();
     int32_t refusals = 0;
     for (int32_t after = 0; after < 30; ++after) {
       SCOPED_TRACE(after);
       {
         const DecoderPtr decoder = Shown_Decoder(shown ? window.handle : nullptr, 16, 16);
         Push(decoder.get(), small.jfif);
-        const int32_t alive = Screen_Objects_Alive();
-        Screen_Fail(ScreenStep::Memory, after);
+        const int32_t alive = Rig_Objects_Alive();
+        Rig_Fail(RigStep::Memory, after);
         Push(decoder.get(), large.compact);
-        Screen_Fail_Nothing();
+        Rig_Fail_Nothing();
         const bool refused = JDEC_Get_Quality(decoder.get()) == 50;
         refusals += refused;
         EXPECT_EQ(Current_Picture(decoder.get()), refused ? smallPicture : largePicture);
         // Without memory for the display alone the new size stands, and the next change makes a display again.
         if (refused || !shown) {
-          EXPECT_EQ(Screen_Objects_Alive(), alive);
+          EXPECT_EQ(Rig_Objects_Alive(), alive);
           EXPECT_EQ(decoder->display != nullptr, shown);
         }
         EXPECT_EQ(decoder->width, decoder->codec->width);
@@ -90,7 +91,7 @@ TEST_F(DecoderTest, SizeChangeWithoutMemoryChangesNothing) {
         EXPECT_EQ(Current_Picture(decoder.get()), smallPicture);
         EXPECT_EQ(decoder->display != nullptr, shown);
       }
-      ASSERT_EQ(Screen_Objects_Alive(), before);
+      ASSERT_EQ(Rig_Objects_Alive(), before);
     }
     EXPECT_GE(refusals, 5);  // Two pictures and three planes of coefficients.
     EXPECT_LT(refusals, 30);

@@ -2,10 +2,12 @@
 #include "display/context.h"
 #include "pixel/convert.h"
 #include "pixel/dither.h"
+#include "platform/portable/rig.h"
 #include "support/streams.h"
 #include "support/window.h"
 
 #include <atomic>
+#include <cstring>
 #include <thread>
 
 namespace {
@@ -37,6 +39,19 @@ TEST_F(DisplayedDecoder, RasterHasTheDepthOfTheScreen) {
     EXPECT_EQ(decoder->window, window.handle);
     EXPECT_NE(decoder->display, nullptr);
   }
+}
+
+TEST_F(DisplayedDecoder, WhatIsNoWindowIsRefused) {
+  const TestWindow window(32);
+  const HWND ended = CreateWindowExA(0, "velarto-test", "", WS_POPUP, 0, 0, 9, 9, nullptr, nullptr, nullptr, nullptr);
+  DestroyWindow(ended);
+  const DecoderPtr decoder = Headless_Decoder(48, 48);
+  const JdecDecoder before = *decoder;
+  for (const HWND none : {ended, reinterpret_cast<HWND>(uintptr_t{0x1234})}) {
+    EXPECT_EQ(JDEC_Draw_Init(decoder.get(), none), 0);
+    EXPECT_EQ(std::memcmp(&before, decoder.get(), sizeof before), 0) << "nothing has changed";
+  }
+  EXPECT_EQ(JDEC_Draw_Init(decoder.get(), window.handle), 1);
 }
 
 TEST_F(DisplayedDecoder, PaletteIndicesComeRowByRowDownToAnOddLastOne) {
@@ -109,10 +124,10 @@ TEST_F(DisplayedDecoder, DrawExitHidesAndShowAloneFindsNoDisplay) {
   const Bytes dark = Current_Picture(decoder.get());
   EXPECT_EQ(Push(decoder.get(), small.compact), (int32_t)small.compact.size());
   EXPECT_EQ(Current_Picture(decoder.get()), dark);
-  Screen_Take_Debug_Output();
+  Rig_Take_Debug_Output();
   JDEC_show(decoder.get(), 2);
   Push(decoder.get(), small.compact);
-  EXPECT_EQ(Screen_Take_Debug_Output(), std::vector<std::string>{"jdec, decompress, DDRAW=NULL!!\n"});
+  EXPECT_EQ(Rig_Take_Debug_Output(), std::vector<std::string>{"jdec, decompress, DDRAW=NULL!!\n"});
   EXPECT_EQ(Current_Picture(decoder.get()), Picture_Of(small));
 }
 

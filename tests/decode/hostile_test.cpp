@@ -1,5 +1,5 @@
 // Streams that lie, break off or make no sense: the decoder stays up and finds the next good frame.
-#include "platform/portable/screen.h"
+#include "platform/portable/rig.h"
 #include "support/resident.h"
 #include "support/streams.h"
 #include "support/window.h"
@@ -35,14 +35,14 @@ TEST_F(Hostile, FramesCutOffAnywhere) {
 TEST_F(Hostile, HeadsThatAnnounceTooMuch) {
   Push(decoder.get(), middle.compact);
   const Bytes shown = Current_Picture(decoder.get());
-  const int32_t alive = Screen_Objects_Alive();
+  const int32_t alive = Rig_Objects_Alive();
   for (const auto& [width, height] : {std::pair{65535, 65535}, {0, 48}, {64, 0}, {65535, 520}}) {
     const Bytes frame = Compact_Frame(width, height, 90, Bytes(20, 0x28));
     EXPECT_EQ(Push(decoder.get(), frame), (int32_t)frame.size());
     EXPECT_EQ(JDEC_Get_Quality(decoder.get()), 75) << width << " by " << height;
     EXPECT_EQ(Current_Picture(decoder.get()), shown);
   }
-  EXPECT_EQ(Screen_Objects_Alive(), alive);
+  EXPECT_EQ(Rig_Objects_Alive(), alive);
   for (const auto& [byte1, byte3] : {std::pair{0xFF, 0xFF}, {0x7F, 0xFF}, {0x80, 0}, {1, 0}, {0, 8}}) {  // 4 GB to 512 KB.
     Bytes frame = middle.prefixed;
     frame[1] = (uint8_t)byte1;

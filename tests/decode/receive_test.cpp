@@ -2,6 +2,7 @@
 #include "decode/receive.h"
 
 #include "display/context.h"
+#include "platform/portable/rig.h"
 #include "support/streams.h"
 #include "support/window.h"
 
@@ -97,11 +98,11 @@ TEST_F(Receiver, BitRateIsReportedEveryThreeSeconds) {
                {500, 1, "5.55 Kb\n"},        // The clock began anew.
                {3501, 1, "18.67 Kb\n"}};     // 7003 bytes in 3001 ms.
   for (const auto& [tick, bytes, text] : steps) {
-    Screen_Set_Tick(tick);
+    Rig_Set_Tick(tick);
     Push(shown.get(), Bytes(bytes, 'x'));
     EXPECT_STREQ(shown->display->osdText, text) << tick;
   }
-  Screen_Real_Time();
+  Rig_Real_Time();
 }
 
 struct Recording : Receiver {
@@ -137,25 +138,25 @@ TEST_F(Recording, BeginsWithTheFirstFrameAndSkipsWhatTheCameraMarks) {
 TEST_F(Recording, LargeChunkIsOneWrite) {
   Start();
   const Bytes chunk = Joined({small.jfif, Bytes(1200000, 'x'), small.compact});
-  const int32_t calls = Screen_Calls(ScreenStep::WriteFile);
+  const int32_t calls = Rig_Calls(RigStep::WriteFile);
   EXPECT_EQ(Push(decoder.get(), chunk), (int32_t)chunk.size());
-  EXPECT_EQ(Screen_Calls(ScreenStep::WriteFile), calls + 1);
+  EXPECT_EQ(Rig_Calls(RigStep::WriteFile), calls + 1);
   EXPECT_EQ(decoder->statsBits[0], 8.0 * (double)chunk.size());
   EXPECT_EQ(Finish(), chunk);
 }
 
 TEST_F(Recording, EndsWithAWriteThatFailsOrFallsShort) {
-  for (const ScreenStep step : {ScreenStep::WriteFile, ScreenStep::ShortWrite}) {
-    const int32_t before = Screen_Objects_Alive();
+  for (const RigStep step : {RigStep::WriteFile, RigStep::ShortWrite}) {
+    const int32_t before = Rig_Objects_Alive();
     Start();
     Push(decoder.get(), small.compact);
-    Screen_Fail(step);
+    Rig_Fail(step);
     JDEC_Flush(decoder.get());
     EXPECT_EQ(Push(decoder.get(), small.jfif), (int32_t)small.jfif.size());
-    Screen_Fail_Nothing();
+    Rig_Fail_Nothing();
     EXPECT_EQ(decoder->recordFile, nullptr);
     EXPECT_EQ(decoder->recordState, RecordOff);
-    EXPECT_EQ(Screen_Objects_Alive(), before);
+    EXPECT_EQ(Rig_Objects_Alive(), before);
     EXPECT_EQ(Current_Picture(decoder.get()), Picture_Of(small));
   }
 }

@@ -1,14 +1,14 @@
-// The plug-in on a real desktop: a virtual screen that is looked at and used by other programs.
+// The plug-in on a real desktop: a virtual screen, which other programs look at and use.
 #include "platform/sdl/sdl_desktop.h"
 #include "plugin/browser.h"
 
 #include <filesystem>
 #include <thread>
 
-/** What the desktop's own libraries keep to themselves. */
+/** Leaks of the desktop's own libraries. */
 extern "C" const char* __lsan_default_suppressions() { return "leak:libdbus-1"; }
 
-// Of Xlib, whose header names what others name too.
+// From Xlib, whose header has names that clash with others.
 extern "C" {
 struct _XDisplay* XOpenDisplay(const char* name);
 int XSendEvent(_XDisplay* display, unsigned long window, int propagate, long mask, long* event);
@@ -34,7 +34,7 @@ int Color_At(int x, int y) {
 
 void Do(const std::string& what) { EXPECT_EQ(std::system(("xdotool " + what).c_str()), 0) << what; }
 
-/** An event for a window that is gone, as a thread sends it that wakes the desktop too late. */
+/** Sends an event to a window that is gone, as a thread does that wakes the desktop too late. */
 void Wake_Late() {
   _XDisplay* const other = XOpenDisplay(nullptr);
   long message[24] = {33, 0, 0, 0, 3, 1, 32};  // A client's message, window, type, format.
@@ -47,12 +47,12 @@ TEST_F(PluginTest, IsSeenAndUsedOnADesktop) {
   const std::filesystem::path folder = testing::TempDir() + "velarto-desktop-" + std::to_string(GetCurrentThreadId());
   std::filesystem::create_directory(folder);
   const std::string asker = folder / "zenity", words = folder / "words", go = folder / "go", chosen = folder / "a name.vlr";
-  // The program that asks for a file: notes its words, and answers when told.
+  // The program that asks for a file: writes its arguments down, and answers when the file `go` exists.
   std::ofstream(asker) << "#!/bin/sh\nprintf '%s\\n' \"$@\" >'" + words + "'\nuntil [ -e '" + go + "' ]; do sleep 0.1; done\n" +
                               "echo '" + chosen + "'\n";
   std::filesystem::permissions(asker, std::filesystem::perms::owner_all);
   setenv("PATH", (folder.string() + ":" + getenv("PATH")).c_str(), 1);
-  // The screen ends with the last program that is on it.
+  // The screen ends with the last program on it.
   const std::unique_ptr<FILE, Releaser<pclose>> screen(
       popen("exec Xvfb -displayfd 1 -terminate -screen 0 640x480x24 -nolisten tcp 2>/dev/null", "r"));
   char display[16] = ":";
@@ -65,7 +65,7 @@ TEST_F(PluginTest, IsSeenAndUsedOnADesktop) {
   const HWND shown = Page_Window(top, 60, 40, 160, 120);
   Open(0, 1, shown);
   Feed(large.jfif);
-  const auto picture = (int)Screen_Window_Color(shown, 55, 54), back = 0, yellow = 0xFFFFE1, diskette = 0x80;
+  const auto picture = (int)Rig_Window_Color(shown, 55, 54), back = 0, yellow = 0xFFFFE1, diskette = 0x80;
   std::atomic<uintptr_t> done = 0, lives = 0, cursor = 0;
   poked = [&] { lives = 1; };
   std::thread user([&] {

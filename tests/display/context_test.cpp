@@ -1,63 +1,63 @@
 #include "display/context.h"
 
-#include "display/machine.h"
+#include "display/test_display.h"
 
 namespace {
 
-using enum ScreenStep;
+using enum RigStep;
 
 TEST(Context, UnknownScreensAreToldOrLeftToGdi) {
   ScreenSetup setup = Screen_Of_Depth(16);
   std::swap(setup.redMask, setup.blueMask);
-  Machine swapped(setup, 320, 240);
+  TestDisplay swapped(setup, 320, 240);
   ASSERT_EQ(Form_Of(swapped.Open(320, 240)), GdiForm);
   EXPECT_EQ(swapped.display->pixelFormat, PixelRgb555);
   setup.bits = 4;
   Screen_Set_Up(setup);
   EXPECT_EQ(Form_Of(swapped.Open(320, 240)), NoDisplay);
-  EXPECT_EQ(Screen_Take_Messages().size(), 1u);
+  EXPECT_EQ(Rig_Take_Messages().size(), 1u);
 }
 
 TEST(Context, EachFailingStepHasItsForm) {
-  const std::pair<Form, std::vector<ScreenStep>> cases[] = {
+  const std::pair<DisplayForm, std::vector<RigStep>> cases[] = {
       {DirectDrawForm, {SetCooperativeLevel, LoadDirectDraw, FindEnumerateEx, SurfaceGetDC, LockOffscreen}},
       {GdiForm,
        {DirectDrawCreate, CreatePrimary, DescribePrimary, CreateClipper, ClipperSetWindow, SetClipper, CreateOffscreenNull}},
       {NoDisplay, {CreateOffscreen, CreateMutex, Memory}}};
   for (const auto& [form, steps] : cases) {
-    for (const ScreenStep step : steps) {
+    for (const RigStep step : steps) {
       SCOPED_TRACE(testing::Message() << "step " << static_cast<int32_t>(step));
-      Machine machine(32, 64, 48);
-      Screen_Fail(step);
-      const JdecDisplay* display = machine.Open(64, 48);
-      EXPECT_GT(Screen_Calls(step), 0);
+      TestDisplay test(32, 64, 48);
+      Rig_Fail(step);
+      const JdecDisplay* display = test.Open(64, 48);
+      EXPECT_GT(Rig_Calls(step), 0);
       ASSERT_EQ(Form_Of(display), form);
       if (!display) continue;
       EXPECT_EQ(display->primarySurface != nullptr, step != DirectDrawCreate && step != CreatePrimary) << "what was made stays";
       EXPECT_EQ(display->offscreenSurface != nullptr, form == DirectDrawForm);
-      Screen_Fail_Nothing();
+      Rig_Fail_Nothing();
       const RasterPtr raster = Noise_Raster(64, 48, 32);
-      machine.Show(raster);
-      machine.Expect_Shown(raster);
+      test.Show(raster);
+      test.Expect_Shown(raster);
     }
   }
   for (int32_t after = 1; after < 4; ++after) {  // Memory for the bitmap header, the motion cells; then all is there.
-    Machine machine(32, 64, 48);
-    Screen_Fail(Memory, after, 1);
-    EXPECT_EQ(Form_Of(machine.Open(64, 48)), after < 3 ? NoDisplay : DirectDrawForm);
+    TestDisplay test(32, 64, 48);
+    Rig_Fail(Memory, after, 1);
+    EXPECT_EQ(Form_Of(test.Open(64, 48)), after < 3 ? NoDisplay : DirectDrawForm);
   }
 }
 
 TEST(Context, GdiNeedsSeveralAdaptersANarrowClientAndASecondaryMonitor) {
   for (int32_t conditions = 0; conditions < 8; ++conditions) {
-    Machine machine(Screen_With(32), conditions & 2 ? 319 : 320, 240);
-    if (conditions & 4) Screen_Move_To_Monitor(machine.handle, 1);
-    if (!(conditions & 1)) Screen_Fail(FindEnumerateEx);  // Then one device is all that is counted.
-    EXPECT_EQ(Form_Of(machine.Open(320, 240)), conditions == 7 ? GdiForm : DirectDrawForm) << conditions;
+    TestDisplay test(Screen_With(32), conditions & 2 ? 319 : 320, 240);
+    if (conditions & 4) Rig_Move_To_Monitor(test.handle, 1);
+    if (!(conditions & 1)) Rig_Fail(FindEnumerateEx);  // Then one device is all that is counted.
+    EXPECT_EQ(Form_Of(test.Open(320, 240)), conditions == 7 ? GdiForm : DirectDrawForm) << conditions;
     int32_t count = 10;
     EXPECT_EQ(Display_Count_Adapters(&count), DD_OK);
     EXPECT_EQ(count, conditions & 1 ? 12 : 11) << "added to what was there";
-    Screen_Fail(LoadDirectDraw);
+    Rig_Fail(LoadDirectDraw);
     EXPECT_EQ(Display_Count_Adapters(&count), E_FAIL);
   }
 }

@@ -1,12 +1,12 @@
 #include "display/monitors.h"
 
-#include "display/machine.h"
+#include "display/test_display.h"
 
 namespace {
 
 /** The process counts as one on a system without monitor functions from then on. */
 void Check_Fallbacks(HWND window) {
-  Screen_Fail(ScreenStep::FindMonitorFunction, 0, 1);
+  Rig_Fail(RigStep::FindMonitorFunction, 0, 1);
   EXPECT_EQ(Monitor_Stubs_Resolve() + Monitor_Stubs_Resolve(), 0) << "looked for once";
   const HMONITOR primary = reinterpret_cast<HMONITOR>(primaryMonitorHandle);
   const std::pair<RECT, HMONITOR> cases[] = {{{10, 10, 20, 20}, primary},         {{-5, -5, 1, 1}, primary},
@@ -20,7 +20,7 @@ void Check_Fallbacks(HWND window) {
   Screen_Minimise(window, true);
   EXPECT_EQ(Monitor_From_Window(window, 0), primary) << "by its place when not minimised";
   Screen_Minimise(window, false);
-  Screen_Move_To_Monitor(window, 1);
+  Rig_Move_To_Monitor(window, 1);
   EXPECT_EQ(Monitor_From_Window(window, 0), nullptr);
   JdecDisplay display = {};
   display.window = window;
@@ -40,8 +40,8 @@ void Check_Fallbacks(HWND window) {
 
 TEST(MonitorsDeathTest, WithoutTheFunctionsThereIsOneScreen) {
   testing::FLAGS_gtest_death_test_style = "threadsafe";  // A process of its own, in which nothing was looked up yet.
-  Machine machine(Screen_With(32), 64, 48);
-  EXPECT_EXIT((Check_Fallbacks(machine.handle), std::exit(testing::Test::HasFailure() ? 1 : 0)), testing::ExitedWithCode(0), "");
+  TestDisplay test(Screen_With(32), 64, 48);
+  EXPECT_EXIT((Check_Fallbacks(test.handle), std::exit(testing::Test::HasFailure() ? 1 : 0)), testing::ExitedWithCode(0), "");
 }
 
 }  // namespace

@@ -1,6 +1,6 @@
 #include "display/palette.h"
 
-#include "display/machine.h"
+#include "display/test_display.h"
 
 namespace {
 
@@ -22,13 +22,13 @@ const std::vector<uint32_t> listed = Listed_Colors();
 TEST_F(LibraryTest, PaletteIndicesShowInTheirColours) {
   for (const bool gdi : {false, true}) {
     SCOPED_TRACE(gdi ? "GDI" : "DirectDraw");
-    Machine machine(Screen_With(8, gdi), 64, 224);
-    const DecoderPtr decoder = Shown_Decoder(machine.handle, 64, 224);
+    TestDisplay test(Screen_With(8, gdi), 64, 224);
+    const DecoderPtr decoder = Shown_Decoder(test.handle, 64, 224);
     const RasterPtr raster(Raster_New(64, 224, 8));
     for (int32_t y = 0; y < 224; ++y) std::memset(raster->rows[y], FirstColor + y, 64);
     const auto expect_colors = [&] {
       Display_Present(decoder->display, raster.get(), 0, 0, 64, 224, 0);
-      for (int32_t y = 0; y < 224; ++y) ASSERT_EQ(machine.Color(y % 64, y), listed[static_cast<size_t>(FirstColor + y)]) << y;
+      for (int32_t y = 0; y < 224; ++y) ASSERT_EQ(test.Color(y % 64, y), listed[static_cast<size_t>(FirstColor + y)]) << y;
     };
     expect_colors();
     uint8_t table[1024];
@@ -40,12 +40,12 @@ TEST_F(LibraryTest, PaletteIndicesShowInTheirColours) {
     for (const size_t i : {15, 240})
       EXPECT_EQ(Color_Of(entries[i]), gdi ? 0 : 0x050505u) << "what the screen holds, or the palette itself";
 
-    const HDC dc = GetDC(machine.handle);
+    const HDC dc = GetDC(test.handle);
     LOGPALETTE other = {0x300, 1, {{9, 9, 9, 0}}};
     const HPALETTE foreign = CreatePalette(&other), before = SelectPalette(dc, foreign, FALSE);
     EXPECT_EQ(RealizePalette(dc), 1u);
     SelectPalette(dc, before, FALSE);
-    ReleaseDC(machine.handle, dc);
+    ReleaseDC(test.handle, dc);
     DeleteObject(foreign);
     JDEC_reload_palette(decoder.get());
     expect_colors();
@@ -53,19 +53,19 @@ TEST_F(LibraryTest, PaletteIndicesShowInTheirColours) {
 }
 
 TEST(Palette, WithoutAPaletteThereIsNoTable) {
-  Machine machine(Screen_With(8), 64, 64);
+  TestDisplay test(Screen_With(8), 64, 64);
   PALETTEENTRY table[256];
-  ASSERT_NE(machine.Open(64, 64)->ddPalette, nullptr);
-  EXPECT_EQ(Display_Export_Palette(nullptr, table) + Display_Export_Palette(machine.display.get(), nullptr), 0);
-  Screen_Fail(ScreenStep::CreatePalette);
-  ASSERT_NE(machine.Open(64, 64), nullptr);
-  EXPECT_EQ(machine.display->ddPalette, nullptr);
-  Display_Reload_Palette(machine.display.get());
-  Screen_Fail_Nothing();
+  ASSERT_NE(test.Open(64, 64)->ddPalette, nullptr);
+  EXPECT_EQ(Display_Export_Palette(nullptr, table) + Display_Export_Palette(test.display.get(), nullptr), 0);
+  Rig_Fail(RigStep::CreatePalette);
+  ASSERT_NE(test.Open(64, 64), nullptr);
+  EXPECT_EQ(test.display->ddPalette, nullptr);
+  Display_Reload_Palette(test.display.get());
+  Rig_Fail_Nothing();
 
   Screen_Set_Up(Screen_With(32));
-  machine.Open(64, 64);
-  EXPECT_EQ(Display_Export_Palette(machine.display.get(), table), 0);
+  test.Open(64, 64);
+  EXPECT_EQ(Display_Export_Palette(test.display.get(), table), 0);
   Display_Reload_Palette(nullptr);
   JDEC_reload_palette(nullptr);
 }

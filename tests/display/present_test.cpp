@@ -1,12 +1,12 @@
 #include "display/present.h"
 
-#include "display/machine.h"
+#include "display/test_display.h"
 
 #include <algorithm>
 
 namespace {
 
-using enum ScreenStep;
+using enum RigStep;
 
 enum Road { DirectDraw, GDI, SecondaryMonitor };
 
@@ -17,8 +17,8 @@ TEST(Present, PictureArrivesPixelByPixel) {
     for (const Road road : {DirectDraw, GDI, SecondaryMonitor}) {
       for (const auto& [width, height] : {SIZE{64, 48}, {33, 35}, {34, 33}, {35, 41}}) {
         SCOPED_TRACE(testing::Message() << screen << " bits, road " << road << ", " << width << " x " << height);
-        Machine machine(Screen_With(screen, road == GDI), width, height);
-        const JdecDisplay* display = machine.Open(width, height);
+        TestDisplay test(Screen_With(screen, road == GDI), width, height);
+        const JdecDisplay* display = test.Open(width, height);
         ASSERT_EQ(Form_Of(display), road == GDI ? GdiForm : DirectDrawForm);
         const bool narrowed = screen == 16 && road == GDI;  // 5-5-5 pixels on a 5-6-5 screen.
         EXPECT_EQ(display->pixelFormat, narrowed ? PixelRgb555 : format);
@@ -30,17 +30,17 @@ TEST(Present, PictureArrivesPixelByPixel) {
         const BITMAPINFOHEADER header = {40, width, height, 1, static_cast<WORD>(bits), BI_RGB, 0, 0, 0, 240, 240};
         EXPECT_EQ(std::memcmp(&display->bitmapInfo->bmiHeader, &header, sizeof header), 0);
 
-        Screen_Move_To_Monitor(machine.handle, road == SecondaryMonitor ? 1 : 0);
+        Rig_Move_To_Monitor(test.handle, road == SecondaryMonitor ? 1 : 0);
         const RasterPtr raster = Noise_Raster(width, height, bits);
         if (raster->pitch % 4 != 0 && road != DirectDraw) {
-          Screen_Fail(Memory, 0, 1);
-          machine.Show(raster);
-          EXPECT_EQ(machine.Color(5, 5), Black) << "no memory for aligned rows";
+          Rig_Fail(Memory, 0, 1);
+          test.Show(raster);
+          EXPECT_EQ(test.Color(5, 5), Black) << "no memory for aligned rows";
         }
-        machine.Show(raster);
-        if (!narrowed && (bits != 8 || road == DirectDraw)) machine.Expect_Shown(raster);
+        test.Show(raster);
+        if (!narrowed && (bits != 8 || road == DirectDraw)) test.Expect_Shown(raster);
         for (int32_t i = 0; narrowed && i < std::min(width, height); ++i) {
-          const uint32_t shown = machine.Color(i, i);
+          const uint32_t shown = test.Color(i, i);
           const uint8_t* pixel = raster->rows[i] + 2 * i;
           EXPECT_EQ((shown >> 9 & 0x7C00) | (shown >> 6 & 0x3E0) | (shown >> 3 & 0x1F), pixel[0] | (pixel[1] & 0x7F) << 8);
         }
@@ -66,31 +66,31 @@ TEST(Present, SmallOrMinimisedWindowsGetNothing) {
   for (const auto& [clientWidth, width, height, state, isShown] : cases) {
     for (const bool gdi : {false, true}) {
       SCOPED_TRACE(testing::Message() << width << " in " << clientWidth << ", state " << state << ", GDI " << gdi);
-      Machine machine(Screen_With(32, gdi), clientWidth, 64);
-      machine.Open(width, height);
-      Screen_Minimise(machine.handle, state == Minimised);
-      Screen_Disable(machine.handle, state == Disabled);
+      TestDisplay test(Screen_With(32, gdi), clientWidth, 64);
+      test.Open(width, height);
+      Screen_Minimise(test.handle, state == Minimised);
+      EnableWindow(test.handle, state != Disabled);
       const RasterPtr raster = Plain_Raster(width, height, Green);
-      machine.Show(raster);
-      EXPECT_EQ(machine.display->lastRaster, raster.get());
-      EXPECT_EQ(machine.frames, isShown && !gdi ? 1 : 0);
-      Screen_Minimise(machine.handle, false);
-      EXPECT_EQ(machine.Color(10, 10), isShown ? Green : Black);
+      test.Show(raster);
+      EXPECT_EQ(test.display->lastRaster, raster.get());
+      EXPECT_EQ(test.frames, isShown && !gdi ? 1 : 0);
+      Screen_Minimise(test.handle, false);
+      EXPECT_EQ(test.Color(10, 10), isShown ? Green : Black);
     }
   }
 }
 
 TEST(Present, TheMonitorIsAskedForEachFrame) {
-  Machine machine(Screen_With(32), 80, 100);
-  machine.Open(40, 40);
+  TestDisplay test(Screen_With(32), 80, 100);
+  test.Open(40, 40);
   const uint32_t colors[][2] = {{Green, Green}, {Blue, Green}, {Red, Red}, {White, White}};
   for (int32_t i = 0; i < 4; ++i) {  // DirectDraw fills the client area, GDI keeps the picture's shape.
-    Screen_Move_To_Monitor(machine.handle, i % 2);
-    if (i == 3) Screen_Fail(GetMonitorInfo);  // One that can't be asked is the primary one.
-    machine.Show(Plain_Raster(40, 40, colors[i][0]));
-    EXPECT_EQ(machine.Color(79, 79), colors[i][0]);
-    EXPECT_EQ(machine.Color(79, 80), colors[i][1]);
-    EXPECT_EQ(machine.frames, i > 0 ? i : 1);
+    Rig_Move_To_Monitor(test.handle, i % 2);
+    if (i == 3) Rig_Fail(GetMonitorInfo);  // One that can't be asked is the primary one.
+    test.Show(Plain_Raster(40, 40, colors[i][0]));
+    EXPECT_EQ(test.Color(79, 79), colors[i][0]);
+    EXPECT_EQ(test.Color(79, 80), colors[i][1]);
+    EXPECT_EQ(test.frames, i > 0 ? i : 1);
   }
 }
 
@@ -107,7 +107,7 @@ TEST(Present, EachFailureHasItsReaction) {
   constexpr HRESULT busy = DDERR_WASSTILLDRAWING, lost = DDERR_SURFACELOST, other = DDERR_UNSUPPORTED;
   constexpr int32_t always = INT32_MAX;
   const struct {
-    ScreenStep step;
+    RigStep step;
     int32_t times;
     HRESULT code;
     Overlay overlay;
@@ -132,52 +132,52 @@ TEST(Present, EachFailureHasItsReaction) {
     const bool restoreFails = i % 2 != 0;
     const uint32_t color = restoreFails && code == lost && overlay == MotionLayer ? Green : reached;
     SCOPED_TRACE(testing::Message() << "case " << i / 2 << ", restore fails " << restoreFails);
-    Machine machine(32, 64, 64);
-    Switch_On(machine.Open(64, 64), overlay);
+    TestDisplay test(32, 64, 64);
+    Switch_On(test.Open(64, 64), overlay);
     const int32_t mdMode = overlay == MotionLayer ? 1 : 0;
     const RasterPtr green = Plain_Raster(64, 64, Green), blue = Plain_Raster(64, 64, Blue);
-    machine.Show(green, mdMode);
-    Screen_Fail(step, 0, times, code);
-    if (restoreFails) Screen_Fail(RestorePrimary);
-    machine.Show(blue, mdMode);
-    EXPECT_EQ(machine.Color(33, 33), color);  // Beside the grid's lines.
+    test.Show(green, mdMode);
+    Rig_Fail(step, 0, times, code);
+    if (restoreFails) Rig_Fail(RestorePrimary);
+    test.Show(blue, mdMode);
+    EXPECT_EQ(test.Color(33, 33), color);  // Beside the grid's lines.
     const bool shownAgain = step == LockOffscreen || step == LockWithoutPixels;
-    EXPECT_EQ(machine.frames, color == Blue || shownAgain ? 2 : 1);
-    Screen_Fail_Nothing();
-    machine.Show(blue);
-    machine.Expect_Shown(blue);
+    EXPECT_EQ(test.frames, color == Blue || shownAgain ? 2 : 1);
+    Rig_Fail_Nothing();
+    test.Show(blue);
+    test.Expect_Shown(blue);
   }
 }
 
 TEST(Present, LostSurfacesComeBack) {
-  Machine machine(32, 64, 64);
-  JdecDisplay* const display = machine.Open(64, 64);
+  TestDisplay test(32, 64, 64);
+  JdecDisplay* const display = test.Open(64, 64);
   EXPECT_EQ(Display_Restore(display), 1) << "nothing shown yet";
   const RasterPtr green = Plain_Raster(64, 64, Green), blue = Plain_Raster(64, 64, Blue);
-  machine.Show(green);
-  Screen_Lose_Surfaces();
-  machine.Show(blue);
-  machine.Expect_Shown(green);  // The primary surface was found lost at the last step.
-  machine.Show(blue);
-  machine.Expect_Shown(blue);
-  Screen_Lose_Surfaces();
+  test.Show(green);
+  Rig_Lose_Surfaces();
+  test.Show(blue);
+  test.Expect_Shown(green);  // The primary surface was found lost at the last step.
+  test.Show(blue);
+  test.Expect_Shown(blue);
+  Rig_Lose_Surfaces();
   IDirectDrawSurface_Restore(display->primarySurface);
-  machine.Show(green);
-  machine.Expect_Shown(green);  // The off-screen surface alone costs no frame.
-  for (const ScreenStep step : {RestorePrimary, RestoreOffscreen, LockOffscreen}) {
-    Screen_Fail(step, 0, 1, DDERR_UNSUPPORTED);
+  test.Show(green);
+  test.Expect_Shown(green);  // The off-screen surface alone costs no frame.
+  for (const RigStep step : {RestorePrimary, RestoreOffscreen, LockOffscreen}) {
+    Rig_Fail(step, 0, 1, DDERR_UNSUPPORTED);
     EXPECT_EQ(Display_Restore(display), 0) << static_cast<int32_t>(step);
   }
   EXPECT_EQ(Display_Restore(display), 1);
   EXPECT_EQ(Display_Copy_Raster(nullptr, blue.get()), E_FAIL);
   EXPECT_EQ(Display_Copy_Raster(display->offscreenSurface, nullptr), E_FAIL);
-  Screen_Fail(LockOffscreen, 0, 1, DDERR_UNSUPPORTED);
+  Rig_Fail(LockOffscreen, 0, 1, DDERR_UNSUPPORTED);
   EXPECT_EQ(Display_Copy_Raster(display->offscreenSurface, blue.get()), DDERR_UNSUPPORTED);
 }
 
 TEST(Present, CallbackMayTakeItselfOut) {
-  Machine machine(32, 64, 64);
-  JdecDisplay* const shown = machine.Open(64, 64);
+  TestDisplay test(32, 64, 64);
+  JdecDisplay* const shown = test.Open(64, 64);
   shown->drawCallbackUser = reinterpret_cast<uintptr_t>(shown);
   shown->drawCallback = [](HWND window, uintptr_t user) {  // Takes itself out; the lock must be free by then.
     auto* const display = reinterpret_cast<JdecDisplay*>(user);
@@ -186,7 +186,7 @@ TEST(Present, CallbackMayTakeItselfOut) {
     display->drawCallback = nullptr;
     ++display->fpsCount;
   };
-  for (int32_t i = 0; i < 2; ++i) machine.Show(Plain_Raster(64, 64, Green));
+  for (int32_t i = 0; i < 2; ++i) test.Show(Plain_Raster(64, 64, Green));
   EXPECT_EQ(shown->fpsCount, 0) << "counted up once, from -1";
 }
 
@@ -198,18 +198,18 @@ TEST(Present, PicturesOfAnySizeKeepToTheirSurface) {
   for (const auto& [width, height, posHeight, surfaceHeight] : cases) {
     for (const Overlay overlay : {NoOverlay, MotionLayer, PtzBitmap, PositionBitmap}) {
       SCOPED_TRACE(testing::Message() << width << " x " << height << " overlay " << overlay);
-      Machine machine(Screen_With(32), 640, 960);
-      JdecDisplay* const display = machine.Open(width, height);
+      TestDisplay test(Screen_With(32), 640, 960);
+      JdecDisplay* const display = test.Open(width, height);
       int32_t surfaceWidth = 0, rows = 0, pitch = 0;
-      Screen_Surface_Pixels(display->offscreenSurface, &surfaceWidth, &rows, &pitch);
+      Rig_Surface_Pixels(display->offscreenSurface, &surfaceWidth, &rows, &pitch);
       EXPECT_EQ((std::vector{surfaceWidth, rows, display->posWidth, display->posHeight, display->keyRow}),
                 (std::vector{width, surfaceHeight, width, posHeight, posHeight + 120}));
       Switch_On(display, overlay);
-      machine.Show(Plain_Raster(width, height, Green), overlay == MotionLayer ? 1 : 0);
-      EXPECT_EQ(machine.frames, 1);
+      test.Show(Plain_Raster(width, height, Green), overlay == MotionLayer ? 1 : 0);
+      EXPECT_EQ(test.frames, 1);
       const int32_t shown = height == 960 ? 858 : 960;  // Of 960 rows the surface has 858.
-      EXPECT_EQ(machine.Color(639, shown - 1), Green);
-      EXPECT_TRUE(shown == 960 || machine.Color(639, shown) == Black);
+      EXPECT_EQ(test.Color(639, shown - 1), Green);
+      EXPECT_TRUE(shown == 960 || test.Color(639, shown) == Black);
     }
   }
 }

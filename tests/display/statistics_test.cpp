@@ -1,22 +1,22 @@
 #include "display/statistics.h"
 
-#include "display/machine.h"
+#include "display/test_display.h"
 
 namespace {
 
-std::vector<uint32_t> Colors(const Machine& machine, const RECT& rect) {
+std::vector<uint32_t> Colors(const TestDisplay& test, const RECT& rect) {
   std::vector<uint32_t> colors;
   for (LONG y = rect.top; y < rect.bottom; ++y) {
-    for (LONG x = rect.left; x < rect.right; ++x) colors.push_back(machine.Color(x, y));
+    for (LONG x = rect.left; x < rect.right; ++x) colors.push_back(test.Color(x, y));
   }
   return colors;
 }
 
 /** The window shows that text in white on black at the place, over the whole height of a line. Draws it there for that. */
-void Expect_Text(const Machine& machine, int32_t x, int32_t y, const std::string& text) {
+void Expect_Text(const TestDisplay& test, int32_t x, int32_t y, const std::string& text) {
   const RECT line = {x, y, 320, y + 16};
-  const std::vector<uint32_t> shown = Colors(machine, line);
-  const HDC dc = GetDC(machine.handle);
+  const std::vector<uint32_t> shown = Colors(test, line);
+  const HDC dc = GetDC(test.handle);
   const HFONT font = CreateFontA(16, 8, 0, 0, FW_NORMAL, FALSE, FALSE, FALSE, DEFAULT_CHARSET, OUT_DEFAULT_PRECIS,
                                  CLIP_DEFAULT_PRECIS, PROOF_QUALITY, FIXED_PITCH | FF_MODERN, "Courier New");
   const HGDIOBJ old = SelectObject(dc, font);
@@ -27,24 +27,24 @@ void Expect_Text(const Machine& machine, int32_t x, int32_t y, const std::string
   TextOutA(dc, x, y, text.c_str(), static_cast<int>(text.size()));
   SelectObject(dc, old);
   DeleteObject(font);
-  ReleaseDC(machine.handle, dc);
-  EXPECT_EQ(shown, Colors(machine, line)) << text;
+  ReleaseDC(test.handle, dc);
+  EXPECT_EQ(shown, Colors(test, line)) << text;
 }
 
 TEST(Statistics, FrameRateByForm) {
   for (const bool gdi : {false, true}) {
     SCOPED_TRACE(gdi ? "GDI" : "DirectDraw");
-    Machine machine(Screen_With(32, gdi), 320, 240);
-    Screen_Set_Tick(1000);
-    JdecDisplay* const display = machine.Open(320, 240);
+    TestDisplay test(Screen_With(32, gdi), 320, 240);
+    Rig_Set_Tick(1000);
+    JdecDisplay* const display = test.Open(320, 240);
     const RasterPtr black = Plain_Raster(320, 240, Black);
-    machine.Show(black);
+    test.Show(black);
     EXPECT_EQ(display->fpsCount, -1) << "off at first";
     Display_Show_Statistics(display, 1);
     const auto show = [&](uint32_t tick, const char* text) {
-      Screen_Set_Tick(tick);
-      machine.Show(black);
-      Expect_Text(machine, 270, 0, text);
+      Rig_Set_Tick(tick);
+      test.Show(black);
+      Expect_Text(test, 270, 0, text);
     };
     show(1000, "0.00");  // No time, no frame.
     show(1100, "10.00");
@@ -57,26 +57,26 @@ TEST(Statistics, FrameRateByForm) {
     for (uint32_t i = 1; i <= 100; ++i) show(1121 + 100 * i, "10.00");
     show(1121 + 10100, gdi ? "30.00" : "10.00");  // The hundred and first ends the period.
     EXPECT_EQ(display->fpsCount, 0);
-    Screen_Disable(machine.handle, true);
-    machine.Show(black);
+    EnableWindow(test.handle, FALSE);
+    test.Show(black);
     EXPECT_EQ(display->fpsCount, 0) << "not counted in a disabled window";
-    Screen_Disable(machine.handle, false);
-    Screen_Set_Tick(20000);
-    Screen_Fail(ScreenStep::SurfaceGetDC);
-    machine.Show(black);
+    EnableWindow(test.handle, TRUE);
+    Rig_Set_Tick(20000);
+    Rig_Fail(RigStep::SurfaceGetDC);
+    test.Show(black);
     EXPECT_EQ(display->fpsCount, 1);
-    Screen_Real_Time();
+    Rig_Real_Time();
   }
 }
 
 TEST(Statistics, BitRateInTheDirectDrawFormAlone) {
   for (const bool gdi : {false, true}) {
-    Machine machine(Screen_With(32, gdi), 320, 240);
-    JdecDisplay* const display = machine.Open(320, 240);
+    TestDisplay test(Screen_With(32, gdi), 320, 240);
+    JdecDisplay* const display = test.Open(320, 240);
     Display_Show_Statistics(display, 1);
     Set_OSD_Text(display, "1234.56 Kb\n");
-    machine.Show(Plain_Raster(320, 240, Black));
-    Expect_Text(machine, 240, 220, gdi ? "" : "1234.56 Kb\n");
+    test.Show(Plain_Raster(320, 240, Black));
+    Expect_Text(test, 240, 220, gdi ? "" : "1234.56 Kb\n");
     Set_OSD_Text(display, std::string(40, 'x').c_str());
     EXPECT_EQ(std::string(display->osdText), std::string(31, 'x'));
   }

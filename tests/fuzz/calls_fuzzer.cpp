@@ -1,6 +1,6 @@
 // Sequences of calls over all three families of exports, on two decoders or none, while memory fails: whatever the order, nothing
 // breaks and nothing is left behind.
-#include "fuzz/machine.h"
+#include "fuzz/run.h"
 
 namespace {
 

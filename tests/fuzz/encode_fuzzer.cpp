@@ -2,7 +2,7 @@
 // frame of the picture decodes to the same one.
 #include "decode/decoder.h"
 #include "decode/huffman_decode.h"
-#include "fuzz/machine.h"
+#include "fuzz/run.h"
 #include "pixel/compress.h"
 
 struct Still {

@@ -1,6 +1,6 @@
 // What is handed out of a decoder, on a screen of any depth or none: raster, palette, BMP and JPEG files, into buffers of any
 // size.
-#include "fuzz/machine.h"
+#include "fuzz/run.h"
 
 static Bytes Export(uint32_t mask, Input input) {
   const uint8_t flags = input.Byte();

@@ -1,7 +1,7 @@
 // One frame of each form around the same body: the levels agree on its picture and its hidden text, bit for bit, and so do the
 // forms that carry the quality as it is.
 #include "decode/framing.h"
-#include "fuzz/machine.h"
+#include "fuzz/run.h"
 
 /** What stays the same for all kernels and forms. */
 struct Around {

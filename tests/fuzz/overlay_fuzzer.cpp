@@ -2,7 +2,7 @@
 // shows, and nothing is written around a surface.
 #include "decode/decoder.h"
 #include "display/context.h"
-#include "fuzz/machine.h"
+#include "fuzz/run.h"
 
 static HBITMAP Next_Bitmap(Input* input) {
   if (input->Byte() % 8 == 0) return nullptr;
@@ -13,9 +13,9 @@ static HBITMAP Next_Bitmap(Input* input) {
 }
 
 static void Set_Bitmap(JdecDecoder* decoder, HBITMAP bitmap, bool position) {
-  const int32_t objects = Screen_Objects_Alive();
+  const int32_t objects = Rig_Objects_Alive();
   position ? (void)JDEC_set_pos_bmp(decoder, bitmap) : JDEC_set_ptz_bmp(decoder, bitmap);
-  if (bitmap && Screen_Objects_Alive() == objects) DeleteObject(bitmap);  // Not stored: still the caller's.
+  if (bitmap && Rig_Objects_Alive() == objects) DeleteObject(bitmap);  // Not stored: still the caller's.
 }
 
 static void Call(JdecDecoder* decoder, Input* input, HWND window) {
@@ -49,9 +49,9 @@ static void Call(JdecDecoder* decoder, Input* input, HWND window) {
     case 10:
       return (void)JDEC_SetMotionSeachString(decoder, std::string(input->Word() % 300u, (char)a).c_str());
     case 11:
-      return Screen_Lose_Surfaces();
+      return Rig_Lose_Surfaces();
     case 12:
-      return Screen_Fail((ScreenStep)((int)ScreenStep::CreateOffscreen + which / 16), a & 3, 1);
+      return Rig_Fail((RigStep)((int)RigStep::CreateOffscreen + which / 16), a & 3, 1);
     case 13:
       return JDEC_reload_palette(decoder);
     case 14:
@@ -72,11 +72,11 @@ static Bytes Show(uint32_t mask, Input input) {
   JDEC_Draw_Init(decoder, window.handle);
   Push(decoder, Make_Frame(FrameForm::Compact, width, height, 50, input.Some(40)));
   for (int calls = 0; input.left && calls < 40; ++calls) Call(decoder, &input, window.handle);
-  Screen_Fail_Nothing();
+  Rig_Fail_Nothing();
   const int32_t rect[] = {0, 0, 320, 240};
   JDEC_Access_SrcRect(decoder, rect);
   const JdecDisplay* const display = decoder->display;
-  if (display && display->offscreenSurface) REQUIRE(Screen_Surface_Guards_Whole(display->offscreenSurface));
+  if (display && display->offscreenSurface) REQUIRE(Rig_Guards_Whole(display->offscreenSurface));
   Bytes pixels = window.Pixels();
   JDEC_Free(decoder);
   return pixels;

@@ -1,5 +1,5 @@
 // A browser that calls the plug-in in any order, with any settings in the registry, messages to its window, and steps that fail.
-#include "fuzz/machine.h"
+#include "fuzz/run.h"
 #include "platform/module.h"
 #include "plugin/attach.h"
 #include "plugin/entry.h"
@@ -31,11 +31,11 @@ void Draw_Registry(Input* input) {
   constexpr const char* names[] = {"Decoder_Speed",           "Mouse_LButton",
                                    "Mouse_RButton",           "MaxConnectionsPer1_0Server",
                                    "MaxConnectionsPerServer", "MimeExclusionListForCache"};
-  Screen_Forget_Registry();
+  Rig_Forget_Registry();
   for (int count = input->Byte() % 8; count > 0; --count) {
     const uint8_t which = input->Byte(), length = input->Byte();
     const Bytes data = length < 200 ? input->Some(length % 40) : Bytes(1900 + (size_t)length, 'x');
-    Screen_Set_Registry(which % 6 < 3 ? MakerKeyPath : InternetKey, names[which % 6], which & 8 ? REG_SZ : REG_DWORD, data);
+    Rig_Set_Registry(which % 6 < 3 ? MakerKeyPath : InternetKey, names[which % 6], which & 8 ? REG_SZ : REG_DWORD, data);
   }
 }
 
@@ -98,7 +98,7 @@ void Call(Browser* browser) {
     case 10:
       return Let_Memory_Fail(input.Byte());
     default:
-      return Screen_Fail((ScreenStep)(detail % ((int)ScreenStep::SetRegistryValue + 1)), which / 12, 2);
+      return Rig_Fail((RigStep)(detail % ((int)RigStep::SetRegistryValue + 1)), which / 12, 2);
   }
 }
 
@@ -115,7 +115,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   Browser browser = {.input = input, .windows = {window.handle, window.Another()}};
   Start(&browser);
   for (int calls = 0; browser.input.left && calls < 60; ++calls) Call(&browser);
-  Screen_Fail_Nothing();
+  Rig_Fail_Nothing();
   for (NPInstance& instance : browser.instances) browser.plugin.destroy(&instance, nullptr);
   NP_Shutdown();
   Library_Detach();

@@ -1,5 +1,5 @@
 // Any bytes through the polling path, in chunks and into buffers of any size. What it hands out are the frames of the stream.
-#include "fuzz/machine.h"
+#include "fuzz/run.h"
 
 /** Takes the stream apart; gives all frames and the last picture, one behind the other. */
 static Bytes Decode(uint32_t mask, Input input) {

@@ -1,5 +1,5 @@
 // Any bytes through the pushing path, in chunks of any size.
-#include "fuzz/machine.h"
+#include "fuzz/run.h"
 
 /** Decodes the stream and gives the last picture. */
 static Bytes Decode(uint32_t mask, Input input) {

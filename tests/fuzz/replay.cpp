@@ -1,5 +1,5 @@
 // A fuzzer as a plain program, with any compiler: runs the inputs in the files and folders that it is given.
-#include "fuzz/machine.h"
+#include "fuzz/run.h"
 
 #include <filesystem>
 #include <fstream>

@@ -7,7 +7,7 @@
 #include "apps/velarto/sources/source.h"
 #include "apps/velarto/sources/url.h"
 #include "decode/framing.h"
-#include "fuzz/machine.h"
+#include "fuzz/run.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
  */
 #include "overlay/motion_area.h"
 
-#include "display/machine.h"
+#include "display/test_display.h"
 #include "overlay/color_key.h"
 #include "overlay/motion_state.h"
 
@@ -17,7 +17,7 @@ struct LayerTest : LibraryTest {
 };
 
 /** A decoder with a display of that size, and the layer that it should have by now. */
-struct Motion : Machine {
+struct Motion : TestDisplay {
   const DecoderPtr owned;
   JdecDecoder* const decoder = owned.get();
   const int32_t width, height, across = width == 640 ? 2 : 1, down = width == 640 && height == 480 ? 2 : 1;
@@ -25,7 +25,7 @@ struct Motion : Machine {
   std::map<uint32_t, uint32_t> pixels;
 
   Motion(int32_t bits, int32_t pictureWidth, int32_t pictureHeight)
-      : Machine(Screen_With(bits), pictureWidth, pictureHeight),
+      : TestDisplay(Screen_With(bits), pictureWidth, pictureHeight),
         owned(Shown_Decoder(handle, pictureWidth, pictureHeight)),
         width(pictureWidth),
         height(pictureHeight) {
@@ -87,14 +87,14 @@ struct Motion : Machine {
     const auto layer_pixel = [&](int32_t i) {
       return reinterpret_cast<const uint8_t*>(&pixels.at(model[static_cast<size_t>(i)]));
     };
-    const uint8_t* const picture = Screen_Surface_Pixels(Surface(), &surfaceWidth, &rows, &pitch);
+    const uint8_t* const picture = Rig_Surface_Pixels(Surface(), &surfaceWidth, &rows, &pitch);
     Expect_Pixels(what, picture + height * pitch, pitch, layer_pixel);
 
     const int32_t bytes = decoder->display->displayBits / 8;
     const RasterPtr raster = Noise_Raster(width, height, 8 * bytes);
     Display_Present(decoder->display, raster.get(), 0, 0, width, height, 1);
     int32_t windowWidth = 0;
-    const uint8_t* const window = Screen_Window_Pixels(handle, &windowWidth, &rows, &pitch);
+    const uint8_t* const window = Rig_Window_Pixels(handle, &windowWidth, &rows, &pitch);
     ASSERT_EQ((std::vector{windowWidth, rows}), (std::vector{width, height}));
     Expect_Pixels(what + " in the window", window, pitch, [&](int32_t i) {
       const uint8_t* const below = raster->rows[i / width] + i % width * bytes;
@@ -185,13 +185,13 @@ TEST_F(LayerTest, AnyCallOnAnyPictureKeepsToTheSurface) {
         JDEC_set_MD_area_2(decoder, any(), any(), any(), any(), any());
         JDEC_show_rectangle(decoder, any(), any(), any(), any(), i % 5 == 0);
       }
-      EXPECT_TRUE(Screen_Surface_Guards_Whole(motion.Surface()));
+      EXPECT_TRUE(Rig_Guards_Whole(motion.Surface()));
     }
   }
   Motion motion(32, 352, 288);  // The part that fits is drawn: cells lie in their grid.
   JDEC_set_MD_area(motion.decoder, 19, 14, 1);
   int32_t width = 0, rows = 0, pitch = 0;
-  const auto* const layer = Screen_Surface_Pixels(motion.Surface(), &width, &rows, &pitch) + 288 * pitch;
+  const auto* const layer = Rig_Surface_Pixels(motion.Surface(), &width, &rows, &pitch) + 288 * pitch;
   const auto color = [&](int32_t x, int32_t y) {
     uint32_t pixel = 0;
     std::memcpy(&pixel, layer + y * pitch + 4 * x, 3);
@@ -211,30 +211,30 @@ TEST_F(LayerTest, FailuresLeaveThingsAsTheyWere) {
     JDEC_show_rectangle(on, 5, 6, 7, 8, 0);
   };
   Set_Last_Rect({0, 0, 9, 9});
-  Screen_Fail(ScreenStep::LockOffscreen);
+  Rig_Fail(RigStep::LockOffscreen);
   call_all(decoder);
   EXPECT_EQ(Last_Rect().width, 9);
-  Screen_Fail_Nothing();
-  Screen_Fail(ScreenStep::LockWithoutPixels);
+  Rig_Fail_Nothing();
+  Rig_Fail(RigStep::LockWithoutPixels);
   call_all(decoder);
   EXPECT_EQ(Last_Rect().width, 7);
   EXPECT_EQ(decoder->display->motionCells[3 * 20 + 3], 0);
-  Screen_Fail_Nothing();
+  Rig_Fail_Nothing();
   motion.Expect_Model("untouched");
   JDEC_enable_MD(nullptr, 1);
   call_all(nullptr);
 
-  Screen_Take_Debug_Output();
+  Rig_Take_Debug_Output();
   IDirectDrawSurface* const surface = motion.Surface();
   const auto load = [&] { return Load_Template_Bitmap(surface, 320, 240, 32, decoder->display->keyRow); };
   EXPECT_EQ(Load_Template_Bitmap(nullptr, 320, 240, 32, 0), E_FAIL);
-  Screen_Fail(ScreenStep::LoadBitmap, 0, 1);
+  Rig_Fail(RigStep::LoadBitmap, 0, 1);
   EXPECT_EQ(load(), E_FAIL);
-  Screen_Fail(ScreenStep::SurfaceGetDC, 0, 1, DDERR_UNSUPPORTED);
+  Rig_Fail(RigStep::SurfaceGetDC, 0, 1, DDERR_UNSUPPORTED);
   EXPECT_EQ(load(), DDERR_UNSUPPORTED);
-  Screen_Fail(ScreenStep::CreateCompatibleDC, 0, 1);
+  Rig_Fail(RigStep::CreateCompatibleDC, 0, 1);
   EXPECT_EQ(load(), DD_OK);
-  EXPECT_EQ(Screen_Take_Debug_Output(),
+  EXPECT_EQ(Rig_Take_Debug_Output(),
             (std::vector<std::string>{"bitmap handle is null\n", "ddcopybitmap failed\n", "createcompatible dc failed\n"}));
 }
 

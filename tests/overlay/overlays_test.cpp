@@ -1,5 +1,5 @@
-#include "display/machine.h"
 #include "display/statistics.h"
+#include "display/test_display.h"
 #include "overlay/color_key.h"
 #include "overlay/motion_state.h"
 
@@ -16,15 +16,15 @@ void Fill(IDirectDrawSurface* surface, const RECT& rect, uint32_t color) {
 
 /** A display of 320 by 240 at 1:1, on 32 bits, and a green picture. */
 struct Overlays : testing::Test {
-  Machine machine{32, 320, 240};
-  JdecDisplay* const display = machine.Open(320, 240);
+  TestDisplay test{32, 320, 240};
+  JdecDisplay* const display = test.Open(320, 240);
   const RasterPtr green = Plain_Raster(320, 240, Green);
 
   void Paint(const RECT& rect, uint32_t color) { Fill(display->offscreenSurface, rect, color); }
   int32_t Count(uint32_t color, const RECT& part = {0, 0, 320, 240}) const {
     int32_t count = 0;
     for (LONG y = part.top; y < part.bottom; ++y) {
-      for (LONG x = part.left; x < part.right; ++x) count += machine.Color(x, y) == color;
+      for (LONG x = part.left; x < part.right; ++x) count += test.Color(x, y) == color;
     }
     return count;
   }
@@ -49,7 +49,7 @@ TEST_F(Overlays, OneLayerAtATimeCoversWhereItIsNotBlack) {
     SCOPED_TRACE(testing::Message() << mdMode << ptz << pos);
     display->ptzEnabled = ptz;
     display->posEnabled = pos;
-    machine.Show(green, mdMode);
+    test.Show(green, mdMode);
     const int32_t area = (rect.right - rect.left) * (rect.bottom - rect.top), covered = area ? area - 100 : 0;
     EXPECT_EQ(Count(color, rect), covered);
     EXPECT_EQ(Count(Green), 320 * 240 - covered) << "also where the key's colour was converted";
@@ -58,12 +58,12 @@ TEST_F(Overlays, OneLayerAtATimeCoversWhereItIsNotBlack) {
 }
 
 TEST(PositionBitmap, HigherThanThePictureIsCutAtTheTop) {
-  Machine machine(32, 640, 200);
-  machine.Open(640, 200)->posEnabled = 1;
-  Fill(machine.display->offscreenSurface, {0, 618 + 40, 640, 618 + 41}, Red);  // The strip's 240 rows end with the picture's.
-  machine.Show(Plain_Raster(640, 200, Green));
-  EXPECT_EQ(machine.Color(639, 0), Red);
-  EXPECT_EQ(machine.Color(639, 1), Green);
+  TestDisplay test(32, 640, 200);
+  test.Open(640, 200)->posEnabled = 1;
+  Fill(test.display->offscreenSurface, {0, 618 + 40, 640, 618 + 41}, Red);  // The strip's 240 rows end with the picture's.
+  test.Show(Plain_Raster(640, 200, Green));
+  EXPECT_EQ(test.Color(639, 0), Red);
+  EXPECT_EQ(test.Color(639, 1), Green);
 }
 
 TEST_F(Overlays, MotionSearchDrawsCaptionAndOutline) {
@@ -72,7 +72,7 @@ TEST_F(Overlays, MotionSearchDrawsCaptionAndOutline) {
   std::strcpy(display->motionString, "MOVE");
   const auto reds = [&](int32_t enabled, int32_t mdMode) {
     display->motionSearchEnabled = enabled;
-    machine.Show(green, mdMode);
+    test.Show(green, mdMode);
     return Count(Red);
   };
   EXPECT_EQ(reds(0, 0), 0);
@@ -87,7 +87,7 @@ TEST_F(Overlays, MotionSearchDrawsCaptionAndOutline) {
   EXPECT_EQ(reds(1, 1), 0) << "the layer lies above";
   std::memset(display->motionString, 'X', sizeof display->motionString - 1);
   EXPECT_EQ(reds(1, 0), outline) << "a caption too wide lands outside";
-  Screen_Fail(ScreenStep::SurfaceGetDC);
+  Rig_Fail(RigStep::SurfaceGetDC);
   EXPECT_EQ(reds(1, 0), 0);
   EXPECT_EQ(Count(Green), 320 * 240) << "the frame itself goes on";
 }
@@ -98,20 +98,20 @@ TEST(ColorKey, ColoursAreSampledInEachDepth) {
   for (const auto& [bits, red, white, green] : cases) {
     for (const int32_t width : {320, 640}) {
       SCOPED_TRACE(testing::Message() << bits << " bits, width " << width);
-      Machine machine(static_cast<int32_t>(bits), 320, 240);
-      IDirectDrawSurface* const surface = machine.Open(width, 240)->offscreenSurface;
+      TestDisplay test(static_cast<int32_t>(bits), 320, 240);
+      IDirectDrawSurface* const surface = test.Open(width, 240)->offscreenSurface;
       Fill(surface, {0, 497, 1, 498}, Red);
       Fill(surface, {width == 640 ? 2 : 1, 497, 3, 498}, Green);
       Fill(surface, {0, 0, 2, 1}, White);
       mdColor = 5;
-      const auto sample = [&](COLORREF color) { return Sample_Colors(surface, color, machine.display->keyRow); };
+      const auto sample = [&](COLORREF color) { return Sample_Colors(surface, color, test.display->keyRow); };
       EXPECT_EQ(sample(RGB(255, 0, 0)), red);
       EXPECT_EQ(sample(CLR_INVALID), white) << "put back";
       EXPECT_EQ((std::vector<uint32_t>{mdColorFirst, mdColorSecond, mdColor}), (std::vector{red, green, red}));
-      Screen_Fail(ScreenStep::LockOffscreen, 0, 4, DDERR_WASSTILLDRAWING);
+      Rig_Fail(RigStep::LockOffscreen, 0, 4, DDERR_WASSTILLDRAWING);
       EXPECT_EQ(sample(RGB(255, 0, 0)), red) << "busy";
-      for (const ScreenStep step : {ScreenStep::LockOffscreen, ScreenStep::LockWithoutPixels, ScreenStep::SurfaceGetDC}) {
-        Screen_Fail(step, 0, 1);
+      for (const RigStep step : {RigStep::LockOffscreen, RigStep::LockWithoutPixels, RigStep::SurfaceGetDC}) {
+        Rig_Fail(step, 0, 1);
         EXPECT_EQ(sample(RGB(255, 0, 0)), 0xFFFFFFFF) << static_cast<int32_t>(step);
       }
     }
@@ -129,20 +129,20 @@ HBITMAP Make_Bitmap(int32_t width, int32_t height, uint32_t color) {
 }
 
 struct Bitmaps : LibraryTest {
-  Machine machine{Screen_With(32), 320, 240};
+  TestDisplay test{Screen_With(32), 320, 240};
   JdecDecoder* const decoder = JDEC_New(320, 240);
   const RasterPtr green = Plain_Raster(320, 240, Green);
 
   ~Bitmaps() override { JDEC_Free(decoder); }
   uint32_t Shown(int32_t x, int32_t y) {
     Display_Present(decoder->display, green.get(), 0, 0, 320, 240, 0);
-    return machine.Color(x, y);
+    return test.Color(x, y);
   }
 };
 
 TEST_F(Bitmaps, AreStoredInTheirStripsAndDeleted) {
-  ASSERT_EQ(JDEC_Draw_Init(decoder, machine.handle), 1);
-  const int32_t alive = Screen_Objects_Alive();
+  ASSERT_EQ(JDEC_Draw_Init(decoder, test.handle), 1);
+  const int32_t alive = Rig_Objects_Alive();
   JDEC_set_ptz_bmp(decoder, Make_Bitmap(100, 50, Red));
   EXPECT_EQ((std::vector{Shown(319, 170), Shown(318, 170), Shown(220, 219), Shown(219, 219), Shown(319, 220)}),
             (std::vector{Green, Red, White, Green, Green}));
@@ -158,10 +158,10 @@ TEST_F(Bitmaps, AreStoredInTheirStripsAndDeleted) {
   EXPECT_EQ(Shown(319, 239), Green);
   JDEC_set_ptz_bmp(decoder, Make_Bitmap(400, 300, Blue));  // Cut to the strip.
   EXPECT_EQ((std::vector{Shown(0, 100), Shown(319, 219), Shown(0, 99)}), (std::vector{Blue, Blue, Green}));
-  EXPECT_EQ(Screen_Objects_Alive(), alive) << "all of them deleted";
+  EXPECT_EQ(Rig_Objects_Alive(), alive) << "all of them deleted";
 
   const HBITMAP kept = Make_Bitmap(5, 5, Red);
-  Screen_Fail(ScreenStep::SurfaceGetDC);
+  Rig_Fail(RigStep::SurfaceGetDC);
   EXPECT_EQ(JDEC_set_pos_bmp(decoder, kept), 0);
   JDEC_set_ptz_bmp(decoder, kept);
   EXPECT_EQ(decoder->display->ptzEnabled + decoder->display->posEnabled, 0);
@@ -169,7 +169,7 @@ TEST_F(Bitmaps, AreStoredInTheirStripsAndDeleted) {
 }
 
 TEST_F(Bitmaps, NothingOfAnOverlayReachesTheExportedPicture) {
-  ASSERT_EQ(JDEC_Draw_Init(decoder, machine.handle), 1);
+  ASSERT_EQ(JDEC_Draw_Init(decoder, test.handle), 1);
   const TestFrame frame = Load_Frame("scene-q50.jpg", 50);
   Push(decoder, frame.compact);
   const Bytes plain = Current_Picture(decoder);
@@ -202,7 +202,7 @@ TEST_F(Bitmaps, CallsWithoutASurfaceOrDisplayDoNothing) {
         on, [](HWND, uintptr_t) {}, 1);
   }
   Screen_Set_Up(Screen_With(32, true));
-  ASSERT_EQ(JDEC_Draw_Init(decoder, machine.handle), 1);
+  ASSERT_EQ(JDEC_Draw_Init(decoder, test.handle), 1);
   ASSERT_EQ(decoder->display->useDirectDraw, 0);
   EXPECT_EQ(JDEC_set_pos_bmp(decoder, kept), 0);
   JDEC_set_ptz_bmp(decoder, kept);
@@ -214,7 +214,7 @@ TEST_F(Bitmaps, CallsWithoutASurfaceOrDisplayDoNothing) {
 }
 
 TEST_F(Bitmaps, MotionSearchAndCallbackAreSetByTheirCalls) {
-  ASSERT_EQ(JDEC_Draw_Init(decoder, machine.handle), 1);
+  ASSERT_EQ(JDEC_Draw_Init(decoder, test.handle), 1);
   static int32_t calls;
   calls = 0;
   JDEC_register_draw_callback(

@@ -1,4 +1,4 @@
-#include "platform/home.h"
+#include "platform/platform_test.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
-#include "platform/home.h"
+#include "platform/platform_test.h"
 
 namespace {
 
-/** A header with the room for the colours behind it. */
+/** A header and its colours. */
 struct Bitmap {
   BITMAPINFOHEADER header;
   uint32_t colors[256];
@@ -33,7 +33,7 @@ class GdiTest : public PlatformTest {
 };
 
 TEST_F(GdiTest, CopiesAtTheSameSizeAreExactAndBottomUp) {
-  // Three pixels a row: 9 bytes and 3 that only fill up.
+  // Three pixels a row: 9 bytes and 3 of padding.
   const uint8_t rows[] = {1, 2, 3, 4, 5, 6, 7, 8, 9, 0, 0, 0, 11, 12, 13, 14, 15, 16, 17, 18, 19, 0, 0, 0};
   for (const int mode : {COLORONCOLOR, HALFTONE}) {
     ASSERT_NE(Stretch(Make_Bitmap(3, 2, 24), rows, {5, 6, 8, 8}, {0, 0, 3, 2}, mode), 0);

@@ -1,5 +1,5 @@
-/* The stretching copy against its rule, stated a pixel at a time. */
-#include "platform/portable/pixels.h"
+/* The stretching copy against its rule, one pixel at a time. */
+#include "platform/portable/paint/pixels.h"
 
 #include <gtest/gtest.h>
 
@@ -33,7 +33,7 @@ uint32_t Mix(uint32_t a, uint32_t b, int64_t weight) {
   return mixed;
 }
 
-/** Where a place of one axis comes from: in 1/256 of a source place when smooth, else a whole one. */
+/** The source of a column or row: in 1/256 of a source pixel when smooth, else a whole one. */
 int64_t Origin(int64_t place, int64_t target, int64_t source, bool smooth) {
   if (!smooth) return (2 * place + 1) * source / (2 * target) * 256;
   return std::clamp<int64_t>(((2 * place + 1) * source * 32768 / target - 32768) >> 8, 0, (source - 1) * 256);

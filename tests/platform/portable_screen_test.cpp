@@ -1,5 +1,5 @@
-/* What only the portable screen can show: other depths, guards, a desktop. Failures are proved where they are answered. */
-#include "platform/home.h"
+/* What only the portable layer has: other depths, guards, a desktop. Failing steps are tested where they are handled. */
+#include "platform/platform_test.h"
 
 #include <atomic>
 #include <thread>
@@ -24,10 +24,10 @@ TEST_F(PortableScreenTest, CopiesOverItselfDoNotRepeat) {
     ASSERT_EQ(IDirectDrawSurface_Blt(surface, &to, surface, &from, 0, nullptr), DD_OK);
     for (const auto& [x, y, color] : spots)
       EXPECT_EQ(On_Surface(surface, [&, x = x, y = y](HDC dc) { return GetPixel(dc, x, y + 2); }), color) << bits;
-    EXPECT_TRUE(Screen_Surface_Guards_Whole(surface));
+    EXPECT_TRUE(Rig_Guards_Whole(surface));
     int32_t width = 0, height = 0, pitch = 0;
-    const_cast<uint8_t*>(Screen_Surface_Pixels(surface, &width, &height, &pitch))[3 * bits / 8] = 0;
-    EXPECT_FALSE(Screen_Surface_Guards_Whole(surface)) << "a byte behind the row";
+    const_cast<uint8_t*>(Rig_Surface_Pixels(surface, &width, &height, &pitch))[3 * bits / 8] = 0;
+    EXPECT_FALSE(Rig_Guards_Whole(surface)) << "a byte after the row";
     IDirectDrawSurface_Release(surface);
   }
 }
@@ -36,7 +36,7 @@ TEST_F(PortableScreenTest, WindowsFollowTheScreen) {
   Screen_Set_Up(Screen_Of_Depth(15));
   HWND window = Make_Window(10, 10, 3, 2);
   int32_t width = 0, height = 0, pitch = 0;
-  const uint8_t* pixels = Screen_Window_Pixels(window, &width, &height, &pitch);
+  const uint8_t* pixels = Rig_Window_Pixels(window, &width, &height, &pitch);
   EXPECT_EQ(pitch, 8);
   EXPECT_EQ(pixels[0] | pixels[1] << 8, 0x7FFF);
   Screen_Resize_Client(window, 7, 5);
@@ -44,11 +44,11 @@ TEST_F(PortableScreenTest, WindowsFollowTheScreen) {
   ASSERT_TRUE(PeekMessageA(&message, window, WM_SIZE, WM_SIZE, PM_REMOVE));
   EXPECT_EQ(message.lParam, MAKELPARAM(7, 5));
   EXPECT_TRUE(PeekMessageA(&message, window, WM_PAINT, WM_PAINT, PM_NOREMOVE));
-  EXPECT_EQ(Screen_Window_Color(window, 6, 4), 0u);
-  EXPECT_EQ(Screen_Window_Color(window, 7, 4), 0xFFFFFFFFu);
+  EXPECT_EQ(Rig_Window_Color(window, 6, 4), 0u);
+  EXPECT_EQ(Rig_Window_Color(window, 7, 4), 0xFFFFFFFFu);
 
   Screen_Remove();
-  EXPECT_EQ(Screen_Window_Pixels(window, &width, &height, &pitch), nullptr);
+  EXPECT_EQ(Rig_Window_Pixels(window, &width, &height, &pitch), nullptr);
   EXPECT_EQ(GetDeviceCaps(nullptr, BITSPIXEL), 24);
 }
 

@@ -1,4 +1,4 @@
-#include "platform/home.h"
+#include "platform/platform_test.h"
 
 #include <string>
 #include <thread>
@@ -7,7 +7,7 @@ namespace {
 
 using SystemTest = PlatformTest;
 
-TEST_F(SystemTest, AMutexLetsItsOwnerInAgainAndNobodyElse) {
+TEST_F(SystemTest, AMutexIsRecursiveAndExcludesOtherThreads) {
   HANDLE mutex = CreateMutexA(nullptr, FALSE, nullptr);
   EXPECT_EQ(WaitForSingleObject(mutex, INFINITE), WAIT_OBJECT_0);
   EXPECT_EQ(WaitForSingleObject(mutex, INFINITE), WAIT_OBJECT_0);
@@ -24,7 +24,7 @@ TEST_F(SystemTest, AMutexLetsItsOwnerInAgainAndNobodyElse) {
 TEST_F(SystemTest, FilesAndModules) {
   const std::string path = testing::TempDir() + "velarto-platform-test.bin";
   DWORD count = 0;
-  for (const std::string& text : {std::string("longer before"), std::string("abcdefg")}) {  // The second time it starts anew.
+  for (const std::string& text : {std::string("longer before"), std::string("abcdefg")}) {  // The second one replaces the first.
     HANDLE file = CreateFileA(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
     ASSERT_NE(file, INVALID_HANDLE_VALUE);
     EXPECT_TRUE(WriteFile(file, text.data(), 3, &count, nullptr));

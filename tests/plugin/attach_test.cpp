@@ -8,17 +8,17 @@ using Value = std::optional<Bytes>;
 const Value none, low = Bytes{255, 0, 0, 0}, raised = Bytes{0, 1, 0, 0}, one = Bytes{1, 0, 0, 0}, wide = Bytes(3000, 'x');
 
 static void Set(const char* key, const char* name, const Value& value) {
-  if (value) Screen_Set_Registry(key, name, REG_SZ, *value);
+  if (value) Rig_Set_Registry(key, name, REG_SZ, *value);
 }
 static Value Text(const std::string& text) { return Bytes(text.c_str(), text.c_str() + text.size() + 1); }
 
 /** What a value becomes. The second time all is well. */
 static Value Updated(const char* name, const Value& before) {
-  Screen_Forget_Registry();
+  Rig_Forget_Registry();
   Set(InternetKey, OtherLimit, one);
   Set(InternetKey, name, before);
   EXPECT_EQ(Update_Internet_Settings() + Update_Internet_Settings(), 2);
-  return Screen_Registry(InternetKey, name);
+  return Rig_Registry(InternetKey, name);
 }
 
 TEST(Attach, TheBrowserIsBroughtToWhatLiveVideoNeeds) {
@@ -26,18 +26,18 @@ TEST(Attach, TheBrowserIsBroughtToWhatLiveVideoNeeds) {
   for (const auto& [before, after] :
        {std::pair{none, raised}, {low, raised}, {raised, raised}, {more, more}, {most, most}, {wide, raised}}) {
     EXPECT_EQ(Updated(Limit, before), after);
-    EXPECT_EQ(Screen_Registry(InternetKey, OtherLimit), before == after ? one : raised);
+    EXPECT_EQ(Rig_Registry(InternetKey, OtherLimit), before == after ? one : raised);
   }
   const std::string added = std::string(" ") + MIME_TYPE_TEXT, held = "a" + added + "2 b", longest(2026, 'x');
   for (const Value& same : {none, Value(Bytes()), Text(held), wide, Text(longest + 'x')}) EXPECT_EQ(Updated(List, same), same);
   for (const char* text : {"", "a/b", longest.c_str()}) EXPECT_EQ(Updated(List, Text(text)), Text(text + added));
   EXPECT_EQ(Updated(List, Bytes{'a', 'b'}), Text("ab" + added));
-  Screen_Forget_Registry();
-  Screen_Fail(ScreenStep::CreateRegistryKey, 0, 1);
+  Rig_Forget_Registry();
+  Rig_Fail(RigStep::CreateRegistryKey, 0, 1);
   EXPECT_EQ(Update_Internet_Settings(), 0);
-  Screen_Fail(ScreenStep::SetRegistryValue, 0, 1);
+  Rig_Fail(RigStep::SetRegistryValue, 0, 1);
   EXPECT_EQ(Update_Internet_Settings(), 1);
-  EXPECT_EQ(std::pair(Screen_Registry(InternetKey, Limit), Screen_Registry(InternetKey, OtherLimit)), std::pair(none, raised));
+  EXPECT_EQ(std::pair(Rig_Registry(InternetKey, Limit), Rig_Registry(InternetKey, OtherLimit)), std::pair(none, raised));
 }
 
 TEST(Attach, MouseAndSpeedAreReadThroughOneSize) {
@@ -49,7 +49,7 @@ TEST(Attach, MouseAndSpeedAreReadThroughOneSize) {
       {{Bytes{7}, one, one}, {7, 0, 1, 1}},  // Refused, but then there is room for four again.
       {{Bytes(9, 1), Bytes(8, 1), Bytes{2}}, {-2, 0, 0, 1}}};
   for (const auto& [values, expected] : cases) {
-    Screen_Forget_Registry();
+    Rig_Forget_Registry();
     const char* const names[] = {"Decoder_Speed", "Mouse_LButton", "Mouse_RButton"};
     for (size_t i = 0; i < 3; ++i) Set(MakerKeyPath, names[i], values[i]);
     const MakerSettings read = Read_Maker_Settings();
@@ -59,16 +59,16 @@ TEST(Attach, MouseAndSpeedAreReadThroughOneSize) {
 
 TEST(Attach, AttachingAndDetachingLeavesNothing) {
   Set(MakerKeyPath, "Mouse_RButton", one);
-  const int32_t alive = Screen_Objects_Alive();
+  const int32_t alive = Rig_Objects_Alive();
   EXPECT_EQ(Library_Attach(nullptr), 0);
   for (int32_t i = 0; i < 50; ++i) {
-    if (i == 9) Screen_Fail(ScreenStep::LoadBitmap, 1, 1);
+    if (i == 9) Rig_Fail(RigStep::LoadBitmap, 1, 1);
     EXPECT_EQ(Library_Attach(Module_Handle()), 1);
-    EXPECT_EQ(Screen_Objects_Alive(), alive + (i == 9 ? 3 : 4)) << "button faces and the hook";
+    EXPECT_EQ(Rig_Objects_Alive(), alive + (i == 9 ? 3 : 4)) << "button faces and the hook";
     PostMessageA(nullptr, WM_KEYDOWN, VK_SPACE, 0);
     MSG message;
     EXPECT_TRUE(PeekMessageA(&message, nullptr, WM_KEYDOWN, WM_KEYDOWN, PM_REMOVE)) << "handed on";
     EXPECT_EQ(Library_Detach(), 1);
-    EXPECT_EQ(Screen_Objects_Alive(), alive);
+    EXPECT_EQ(Rig_Objects_Alive(), alive);
   }
 }

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "platform/module.h"
-#include "platform/portable/screen.h"
+#include "platform/portable/rig.h"
 #include "plugin/attach.h"
 #include "plugin/entry.h"
 #include "plugin/window_proc.h"
@@ -37,7 +37,7 @@ inline void Pump() {
 struct PluginTest : testing::Test {
   const TestFrame small = Load_Frame("tile-48x48-q50.jpg", 50), large = Load_Frame("tile-96x64-q40.jpg", 40);
   const std::string path = Scratch_Path("plugin.vlr");
-  const int32_t alive = (Screen_Forget_Registry(), Screen_Set_Up(Screen_Of_Depth(32)), Screen_Objects_Alive());
+  const int32_t alive = (Rig_Forget_Registry(), Screen_Set_Up(Screen_Of_Depth(32)), Rig_Objects_Alive());
   const HWND page = Page_Window(nullptr, 50, 40, 400, 300), window = Page_Window(page, 10, 20, 101, 64);
   NPPluginFuncs plugin = {};
   NPNetscapeFuncs netscape = {};
@@ -56,13 +56,13 @@ struct PluginTest : testing::Test {
   ~PluginTest() override {
     Stop();
     DestroyWindow(page);
-    EXPECT_EQ(Screen_Objects_Alive(), alive);
+    EXPECT_EQ(Rig_Objects_Alive(), alive);
     Screen_Remove();
     std::remove(path.c_str());
   }
   NPError Start(uint8_t left, uint8_t right, uint16_t version = 11) {
-    Screen_Set_Registry(MakerKeyPath, "Mouse_LButton", REG_DWORD, {left, 0, 0, 0});
-    Screen_Set_Registry(MakerKeyPath, "Mouse_RButton", REG_DWORD, {right, 0, 0, 0});
+    Rig_Set_Registry(MakerKeyPath, "Mouse_LButton", REG_DWORD, {left, 0, 0, 0});
+    Rig_Set_Registry(MakerKeyPath, "Mouse_RButton", REG_DWORD, {right, 0, 0, 0});
     asked.clear();
     Library_Attach(Module_Handle());
     NP_GetEntryPoints(&plugin);
@@ -86,7 +86,7 @@ struct PluginTest : testing::Test {
   /** What tooltip and cursor tell. */
   std::string Signs() {
     SendMessageA(window, WM_SETCURSOR, 0, 0);
-    return Screen_Tooltip_Text(window) + std::to_string(Screen_Cursor());
+    return Rig_Tooltip_Text(window) + std::to_string(Screen_Cursor());
   }
   void End_Instance() {
     if (instance.pdata) plugin.destroy(&instance, nullptr);

@@ -38,7 +38,7 @@ TEST_F(PluginTest, VersionsNullsAndMemory) {
   }
   EXPECT_EQ(Add(nullptr), NPERR_INVALID_INSTANCE_ERROR);
   for (int32_t after = 0; !instance.pdata; ++after) {
-    Screen_Fail(ScreenStep::Memory, after, 1);
+    Rig_Fail(RigStep::Memory, after, 1);
     const NPError result = Add(&instance);
     ASSERT_EQ(result, instance.pdata ? NPERR_NO_ERROR : NPERR_OUT_OF_MEMORY_ERROR) << after;
   }
@@ -55,12 +55,12 @@ TEST_F(PluginTest, StreamsKeepVideoUrlsAndAskAgainWithoutAWindow) {
     EXPECT_EQ(decoder->urlBuffer, expected);
   }
   for (const int16_t reason : {NPRES_NETWORK_ERR, NPRES_DONE, NPRES_USER_BREAK}) plugin.destroystream(&instance, &stream, reason);
-  Screen_Fail(ScreenStep::CreateOffscreen, 0, 1);
+  Rig_Fail(RigStep::CreateOffscreen, 0, 1);
   EXPECT_EQ(Adopt(&instance, window), NPERR_MODULE_LOAD_FAILED_ERROR);
   EXPECT_EQ(Adopt(&instance, window), NPERR_NO_ERROR);
-  const int32_t objects = Screen_Objects_Alive();
+  const int32_t objects = Rig_Objects_Alive();
   Adopt(&instance, window);
-  EXPECT_EQ(Screen_Objects_Alive(), objects) << "one tooltip";
+  EXPECT_EQ(Rig_Objects_Alive(), objects) << "one tooltip";
   plugin.destroystream(&instance, &stream, NPRES_DONE);
   EXPECT_EQ(asked, (std::vector<std::string>{"b", "b"}));
 }
@@ -83,7 +83,7 @@ TEST_F(PluginTest, ALongStreamIsShownAndNothingIsHeldBackForGood) {
   EXPECT_TRUE(Read_File(path) == Joined({{frames.begin(), frames.begin() + StreamBufferSize}, frames, frames}));
   EXPECT_GT(shown, 500);
   EXPECT_EQ(Current_Picture(decoder), Picture_Of(large));
-  EXPECT_NE(Screen_Window_Color(window, 50, 30), 0u);
+  EXPECT_NE(Rig_Window_Color(window, 50, 30), 0u);
 }
 
 TEST_F(PluginTest, AnInstanceMayEndInItsDrawCallback) {

@@ -11,7 +11,7 @@ struct RecordingTest : PluginTest {
 
 TEST_F(RecordingTest, HoldsTheStreamFromTheFirstFrameStartOn) {
   Open(0, 1, window);
-  Screen_Set_Local_Time({2010, 9, 5, 24, 14, 5, 9, 123});
+  Rig_Set_Local_Time({2010, 9, 5, 24, 14, 5, 9, 123});
   Command(StartRecordingCommand);
   EXPECT_EQ(proposed, "2010_9_24_14_5_9_123.vlr");
   Feed(Bytes(500, 7));
@@ -28,22 +28,21 @@ TEST_F(RecordingTest, HoldsTheStreamFromTheFirstFrameStartOn) {
 
 TEST_F(RecordingTest, EndsByItselfWhereItCannotGoOn) {
   Open(0, 1, window);
-  const int32_t objects = Screen_Objects_Alive();
-  for (const auto& [step, size] :
-       {std::pair{ScreenStep::WriteFile, frames.size()}, {ScreenStep::ShortWrite, 2 * frames.size() - 1}}) {
+  const int32_t objects = Rig_Objects_Alive();
+  for (const auto& [step, size] : {std::pair{RigStep::WriteFile, frames.size()}, {RigStep::ShortWrite, 2 * frames.size() - 1}}) {
     Command(StartRecordingCommand);
     Feed(frames);
-    Screen_Fail(step, 0, 1);
+    Rig_Fail(step, 0, 1);
     for (int i = 0; i < 2; ++i) Feed(frames);
     EXPECT_EQ(Signs(), IDLE_TEXT "101");
     EXPECT_EQ(Read_File(path).size(), size);
   }
   for (const WPARAM command : {StartRecordingCommand, StopRecordingCommand}) Command(command);
   EXPECT_EQ(Read_File(path), Bytes()) << "replaced, and no frame came";
-  EXPECT_EQ(Screen_Objects_Alive(), objects);
+  EXPECT_EQ(Rig_Objects_Alive(), objects);
   Screen_Set_File_Chooser([](const OPENFILENAMEA&) { return "/nowhere/at all.vlr"; });
   Command(StartRecordingCommand);
-  EXPECT_EQ(Screen_Take_Messages(), std::vector<std::string>{"ERROR|Cannot Open File!"}) << "and nothing of the failed writes";
+  EXPECT_EQ(Rig_Take_Messages(), std::vector<std::string>{"ERROR|Cannot Open File!"}) << "and nothing of the failed writes";
   Screen_Set_File_Chooser([&](const OPENFILENAMEA&) { return End_Instance(), path; });
   Command(StartRecordingCommand);  // No file may stay open.
 }

@@ -31,7 +31,7 @@ TEST_F(PluginTest, EachModeHandlesTheMessagesThatItShould) {
   for (const auto& [left, right, roads, signs] : modes) {
     Open(left, right, window);
     SetCursor(nullptr);
-    poked = [] { SendMessageA(Screen_Dialog(), WM_CLOSE, 0, 0); };
+    poked = [] { SendMessageA(Rig_Dialog(), WM_CLOSE, 0, 0); };
     if (right == 1) PostMessageA(window, WM_APP, 0, 0);  // Closes the menu.
     std::string found;
     for (const UINT number : numbers) found += Road(window, number, nullptr);
@@ -50,7 +50,7 @@ TEST_F(PluginTest, EachModeHandlesTheMessagesThatItShould) {
 static std::string Menu(HWND window, int pressed, const std::function<void(HWND menu)>& action = nullptr) {
   std::string enabled;
   poked = [&] {
-    const HWND menu = Screen_Dialog();
+    const HWND menu = Rig_Dialog();
     for (const int id : {1000, 1001, 1002}) enabled += IsWindowEnabled(GetDlgItem(menu, id)) ? '1' : '0';
     if (action) action(menu);
     for (const UINT message : {WM_LBUTTONDOWN, WM_LBUTTONUP}) SendDlgItemMessageA(menu, pressed, message, 0, MAKELPARAM(5, 5));
@@ -73,8 +73,8 @@ TEST_F(PluginTest, MenuLooksAndActsAsTheRecordingAllows) {
     }
     EXPECT_EQ(places, (std::vector{78, 147, 81, 101, 101, 121, 124, 144})) << "over the window's middle, (110, 92)";
     Pump();
-    EXPECT_EQ(Screen_Window_Color(GetDlgItem(menu, RecordButtonId), 4, 4), 0x000080u) << "the diskette";
-    EXPECT_EQ(Screen_Window_Color(GetDlgItem(menu, StopButtonId), 10, 10), 0x808080u) << "a square that can't be pressed";
+    EXPECT_EQ(Rig_Window_Color(GetDlgItem(menu, RecordButtonId), 4, 4), 0x000080u) << "the diskette";
+    EXPECT_EQ(Rig_Window_Color(GetDlgItem(menu, StopButtonId), 10, 10), 0x808080u) << "a square that can't be pressed";
   });
   EXPECT_EQ(Menu(window, RecordButtonId), "101") << "the square did nothing";
   EXPECT_EQ(Menu(window, StopButtonId), "011");
@@ -83,7 +83,7 @@ TEST_F(PluginTest, MenuLooksAndActsAsTheRecordingAllows) {
   const std::string again = Menu(window, CloseButtonId, [&](HWND menu) {
     End_Instance();
     SendMessageA(menu, WM_COMMAND, RecordButtonId, 0);
-    EXPECT_EQ(Screen_Dialog(), menu) << "without the instance the button does nothing";
+    EXPECT_EQ(Rig_Dialog(), menu) << "without the instance the button does nothing";
   });
   EXPECT_EQ(again, "001") << "closing it had started nothing";
 }

@@ -1,11 +1,11 @@
 /* A screen and a window on it, for tests that show pictures. */
 #pragma once
 
-#include "platform/portable/screen.h"
+#include "platform/portable/desktop.h"
 
 #include "platform/win32.h"
 
-/** Sets the screen up before the window and takes it away behind it. */
+/** Sets the screen up before the window, and removes it after the window has ended. */
 struct TestWindow {
   HWND handle;
 

@@ -1,6 +1,6 @@
 #include "apps/velarto/camera/lettering.h"
 
-#include "platform/portable/face.h"
+#include "platform/portable/paint/face.h"
 
 #include <ft2build.h>
 

@@ -1,0 +1,221 @@
+#include "platform/portable/paint/gdi.h"
+
+#include "platform/portable/paint/objects.h"
+#include "platform/portable/paint/screen.h"
+#include "platform/portable/system/seam.h"
+#include "platform/portable/window/window.h"
+
+#include <cstring>
+#include <new>
+#include <utility>
+
+namespace {
+
+constexpr COLORREF White = 0xFFFFFF, Black = 0;
+
+HBRUSH__ whiteBrush{{GdiKind::Brush, true}, true, White}, blackBrush{{GdiKind::Brush, true}, true, Black},
+    nullBrush{{GdiKind::Brush, true}, false, Black};
+HPEN__ whitePen{{GdiKind::Pen, true}, true, White}, blackPen{{GdiKind::Pen, true}, true, Black},
+    nullPen{{GdiKind::Pen, true}, false, Black};
+HFONT__ systemFont{{GdiKind::Font, true}, 16, 8};
+HPALETTE__ systemPalette{{GdiKind::Palette, true}, {}};
+
+/** Sets the slot; gives what was there. */
+template <class Handle>
+HGDIOBJ Exchange(Handle& slot, HGDIOBJ next) {
+  HGDIOBJ before = slot;
+  slot = static_cast<Handle>(next);
+  return before;
+}
+
+/** Fills a rectangle, in the DC's coordinates. */
+void Fill_Rect(const Canvas& canvas, LONG left, LONG top, LONG right, LONG bottom, COLORREF color) {
+  const POINT& origin = canvas.origin;
+  Fill_Pixels(canvas.view, {left - origin.x, top - origin.y, right - origin.x, bottom - origin.y}, Swap_Color(color));
+}
+
+}  // namespace
+
+uint32_t Swap_Color(uint32_t color) { return (color & 255) << 16 | (color & 0xFF00) | (color >> 16 & 255); }
+
+HDC Dc_Make(HWND window, IDirectDrawSurface* surface) {
+  HDC dc = new (std::nothrow) HDC__{};
+  if (!dc) return nullptr;
+  dc->window = window;
+  dc->surface = surface;
+  dc->stretchMode = COLORONCOLOR;
+  dc->backgroundMode = OPAQUE;
+  dc->font = &systemFont;
+  dc->pen = &blackPen;
+  dc->brush = &whiteBrush;
+  dc->palette = &systemPalette;
+  Object_Made();
+  return dc;
+}
+
+void Dc_End(HDC dc) {
+  if (dc->changed) Canvas_Changed(dc->surface ? Surface_Window(dc->surface) : dc->window);
+  delete dc;
+  Object_Ended();
+}
+
+Canvas Dc_Canvas(HDC dc) {
+  if (dc->bitmap) return {};
+  if (!dc->surface) return {Canvas_Of(dc->window).view, {0, 0}};
+  return dc->surface->primary ? Canvas_Of(Surface_Window(dc->surface)) : Canvas{dc->surface->view, {0, 0}};
+}
+
+HDC GetDC(HWND window) {
+  if (window && !IsWindow(window)) return nullptr;
+  return Dc_Make(window, nullptr);
+}
+
+int ReleaseDC(HWND, HDC dc) {
+  if (!dc) return 0;
+  Dc_End(dc);
+  return 1;
+}
+
+int GetDeviceCaps(HDC, int index) {
+  if (index == BITSPIXEL) return screenState.on ? screenState.setup.bits : 24;
+  return index == PLANES ? 1 : 0;
+}
+
+int SetStretchBltMode(HDC dc, int mode) {
+  const int before = dc->stretchMode;
+  dc->stretchMode = mode;
+  return before;
+}
+
+HPEN CreatePen(int style, int width, COLORREF color) {
+  if (style != PS_SOLID || width < 0 || width > 1) return nullptr;
+  HPEN pen = new (std::nothrow) HPEN__{{GdiKind::Pen, false}, true, color};
+  if (pen) Object_Made();
+  return pen;
+}
+
+HFONT CreateFontA(int height, int width, int, int, int, DWORD, DWORD, DWORD, DWORD, DWORD, DWORD, DWORD, DWORD, LPCSTR) {
+  if (height < 1 || height > INT16_MAX || width < 0 || width > INT16_MAX) return nullptr;
+  HFONT font = new (std::nothrow) HFONT__{{GdiKind::Font, false}, height, width};
+  if (font) Object_Made();
+  return font;
+}
+
+HGDIOBJ GetStockObject(int index) {
+  switch (index) {
+    case WHITE_BRUSH:
+      return &whiteBrush;
+    case BLACK_BRUSH:
+      return &blackBrush;
+    case NULL_BRUSH:
+      return &nullBrush;
+    case WHITE_PEN:
+      return &whitePen;
+    case BLACK_PEN:
+      return &blackPen;
+    case NULL_PEN:
+      return &nullPen;
+    default:
+      return nullptr;
+  }
+}
+
+HGDIOBJ SelectObject(HDC dc, HGDIOBJ object) {
+  if (!dc || !object) return nullptr;
+  switch (static_cast<GdiObject*>(object)->kind) {
+    case GdiKind::Font:
+      return Exchange(dc->font, object);
+    case GdiKind::Pen:
+      return Exchange(dc->pen, object);
+    case GdiKind::Brush:
+      return Exchange(dc->brush, object);
+    case GdiKind::Bitmap:
+      return dc->window || dc->surface ? nullptr : Exchange(dc->bitmap, object);
+    case GdiKind::Palette:
+      break;  // SelectPalette
+  }
+  return nullptr;
+}
+
+BOOL DeleteObject(HGDIOBJ object) {
+  if (!object) return FALSE;
+  const GdiObject* ended = static_cast<GdiObject*>(object);
+  if (ended->stock) return TRUE;
+  switch (ended->kind) {
+    case GdiKind::Font:
+      delete static_cast<HFONT>(object);
+      break;
+    case GdiKind::Bitmap:
+      delete static_cast<HBITMAP>(object);
+      break;
+    case GdiKind::Palette:
+      delete static_cast<HPALETTE>(object);
+      break;
+    default:
+      delete static_cast<HPEN>(object);  // brushes are stock objects, all of them
+  }
+  Object_Ended();
+  return TRUE;
+}
+
+COLORREF SetTextColor(HDC dc, COLORREF color) {
+  const COLORREF before = dc->textColor;
+  dc->textColor = color;
+  return before;
+}
+
+int SetBkMode(HDC dc, int mode) {
+  const int before = dc->backgroundMode;
+  dc->backgroundMode = mode;
+  return before;
+}
+
+BOOL Rectangle(HDC dc, int left, int top, int right, int bottom) {
+  if (!dc) return FALSE;
+  if (left > right) std::swap(left, right);
+  if (top > bottom) std::swap(top, bottom);
+  if (!Rect_Allowed({left, top, right, bottom})) return TRUE;
+  const Canvas canvas = Dc_Canvas(dc);
+  dc->changed = true;
+  if (dc->brush->draws) Fill_Rect(canvas, left, top, right, bottom, dc->brush->color);
+  if (!dc->pen->draws) return TRUE;
+  Fill_Rect(canvas, left, top, right, top + 1, dc->pen->color);
+  Fill_Rect(canvas, left, bottom - 1, right, bottom, dc->pen->color);
+  Fill_Rect(canvas, left, top, left + 1, bottom, dc->pen->color);
+  Fill_Rect(canvas, right - 1, top, right, bottom, dc->pen->color);
+  return TRUE;
+}
+
+namespace {
+
+/** Where a pixel lies. */
+struct PixelPlace {
+  uint8_t* at;
+  ColorFormat format;
+};
+
+/** The pixel at a place of the DC; the screen's DC shows that of the uppermost window there. */
+PixelPlace Find_Pixel(HDC dc, int x, int y) {
+  const bool ofScreen = !dc->window && !dc->surface && !dc->bitmap;
+  const Canvas canvas = ofScreen ? Canvas_At(x, y) : Dc_Canvas(dc);
+  return {Pixel_At(canvas.view, x - canvas.origin.x, y - canvas.origin.y), canvas.view.format};
+}
+
+}  // namespace
+
+COLORREF GetPixel(HDC dc, int x, int y) {
+  if (!dc) return CLR_INVALID;
+  const PixelPlace place = Find_Pixel(dc, x, y);
+  if (!place.at) return CLR_INVALID;
+  return Swap_Color(Color_From_Pixel(place.format, Load_Pixel(place.at, place.format.bits)));
+}
+
+COLORREF SetPixel(HDC dc, int x, int y, COLORREF color) {
+  if (!dc || (!dc->window && !dc->surface)) return CLR_INVALID;
+  const PixelPlace place = Find_Pixel(dc, x, y);
+  if (!place.at) return CLR_INVALID;
+  dc->changed = true;
+  const uint32_t pixel = Pixel_From_Color(place.format, Swap_Color(color));
+  Store_Pixel(place.at, place.format.bits, pixel);
+  return Swap_Color(Color_From_Pixel(place.format, pixel));
+}
