@@ -33,9 +33,9 @@ __attribute__((noinline)) static void Wide_Block(const int16_t* block, int32_t d
     if (i == 0) row = _mm256_insert_epi32(row, dc, 0);
     v[i] = Multiply_Low_32(row, Widen(quant->factors + 8 * i));
   }
-  Butterfly<PassOf32>(v);
+  Butterfly<DoubleWordPass>(v);
   Wide_Transpose(v);
-  Butterfly<PassOf32>(v);
+  Butterfly<DoubleWordPass>(v);
   Wide_Transpose(v);
   for (int32_t i = 0; i < 8; ++i) {
     const Vector x = Shift_Right_32(Shift_Left_32(v[i], 16), 22);

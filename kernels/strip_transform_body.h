@@ -6,7 +6,7 @@ namespace {
 
 /** Arithmetic of a pass in 16 bits. x * c / 256, rounded towards minus infinity: c is split into a small multiple of 256 and a
  *  remainder, for which the high half of a product is enough. */
-struct PassOf16 {
+struct WordPass {
   INLINE Vector Add(Vector a, Vector b) { return Add_16(a, b); }
   INLINE Vector Subtract(Vector a, Vector b) { return Subtract_16(a, b); }
   INLINE Vector Times_362(Vector x) { return Add(x, Multiply_High_16(x, Broadcast_16(106 * 256))); }
@@ -16,7 +16,7 @@ struct PassOf16 {
 };
 
 /** The same in 32 bits. */
-struct PassOf32 {
+struct DoubleWordPass {
   INLINE Vector Add(Vector a, Vector b) { return Add_32(a, b); }
   INLINE Vector Subtract(Vector a, Vector b) { return Subtract_32(a, b); }
   INLINE Vector Times(Vector x, int32_t c) { return Shift_Right_32(Multiply_Low_32(x, Broadcast_32(c)), 8); }
@@ -54,7 +54,7 @@ INLINE void Butterfly(Vector* v) {
 
 /** The same in 16 bits, with v[4] to v[7] zero on entry. */
 INLINE void Butterfly_Narrow(Vector* v) {
-  using Pass = PassOf16;
+  using Pass = WordPass;
   const Vector u2 = Pass::Subtract(Pass::Times_362(v[2]), v[2]), difference = Pass::Subtract(v[1], v[3]);
   const Vector z5 = Pass::Times_473(difference);
   const Vector q10 = Pass::Subtract(Pass::Times_277(v[1]), z5), q11 = Pass::Times_362(difference);
@@ -103,9 +103,9 @@ INLINE void Transform_Narrow(const int16_t* block, const StripQuant* quant, Vect
 INLINE void Transform_Full(const int16_t* block, const StripQuant* quant, Vector* out) {
   Vector v[8];
   for (int32_t i = 0; i < 8; ++i) v[i] = Dequantised(block, quant, i);
-  Butterfly<PassOf16>(v);
+  Butterfly<WordPass>(v);
   Transpose_16(v);
-  Butterfly<PassOf16>(v);
+  Butterfly<WordPass>(v);
   Samples(v, out);
 }
 

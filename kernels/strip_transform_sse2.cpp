@@ -13,7 +13,7 @@ static int32_t Exceeds(Vector sum, int32_t limit) {
 
 /* Blocks that 16 bits are too few for: the transform in 32, half a row a vector. */
 
-static void Wide_Butterfly(Vector* v) { Butterfly<PassOf32>(v); }
+static void Wide_Butterfly(Vector* v) { Butterfly<DoubleWordPass>(v); }
 
 static void Wide_Transpose(Vector* left, Vector* right) {
   Vector a[8], b[8];

@@ -163,28 +163,29 @@ struct HuffmanKernel : LevelTest<CodecTest> {
 };
 TEST_AT_EVERY_LEVEL(HuffmanKernel);
 
-// The reference takes the most time, so that one test does all levels of this processor.
-using HuffmanKernels = CodecTest;
-TEST_F(HuffmanKernels, EveryPrefixOfSixteenBitsInEachTable) {
+/** All levels of this processor at once: the reference takes the most time. */
+struct HuffmanKernels : CodecTest, testing::WithParamInterface<int> {};
+INSTANTIATE_TEST_SUITE_P(Table, HuffmanKernels, testing::Range(0, 4));
+
+TEST_P(HuffmanKernels, EveryPrefixOfSixteenBits) {
+  // Luma DC, chroma DC, luma AC, chroma AC. Before chroma, empty luma blocks, 00 and 1010 each; before AC, DC values that take a
+  // step of their own: the prefix is the first that the table is asked for.
+  const char* const leads[] = {"", "001010001010001010001010", "111101000000", "001010001010001010001010111110100000"};
+  const std::string lead = leads[GetParam()];
   ReferenceDecoder reference;
   Noise noise{3};
   const std::vector<NamedKernelLevel> levels = Test_Levels();
-  // Before chroma, empty luma blocks, 00 and 1010 each; before AC, DC values that take a step of their own: the prefix is the
-  // first that the table is asked for.
-  const char* const leads[] = {"", "111101000000", "001010001010001010001010", "001010001010001010001010111110100000"};
-  for (const std::string lead : leads) {
-    for (uint32_t prefix = 0; prefix < 65536; ++prefix) {
-      const std::string bits = lead + std::bitset<16>(prefix).to_string() + std::bitset<12>(noise.Next()).to_string() + "1111111";
-      Bytes raw;
-      for (size_t i = 0; i + 8 <= bits.size(); i += 8) {
-        raw.push_back((uint8_t)std::bitset<8>(bits, i, 8).to_ulong());
-        if (raw.back() == 0xFF) raw.push_back(0);
-      }
-      raw.insert(raw.end(), {0x28, 0xA2, 0x8A, 0, 0, 0x28});
-      const Row expected = reference.Decode(raw, 2);
-      for (const auto& [level, mask] : levels) {
-        ASSERT_TRUE(Decode(Kernels_Select(mask), raw, 2) == expected) << level << " lead " << lead << " prefix " << prefix;
-      }
+  for (uint32_t prefix = 0; prefix < 65536; ++prefix) {
+    const std::string bits = lead + std::bitset<16>(prefix).to_string() + std::bitset<12>(noise.Next()).to_string() + "1111111";
+    Bytes raw;
+    for (size_t i = 0; i + 8 <= bits.size(); i += 8) {
+      raw.push_back((uint8_t)std::bitset<8>(bits, i, 8).to_ulong());
+      if (raw.back() == 0xFF) raw.push_back(0);
+    }
+    raw.insert(raw.end(), {0x28, 0xA2, 0x8A, 0, 0, 0x28});
+    const Row expected = reference.Decode(raw, 2);
+    for (const auto& [level, mask] : levels) {
+      ASSERT_TRUE(Decode(Kernels_Select(mask), raw, 2) == expected) << level << " prefix " << prefix;
     }
   }
 }
