@@ -134,20 +134,6 @@ TEST_F(ToolTest, WrongUsageIsTold) {
   EXPECT_EQ(Run("--version").out, version);
 }
 
-/** The tool without the libraries that take most of the memory, and without the program that has them. */
-TEST_F(ToolTest, StaysSmallAndTellsWhatIsMissing) {
-  const std::string alone = folder / "velarto";
-  fs::copy_file(VELARTO_TOOL_PATH, alone);
-  const auto run = [&](const std::string& line) { return std::system((line + " >" + alone + ".out 2>&1").c_str()); };
-  run("LD_TRACE_LOADED_OBJECTS=1 " + alone);
-  const std::string libraries = Read_Text(alone + ".out");
-  Expect_In(libraries, "libstdc++");
-  for (const char* const large : {"SDL", "curl", "crypto", "httplib"}) EXPECT_EQ(libraries.find(large), libraries.npos) << large;
-  EXPECT_EQ(run(alone + " info " + sample), 0);
-  EXPECT_NE(run(alone + " info http://127.0.0.1:1/"), 0);
-  EXPECT_EQ(Read_Text(alone + ".out"), "velarto: can't start " + alone + "-live: No such file or directory\n");
-}
-
 TEST_F(ToolTest, ATcpSourceIsReadToItsEnd) {
   const std::string stream = Read_Text(sample), cut = stream.substr(0, stream.size() - 1000);  // Inside the last frame.
   const RudeServer server({[&](int client) { Send(client, cut); }});
