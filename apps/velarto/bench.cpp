@@ -24,7 +24,7 @@ struct RecordingInMemory {
 };
 
 /** What was done, and how long it took. */
-struct Work {
+struct DecodeWork {
   int64_t frames = 0, pixels = 0, bytes = 0;
   double seconds = 0;
 };
@@ -55,7 +55,7 @@ static double Seconds_Since(std::chrono::steady_clock::time_point start) {
 }
 
 /** Decodes the recording over and over. False, with *error, without memory. */
-static bool Decode_Frames(const RecordingInMemory& recording, double asked, Work* work, std::string* error) {
+static bool Decode_Frames(const RecordingInMemory& recording, double asked, DecodeWork* work, std::string* error) {
   const auto count = static_cast<int64_t>(recording.frames.size());
   DecoderHolder decoder;
   const auto start = std::chrono::steady_clock::now();
@@ -88,7 +88,7 @@ static bool Time_Stages(const RecordingInMemory& recording, double seconds, Stag
   return true;
 }
 
-static void Print_Result(const BenchOptions& options, const RecordingInMemory& recording, const Work& work,
+static void Print_Result(const BenchOptions& options, const RecordingInMemory& recording, const DecodeWork& work,
                          const StageTimes& times) {
   const std::string kernel = options.kernelName.empty() ? Kernel_Best() : options.kernelName;
   const double frames = static_cast<double>(work.frames) / work.seconds,
@@ -116,7 +116,7 @@ static void Print_Result(const BenchOptions& options, const RecordingInMemory& r
 
 static int Run_Bench(const BenchOptions& options) {
   RecordingInMemory recording;
-  Work work;
+  DecodeWork work;
   StageTimes times;
   std::string error;
   if (!Read_Recording(options.source, &recording, &error) || !Decode_Frames(recording, options.seconds, &work, &error) ||

@@ -21,15 +21,15 @@ std::string Shell(const std::string& line) {
 }
 
 /** A library's server, run as long as this lives. */
-struct Site {
+struct RunningServer {
   httplib::Server& server;
   const std::string host;
   std::thread thread;
-  explicit Site(httplib::Server& it) : server(it), host("127.0.0.1:" + std::to_string(it.bind_to_any_port("127.0.0.1"))) {
+  explicit RunningServer(httplib::Server& it) : server(it), host("127.0.0.1:" + std::to_string(it.bind_to_any_port("127.0.0.1"))) {
     thread = std::thread([this] { server.listen_after_bind(); });
     while (!server.is_running()) std::this_thread::yield();
   }
-  ~Site() {
+  ~RunningServer() {
     server.stop();
     thread.join();
   }
@@ -73,7 +73,7 @@ TEST_F(SourceTest, HttpGivesTheFramesOfTheFile) {
   });
   server.Get("/moved", [](auto&, auto& answer) { answer.set_redirect("/live"); });
   server.Get("/loop", [](auto&, auto& answer) { answer.set_redirect("/loop"); });
-  const Site site(server);
+  const RunningServer site(server);
   const std::string name = "http://" + site.host;
   for (const char* const path : {"/file", "/live", "/moved"}) Expect_Sample(name + path);
   EXPECT_EQ(Run("record " + name + "/file -o all").code, 0);
@@ -101,7 +101,7 @@ TEST_F(SourceTest, UserAndPasswordAreGivenAndNotShown) {
     const bool right = response == md5(md5("ada:cam:se@cret") + ":n1:" + nc + ":" + cnonce + ":auth:" + md5("GET:/digest"));
     answer_if(right, R"(Digest realm="cam", nonce="n1", qop="auth", algorithm=MD5)", request, answer);
   });
-  const Site site(server);
+  const RunningServer site(server);
   for (const std::string path : {"/basic", "/digest"}) {
     Expect_Sample("http://ada:se%40cret@" + site.host + path);
     Expect_Sample("http://" + site.host + path, "VELARTO_USER=ada VELARTO_PASSWORD=se@cret " VELARTO_TOOL_PATH);
@@ -119,7 +119,7 @@ TEST_F(SourceTest, AnUnknownCertificateIsRefused) {
   Shell("openssl req -x509 -newkey rsa:2048 -nodes -subj /CN=127.0.0.1 -keyout " + key + " -out " + certificate + " 2>&1");
   httplib::SSLServer secure(certificate.c_str(), key.c_str());
   secure.Get("/", serve);
-  Expect_Failure("info https://" + Site(secure).host, "self-signed certificate");
+  Expect_Failure("info https://" + RunningServer(secure).host, "self-signed certificate");
 }
 
 /** A body that arrives in pieces of these sizes has these parts, of which no more is held than may be. */
