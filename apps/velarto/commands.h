@@ -3,14 +3,14 @@
 
 #include <CLI/CLI.hpp>
 
-/** *code: where the command leaves its exit code. */
+/** *code receives the command's exit code. */
 void Info_Command(CLI::App* app, int* code);
 void Export_Command(CLI::App* app, int* code);
 void Make_Command(CLI::App* app, int* code);
 void Record_Command(CLI::App* app, int* code);
 void View_Command(CLI::App* app, int* code);
 void Bench_Command(CLI::App* app, int* code);
-/** Adds nothing where the camera isn't built. */
+/** Adds nothing on a platform without the camera. */
 void Camera_Command(CLI::App* app, int* code);
 
 /** The argument and the option that all of them have. */

@@ -11,7 +11,7 @@ static std::string One_Line(const CLI::App* app, const CLI::Error& error) {
   return std::string("velarto: ") + error.what() + " (see velarto" + name + " --help)\n";
 }
 
-/** Says what the parser has to say: help and version on the output, a wrong usage on standard error. */
+/** Prints the parser's result: help and version to the output, usage errors to standard error. */
 static int Answer(const CLI::App& app, const CLI::ParseError& error) {
   std::ostringstream out, wrong;
   const bool asked = app.exit(error, out, wrong) == 0;
