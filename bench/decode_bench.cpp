@@ -51,11 +51,11 @@ void Idct(benchmark::State& state, IdctRowKernel kernel) {
 }
 
 /** The entropy-coded data of a scene of 320x240 at quality 50. */
-struct Scene {
+struct CodedScene {
   std::vector<uint8_t> jpeg, data;
   size_t count = 0;
   static constexpr int32_t StripsInScene = 300 / 15, StripOfScene = 15;
-  Scene() {
+  CodedScene() {
     std::ifstream file(VELARTO_SOURCE_DIR "/tests/data/scene-q50.jpg", std::ios::binary);
     jpeg.assign(std::istreambuf_iterator<char>(file), {});
     data.resize(jpeg.size() + 2 * StripPadding);
@@ -67,7 +67,7 @@ struct Scene {
 };
 
 void Unstuff(benchmark::State& state, UnstuffKernel kernel) {
-  Scene scene;
+  CodedScene scene;
   for (auto _ : state) scene.Unstuff(kernel);
   state.counters["bytes"] = benchmark::Counter((double)scene.count, benchmark::Counter::kIsIterationInvariantRate);
 }
@@ -75,13 +75,14 @@ void Unstuff(benchmark::State& state, UnstuffKernel kernel) {
 /** All strips of the scene, over and over into the same blocks. */
 void Decode_Strips(benchmark::State& state, DecodeStripKernel kernel) {
   JDEC_Init();
-  Scene scene;
+  CodedScene scene;
   scene.Unstuff(kernels.unstuff);
   std::vector<int16_t> blocks(StripMacroblocks * StripMacroblockSize);
   StripReach reach;
   for (auto _ : state) {
     StripReader reader = {scene.data.data(), 0, 8 * scene.count};
-    for (int32_t i = 0; i < Scene::StripsInScene; ++i) kernel(&reader, &stripTables, blocks.data(), &reach, Scene::StripOfScene);
+    for (int32_t i = 0; i < CodedScene::StripsInScene; ++i)
+      kernel(&reader, &stripTables, blocks.data(), &reach, CodedScene::StripOfScene);
     benchmark::ClobberMemory();
   }
   state.counters["blocks"] = benchmark::Counter(6 * 300, benchmark::Counter::kIsIterationInvariantRate);
@@ -91,7 +92,7 @@ void Decode_Strips(benchmark::State& state, DecodeStripKernel kernel) {
 /** The scene's fourth strip; the time has the copying of its coefficients in it, which the kernel zeroes. */
 void Transform_Strip(benchmark::State& state, TransformStripKernel kernel) {
   JDEC_Init();
-  Scene scene;
+  CodedScene scene;
   scene.Unstuff(kernels.unstuff);
   JdecDecoder* const decoder = JDEC_New(320, 240);
   const RowStore* const store = decoder->codec->rows;
@@ -100,7 +101,7 @@ void Transform_Strip(benchmark::State& state, TransformStripKernel kernel) {
   StripReader reader = {scene.data.data(), 0, 8 * scene.count};
   for (int32_t i = 0; i < 4; ++i) {
     std::fill(blocks.begin(), blocks.end(), int16_t{0});
-    kernels.decodeStrip(&reader, &stripTables, blocks.data(), &reach, Scene::StripOfScene);
+    kernels.decodeStrip(&reader, &stripTables, blocks.data(), &reach, CodedScene::StripOfScene);
   }
   std::vector<uint8_t> samples(32 * Width);
   uint8_t* rows[32];
@@ -108,10 +109,10 @@ void Transform_Strip(benchmark::State& state, TransformStripKernel kernel) {
   int32_t predictors[3] = {0, 0, 0};
   for (auto _ : state) {
     std::copy(blocks.begin(), blocks.end(), store->blocks);
-    kernel(store->blocks, &reach, Scene::StripOfScene, &store->luma, &store->chroma, predictors, rows);
+    kernel(store->blocks, &reach, CodedScene::StripOfScene, &store->luma, &store->chroma, predictors, rows);
     benchmark::ClobberMemory();
   }
-  state.counters["blocks"] = benchmark::Counter(6 * Scene::StripOfScene, benchmark::Counter::kIsIterationInvariantRate);
+  state.counters["blocks"] = benchmark::Counter(6 * CodedScene::StripOfScene, benchmark::Counter::kIsIterationInvariantRate);
   JDEC_Free(decoder);
   JDEC_Exit();
 }

@@ -1,5 +1,6 @@
 // Kernels of the encoder alone: rows of 640 pixels that stay in the cache, as smooth and as rough as photographs.
 #include "bench/levels.h"
+#include "bench/random.h"
 #include "decode/decoder.h"
 #include "pixel/encode_tables.h"
 
@@ -9,11 +10,6 @@
 namespace {
 
 constexpr int32_t Width = 640;
-
-struct Random {
-  uint32_t state = 1;
-  uint32_t Next() { return (state = state * 1664525 + 1013904223) >> 8; }
-};
 
 void Count_Pixels(benchmark::State& state, double pixels) {
   state.counters["pixels"] = benchmark::Counter(pixels, benchmark::Counter::kIsIterationInvariantRate);

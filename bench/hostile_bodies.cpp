@@ -1,5 +1,6 @@
 #include "bench/hostile_bodies.h"
 
+#include "bench/random.h"
 #include "decode/frame_header.h"
 #include "decode/huffman_codes.h"
 #include "decode/quant.h"
@@ -8,13 +9,6 @@
 #include <utility>
 
 namespace {
-
-/** A small generator, the same everywhere. */
-struct Random {
-  uint32_t state;
-  uint32_t Next() { return (state = state * 1664525 + 1013904223) >> 8; }
-  uint32_t Below(uint32_t limit) { return Next() % limit; }
-};
 
 /** Writes bits with stuffing. */
 struct BitWriter {

@@ -1,6 +1,7 @@
 // What a stream can cost: the memory of the largest pictures that a head can announce, and the time of frames made to be slow
 // beside the slowest good frame of the same size. SECURITY.md has the bounds; ends with 1 where one is broken.
 #include "bench/hostile_bodies.h"
+#include "bench/picture_size.h"
 #include "decode/decoder.h"
 #include "decode/framing.h"
 #include "kernels/kernels.h"
@@ -35,12 +36,8 @@ struct NamedFrame {
   Bytes bytes;
 };
 
-struct Size {
-  int32_t width, height;
-};
-
 /** A picture of slopes with noise on them in its upper rows, and the rest grey. */
-Bytes Picture(Size size, int32_t noise, int32_t noisyRows) {
+Bytes Picture(PictureSize size, int32_t noise, int32_t noisyRows) {
   const int32_t pitch = 3 * size.width;
   Bytes pixels(static_cast<size_t>(pitch) * static_cast<size_t>(size.height), 128);
   const Bytes random = Random_Bytes(1 << 20, 7);
@@ -76,7 +73,7 @@ Bytes Encoded_Finely(JdecDecoder* encoder, const Bytes& pixels) {
 }
 
 /** Of the largest picture no whole frame fits: of as many rows as fit, under a head that tells the whole size. */
-void Add_Short_Frame(Size size, std::vector<NamedFrame>* frames) {
+void Add_Short_Frame(PictureSize size, std::vector<NamedFrame>* frames) {
   const int32_t rows = size.height - 32;
   JdecDecoder* const encoder = JDEC_New(size.width, rows);
   Bytes frame =
@@ -91,7 +88,7 @@ void Add_Short_Frame(Size size, std::vector<NamedFrame>* frames) {
 
 /** Good frames, as slow as good frames come: noise as strong as it can be, all over the picture or in as many rows as a frame has
  * bytes for. */
-std::vector<NamedFrame> Good_Frames(Size size) {
+std::vector<NamedFrame> Good_Frames(PictureSize size) {
   std::vector<NamedFrame> frames;
   JdecDecoder* const encoder = JDEC_New(size.width, size.height);
   JDEC_Draw_Init(encoder, nullptr);
@@ -158,7 +155,7 @@ double Ratio(JdecDecoder* decoder, const Bytes& frame, const Bytes& good, int32_
 }
 
 /** The hostile frames of a size, each in one of the forms that can carry it. */
-std::vector<NamedFrame> Hostile_Frames(Size size, const Bytes& good) {
+std::vector<NamedFrame> Hostile_Frames(PictureSize size, const Bytes& good) {
   const Bytes goodBody(good.begin() + JfifHeadSize, good.end() - 2);
   constexpr size_t longestPrefixed = FrameStoreSize - LeastSearchBytes, longestJfif = FrameStoreSize - LeastJfifBytes;
   std::vector<NamedFrame> frames = {{"no data", Compact_Frame(size.width, size.height, 50, {})}};
@@ -180,13 +177,13 @@ struct Measured {
   double ratio, filledRatio;  ///< To the slowest good frame as it is; to the same with as many bytes.
 };
 
-void Print(Size size, const NamedFrame& frame, double seconds) {
+void Print(PictureSize size, const NamedFrame& frame, double seconds) {
   std::printf("  %5dx%-5d %-28s %6zu bytes %9.4f ms", size.width, size.height, frame.name.c_str(), frame.bytes.size(),
               seconds * 1e3);
 }
 
 /** Prints the good frames and gives the slowest. */
-const NamedFrame* Slowest(JdecDecoder* decoder, Size size, const std::vector<NamedFrame>& good, double* most) {
+const NamedFrame* Slowest(JdecDecoder* decoder, PictureSize size, const std::vector<NamedFrame>& good, double* most) {
   const NamedFrame* slowest = nullptr;
   for (const NamedFrame& frame : good) {
     const double seconds = Median_Seconds(decoder, frame.bytes, ManyRounds);
@@ -207,7 +204,7 @@ Measured Measure(JdecDecoder* decoder, const NamedFrame& frame, const Bytes& goo
 }
 
 /** Prints the slowest of the hostile frames. */
-bool Compare_Times(Size size, size_t shown) {
+bool Compare_Times(PictureSize size, size_t shown) {
   const std::vector<NamedFrame> good = Good_Frames(size);
   JdecDecoder* const decoder = JDEC_New(size.width, size.height);
   JDEC_Draw_Init(decoder, nullptr);
@@ -234,7 +231,7 @@ bool Compare_Times(Size size, size_t shown) {
 }
 
 /** Memory of a decoder that a short frame has brought to that size. */
-bool Measure_Memory(Size size, HWND window) {
+bool Measure_Memory(PictureSize size, HWND window) {
   const int64_t before = Resident_Bytes();
   JdecDecoder* const decoder = JDEC_New(16, 16);
   JDEC_Draw_Init(decoder, window);
@@ -256,13 +253,13 @@ bool Measure_Level(const NamedKernelLevel& level, HWND window, size_t shown) {
   bool held = true;
   std::printf("%s: memory\n", level.name);
   for (const HWND display : {HWND{nullptr}, window}) {
-    for (const Size size : {Size{8192, 4000}, {65535, 500}, {500, 65535}, {640, 51200}, {65535, 1}, {1, 65535}}) {
+    for (const PictureSize size : {PictureSize{8192, 4000}, {65535, 500}, {500, 65535}, {640, 51200}, {65535, 1}, {1, 65535}}) {
       held &= Measure_Memory(size, display);
     }
   }
   std::printf("%s: time\n", level.name);
-  for (const Size size :
-       {Size{16, 16}, {160, 120}, {320, 240}, {640, 480}, {1920, 1080}, {4096, 4096}, {8192, 4000}, {65520, 256}}) {
+  for (const PictureSize size :
+       {PictureSize{16, 16}, {160, 120}, {320, 240}, {640, 480}, {1920, 1080}, {4096, 4096}, {8192, 4000}, {65520, 256}}) {
     held &= Compare_Times(size, shown);
   }
   return held;

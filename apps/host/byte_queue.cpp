@@ -9,9 +9,9 @@
 #include <thread>
 
 static constexpr size_t PieceSize = 65536, MostPieces = 4;
-/** Between two reminders that pieces wait. */
+/** Between two messages while pieces wait. */
 static constexpr std::chrono::milliseconds Reminder{20};
-/** For a stopped reader to let go of its source; it looks at the stop flag more often than that. */
+/** Time for a stopped reader to close its source; it checks the stop flag more often than that. */
 static constexpr std::chrono::milliseconds EndWait{100};
 
 struct ByteQueue {
@@ -23,7 +23,7 @@ struct ByteQueue {
   std::mutex lock;    ///< Guards what follows.
   std::condition_variable changed;
   HWND window = nullptr;
-  bool posted = false;  ///< A message is on its way: more of them would only crowd out others.
+  bool posted = false;  ///< A message has been posted and not seen yet.
   std::deque<std::vector<uint8_t>> pieces;
   BytesState state = BytesState::Running;
   std::string error;
@@ -61,7 +61,7 @@ static bool Read_Source(ByteQueue* queue, std::string* error) {
 static void Run_Queue(const std::shared_ptr<ByteQueue>& queue) {
   std::string error;
   bool good = true;
-  // An empty source would be read for ever.
+  // An empty source is not repeated: that would never end.
   do good = Read_Source(queue.get(), &error);
   while (good && queue->loop && queue->some && !queue->stop);
   const std::lock_guard held(queue->lock);

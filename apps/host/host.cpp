@@ -8,9 +8,9 @@
 #include <span>
 #include <utility>
 
-/** Writes for one message: as many as a piece may take, so that what the plug-in holds never piles up. */
+/** Writes for one message: as many as a piece may take, so that pieces don't pile up. */
 static constexpr int32_t MostWrites = 8;
-/** The longest wait for messages, in milliseconds: to look at the stop flag, and while bytes are held back. */
+/** The longest wait for messages, in milliseconds: to check the stop flag, and while the plug-in takes no bytes. */
 static constexpr DWORD IdleWait = 100, HeldWait = 10;
 
 int Host_Report(const std::string& message) {
@@ -20,7 +20,7 @@ int Host_Report(const std::string& message) {
 
 /* ---- Streams -------------------------------------------------------------------------------------------------------------- */
 
-static std::string Told_URL(const HostOptions& options) { return options.url.empty() ? options.source : options.url; }
+static std::string Url_Of(const HostOptions& options) { return options.url.empty() ? options.source : options.url; }
 
 static void Drop_Bytes(Host* host) {
   if (host->bytes) Bytes_Stop(host->bytes.get());
@@ -34,7 +34,7 @@ static void Close(const Host& host) { DestroyWindow(host.top); }
 static void Start_Stream(Host* host) {
   const HostOptions& options = host->options;
   Drop_Bytes(host);
-  const NPError result = Page_New_Stream(&host->page, options.type.c_str(), Told_URL(options).c_str());
+  const NPError result = Page_New_Stream(&host->page, options.type.c_str(), Url_Of(options).c_str());
   if (result != NPERR_NO_ERROR) {
     host->code = Host_Report("the plug-in takes no stream: NPP_NewStream gives " + std::to_string(result));
     Close(*host);
@@ -44,7 +44,7 @@ static void Start_Stream(Host* host) {
   host->bytes = Bytes_Start(options.source, options.loop, host->inbox, BytesMessage);
 }
 
-/** Hands on as much as is offered once. Gives whether something was taken. */
+/** Delivers as much as the plug-in takes at once. True if it has taken something. */
 static bool Deliver_Once(Host* host) {
   if (!host->page.streaming || !host->bytes) return false;
   if (host->at == host->piece.size()) {
@@ -61,16 +61,16 @@ void Host_Deliver(Host* host) {
   const std::shared_ptr<ByteQueue> bytes = host->bytes;
   if (!bytes) return;
   MSG message;
-  // The user's turn? Then the reader reminds us.
+  // User input goes first; the reader posts the message again.
   const bool input = PeekMessageA(&message, nullptr, 0, WM_APP - 1, PM_NOREMOVE);
   for (int32_t i = 0; !input && i < MostWrites && Deliver_Once(host);) ++i;
   const bool held = host->at < host->piece.size() && host->page.streaming;
-  // What is held back is tried again behind the message that makes room.
+  // If the plug-in is full, this is tried again after the message by which it makes room.
   Bytes_Seen(bytes.get(), held && !input);
 }
 
-/** When all bytes have been handed on: ends the stream with its source. A source that gave none leaves nothing to look at. */
-static void Look_At_End(Host* host) {
+/** Ends the stream when all bytes of the source have been delivered; closes the window if the source could not be opened. */
+static void Check_End(Host* host) {
   std::string error;
   if (!host->bytes || host->at < host->piece.size()) return;
   const BytesState state = Bytes_State(host->bytes.get(), &error);
@@ -82,12 +82,12 @@ static void Look_At_End(Host* host) {
   if (state == BytesState::Unopened) Close(*host);
 }
 
-/** The plug-in may have asked for its stream again, and any other URL can't be had. */
-static void Look_At_Wishes(Host* host) {
+/** The plug-in may have asked for its stream again; other URLs are not supported. */
+static void Check_Requests(Host* host) {
   bool again = false;
   for (const std::string& url : std::exchange(host->page.wanted, {})) {
-    again |= url == Told_URL(host->options);
-    if (url != Told_URL(host->options)) Host_Report("the plug-in asks for " + url + ", which is not the source");
+    again |= url == Url_Of(host->options);
+    if (url != Url_Of(host->options)) Host_Report("the plug-in asks for " + url + ", which is not the source");
   }
   if (again) Start_Stream(host);
 }
@@ -99,20 +99,20 @@ void Host_Leave(Host* host) {
   Page_Close(&host->page);
 }
 
-/** Takes the next message, the bytes' and the plug-in's own last: a source faster than the screen must not keep the user's input
- * waiting. */
+/** Takes the next message, those for bytes and the plug-in's own last: a source faster than the screen must not delay the user's
+ * input. */
 static bool Take_Message(MSG* message) {
   return PeekMessageA(message, nullptr, 0, WM_APP - 1, PM_REMOVE) || PeekMessageA(message, nullptr, 0, 0, PM_REMOVE);
 }
 
-/** What there is to do when no message waits. */
+/** Called when no message waits. */
 static void Idle(Host* host, const std::atomic<bool>& stop) {
   if (stop) return Close(*host);
   if (Deliver_Once(host)) return;
   if (!host->page.streaming) Drop_Bytes(host);  // The plug-in has ended it.
-  Look_At_End(host);
-  Look_At_Wishes(host);
-  // The messages of the bytes that went last have run: all has been shown.
+  Check_End(host);
+  Check_Requests(host);
+  // No message of the plug-in is left: everything has been shown.
   if (host->options.quit && !host->page.streaming) Close(*host);
   if (IsWindow(host->top)) {
     const bool held = host->at < host->piece.size();
@@ -128,7 +128,7 @@ static void Run_Messages(Host* host) {
       Idle(host, *stop);
       continue;
     }
-    // Here these only end the wait.
+    // In this loop they only end the wait.
     if (message.hwnd == host->inbox && message.message == BytesMessage) {
       if (host->bytes) Bytes_Seen(host->bytes.get(), false);
       continue;
@@ -138,7 +138,7 @@ static void Run_Messages(Host* host) {
   }
 }
 
-/** Makes the instance, with its window and the stream's start. */
+/** Makes the instance and gives it its window. */
 static bool Open_Page(Host* host, std::string* error) {
   NPError result = Page_Open(&host->page, &host->plugin);
   if (result != NPERR_NO_ERROR) {
@@ -173,7 +173,7 @@ static int Run_Plugin(Host* host) {
   return host->code;
 }
 
-/** What an administrator sets for the record menu, read when the library is loaded. */
+/** Sets the administrator's registry value for the record menu, which is read when the library is loaded. */
 static void Turn_Menu_On() {
   HKEY key = nullptr;
   const DWORD on = 1;

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <utility>
 
-/** The kind of place that an instance is made for: a part of a page. */
+/** The mode of an instance: embedded in a page. */
 static constexpr uint16_t EmbeddedMode = 1;
 /** The kind of window: a handle of the system. */
 static constexpr int32_t WindowOfTheSystem = 1;
@@ -43,7 +43,7 @@ static bool Table_Complete(const NPPluginFuncs& functions) {
          functions.writeready && functions.write;
 }
 
-/** Takes the loaded library into use; gives what went wrong, or nothing. */
+/** Starts the loaded library; gives what went wrong, or an empty text. */
 static std::string Start(Plugin* plugin, uint16_t versionWord) {
   const char* const missing = !Find_Entry(*plugin, "NP_GetEntryPoints", &plugin->getEntryPoints) ? "NP_GetEntryPoints"
                               : !Find_Entry(*plugin, "NP_Initialize", &plugin->initialize)       ? "NP_Initialize"
@@ -52,8 +52,8 @@ static std::string Start(Plugin* plugin, uint16_t versionWord) {
   if (missing) return std::string("is no plug-in: it has no ") + missing;
   plugin->functions.size = sizeof plugin->functions;
   NPError result = plugin->getEntryPoints(&plugin->functions);
-  if (result != NPERR_NO_ERROR) return "hands out no functions: NP_GetEntryPoints gives " + std::to_string(result);
-  if (!Table_Complete(plugin->functions)) return "hands out a table with functions missing";
+  if (result != NPERR_NO_ERROR) return "has no functions: NP_GetEntryPoints gives " + std::to_string(result);
+  if (!Table_Complete(plugin->functions)) return "has an incomplete table of functions";
   plugin->browser.size = sizeof plugin->browser;
   plugin->browser.version = versionWord;
   plugin->browser.geturl = NPN_Get_URL;
@@ -116,8 +116,8 @@ NPError Page_New_Stream(Page* page, const char* type, const char* url) {
   page->stream.url = page->url.c_str();
   page->endAsked = false;
   page->offset = 0;
-  uint16_t way = 0;  // The plug-in leaves it: bytes come as they come.
-  const NPError result = page->plugin->functions.newstream(&page->instance, page->type.data(), &page->stream, 0, &way);
+  uint16_t mode = 0;  // Left at 0 by the plug-in: bytes are delivered in order.
+  const NPError result = page->plugin->functions.newstream(&page->instance, page->type.data(), &page->stream, 0, &mode);
   page->streaming = result == NPERR_NO_ERROR;
   return result;
 }
@@ -130,7 +130,7 @@ int32_t Page_Deliver(Page* page, std::span<const uint8_t> bytes) {
   int32_t taken = 0;
   if (offered > 0) {
     const auto length = static_cast<int32_t>(std::min<size_t>(bytes.size(), static_cast<size_t>(offered)));
-    // Past 2 GiB the offset starts over; it tells nothing to a plug-in that reads a stream as it comes.
+    // Past 2 GiB the offset wraps; a plug-in that reads the stream in order doesn't need it.
     taken = functions.write(&page->instance, &page->stream, static_cast<int32_t>(page->offset), length,
                             const_cast<uint8_t*>(bytes.data()));
     if (taken < 0) Page_End_Stream(page, NPRES_NETWORK_ERR);

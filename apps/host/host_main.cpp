@@ -10,12 +10,12 @@
 
 static constexpr int LargestSide = 8192;
 
-/** Reads "WxH". Gives what is wrong with it, or nothing. */
+/** Reads "WxH". Gives what is wrong with it, or an empty text. */
 static std::string Read_Size(const std::string& text, int32_t* width, int32_t* height) {
-  char rest = 0;
-  const bool read = std::sscanf(text.c_str(), "%5dx%5d%c", width, height, &rest) == 2;
+  char extra = 0;
+  const bool read = std::sscanf(text.c_str(), "%5dx%5d%c", width, height, &extra) == 2;
   if (read && std::min(*width, *height) >= 1 && std::max(*width, *height) <= LargestSide) return "";
-  return text + " is no size such as 640x480";
+  return text + " is not a size like 640x480";
 }
 
 static void Add_Options(CLI::App* app, HostOptions* options) {
@@ -24,16 +24,16 @@ static void Add_Options(CLI::App* app, HostOptions* options) {
   app->add_option("--version-word", options->versionWord,
                   "Version of the browser's interface, the major number in the high byte (0x000B)");
   app->add_option("--type", options->type, "MIME type of the stream")->capture_default_str();
-  app->add_option("--url", options->url, "URL that the plug-in is told (SOURCE)");
+  app->add_option("--url", options->url, "URL to give the plug-in (SOURCE)");
   const auto size = [options](const std::string& text) { return Read_Size(text, &options->width, &options->height); };
   app->add_option("--size", "Size of the window (640x480)")->check(CLI::Validator(size, ""))->type_name("WxH");
   app->add_flag("--child", options->child, "Give the plug-in a part of the page's window instead of all of it");
-  app->add_flag("--loop", options->loop, "Deliver a file again and again");
-  app->add_flag("--quit", options->quit, "End when the stream has ended and all of it has been shown");
-  // Elsewhere the machine is the user's, and so are its settings.
+  app->add_flag("--loop", options->loop, "Repeat a file");
+  app->add_flag("--quit", options->quit, "Stop when the stream has ended and all of it has been shown");
+  // Where they can't be chosen the registry and the screen are the user's own.
   if (Desktop_Has_Depths()) {
-    app->add_flag("--menu", options->menu, "Turn the plug-in's record menu on, as the setting Mouse_RButton does on Windows");
-    app->add_option("--screen", options->screenBits, "Show the plug-in a screen of that depth")
+    app->add_flag("--menu", options->menu, "Turn on the plug-in's record menu, as the setting Mouse_RButton does on Windows");
+    app->add_option("--screen", options->screenBits, "Depth of the screen that the plug-in sees, in bits")
         ->check(CLI::IsMember({8, 15, 16, 24, 32}));
   }
 }

@@ -31,8 +31,8 @@ static LRESULT CALLBACK Page_Procedure(HWND window, UINT message, WPARAM wParam,
   return DefWindowProcA(window, message, wParam, lParam);
 }
 
-/** The bytes' messages get here when a dialog of the plug-in runs the messages. As a child the inbox ends after the page has been
- * told, and before it has gone. */
+/** Gets BytesMessage while a dialog of the plug-in runs the message loop. As a child window the inbox is destroyed after the page
+ * has received WM_DESTROY, and before the page is gone. */
 static LRESULT CALLBACK Inbox_Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
   Host* const host = Host_Of(window);
   if (host && message == BytesMessage) Host_Deliver(host);
@@ -71,7 +71,7 @@ bool Host_Open_Windows(Host* host, std::string* error) {
   host->shown = options.child && host->top ? Make_Child(*host, PluginClass, WS_VISIBLE, Plugin_Place(host->top)) : host->top;
   if (!host->inbox || !host->shown) {
     if (host->top) DestroyWindow(host->top);
-    *error = "no window can be opened";
+    *error = "can't open a window";
     return false;
   }
   SetWindowLongPtrA(host->inbox, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(host));

@@ -6,14 +6,14 @@
 #include <chrono>
 #include <cinttypes>
 
-/** Of decoding, when no time is asked for; every frame is decoded once at least then. */
+/** Of decoding, when the user gives no time; every frame is decoded at least once then. */
 static constexpr double UsualSeconds = 2;
-/** Part of that time that the stages may take behind it. */
+/** Part of that time that timing the stages may take afterwards. */
 static constexpr double StagesPart = 0.25;
 
 struct BenchOptions {
   std::string source, kernelName;
-  double seconds = 0;  ///< 0: none asked for.
+  double seconds = 0;  ///< 0: not given.
   bool json = false;
 };
 
@@ -24,7 +24,7 @@ struct RecordingInMemory {
 };
 
 /** What was done, and how long it took. */
-struct Work {
+struct DecodeWork {
   int64_t frames = 0, pixels = 0, bytes = 0;
   double seconds = 0;
 };
@@ -44,9 +44,9 @@ static bool Read_Recording(const std::string& source, RecordingInMemory* recordi
     frame.bytes = {&recording->bytes[static_cast<size_t>(frame.offset)], frame.bytes.size()};
   }
   const auto left = walk.frames - static_cast<int64_t>(recording->frames.size());
-  if (left > 0) Report(std::to_string(left) + " of " + std::to_string(walk.frames) + " frames can't be decoded, left out");
+  if (left > 0) Report(std::to_string(left) + " of " + std::to_string(walk.frames) + " frames can't be decoded: skipped");
   if (walk.frames == 0) *error = No_Frame_Text(source, walk);
-  if (walk.frames > 0 && left == walk.frames) *error = "there is nothing to decode in " + Source_Title(source);
+  if (walk.frames > 0 && left == walk.frames) *error = "no frame of " + Source_Title(source) + " can be decoded";
   return left < walk.frames;
 }
 
@@ -54,8 +54,8 @@ static double Seconds_Since(std::chrono::steady_clock::time_point start) {
   return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
-/** Decodes the recording over and over. False, with *error, without memory. */
-static bool Decode_Frames(const RecordingInMemory& recording, double asked, Work* work, std::string* error) {
+/** Decodes the recording again and again. False, with *error, without memory. */
+static bool Decode_Frames(const RecordingInMemory& recording, double asked, DecodeWork* work, std::string* error) {
   const auto count = static_cast<int64_t>(recording.frames.size());
   DecoderHolder decoder;
   const auto start = std::chrono::steady_clock::now();
@@ -88,7 +88,7 @@ static bool Time_Stages(const RecordingInMemory& recording, double seconds, Stag
   return true;
 }
 
-static void Print_Result(const BenchOptions& options, const RecordingInMemory& recording, const Work& work,
+static void Print_Result(const BenchOptions& options, const RecordingInMemory& recording, const DecodeWork& work,
                          const StageTimes& times) {
   const std::string kernel = options.kernelName.empty() ? Kernel_Best() : options.kernelName;
   const double frames = static_cast<double>(work.frames) / work.seconds,
@@ -116,7 +116,7 @@ static void Print_Result(const BenchOptions& options, const RecordingInMemory& r
 
 static int Run_Bench(const BenchOptions& options) {
   RecordingInMemory recording;
-  Work work;
+  DecodeWork work;
   StageTimes times;
   std::string error;
   if (!Read_Recording(options.source, &recording, &error) || !Decode_Frames(recording, options.seconds, &work, &error) ||
@@ -129,7 +129,7 @@ static int Run_Bench(const BenchOptions& options) {
 
 static int Bench(const BenchOptions& options) {
   if (options.source != "-" && Source_Live(options.source)) {
-    throw CLI::ValidationError("SOURCE", "only a recording can be decoded as fast as possible: give a file or -");
+    throw CLI::ValidationError("SOURCE", "a live source can't be measured: give a file or -");
   }
   Library_Start(options.kernelName);
   const int code = Run_Bench(options);
@@ -138,15 +138,14 @@ static int Bench(const BenchOptions& options) {
 }
 
 void Bench_Command(CLI::App* app, int* code) {
-  CLI::App* const command = app->add_subcommand("bench", "Decode a recording as fast as possible and tell how fast that is");
+  CLI::App* const command = app->add_subcommand("bench", "Measure how fast a recording is decoded");
   const auto options = std::make_shared<BenchOptions>();
   Add_Common_Options(command, &options->source, &options->kernelName);
-  command->add_option("--seconds", options->seconds, "Decode for so long, over and over (2, or until every frame was decoded)")
+  command->add_option("--seconds", options->seconds, "Seconds to decode for (2, or until every frame has been decoded once)")
       ->check(CLI::PositiveNumber);
   command->add_flag("--json", options->json, "Print one JSON object");
   command->footer(
-      "The recording is read into memory first, and nothing is shown. The shares are those of the stages, timed apart from each\n"
-      "other afterwards.\n\n"
+      "The recording is read into memory first; nothing is shown. The stages are timed separately, afterwards.\n\n"
       "Example:\n  velarto bench street.vlr --seconds 5 --json");
   command->callback([options, code] { *code = Bench(*options); });
 }

@@ -3,24 +3,15 @@
 
 #include <CLI/CLI.hpp>
 
-/** *code: where the command leaves its exit code. */
+/** *code receives the command's exit code. */
 void Info_Command(CLI::App* app, int* code);
 void Export_Command(CLI::App* app, int* code);
 void Make_Command(CLI::App* app, int* code);
 void Record_Command(CLI::App* app, int* code);
 void View_Command(CLI::App* app, int* code);
 void Bench_Command(CLI::App* app, int* code);
-/** Adds nothing where the camera isn't built. */
+/** Adds nothing on a platform without the camera. */
 void Camera_Command(CLI::App* app, int* code);
-
-/** Those that need no library beyond the tool's own. */
-inline void Add_File_Commands(CLI::App* app, int* code) {
-  Info_Command(app, code);
-  Export_Command(app, code);
-  Make_Command(app, code);
-  Record_Command(app, code);
-  Bench_Command(app, code);
-}
 
 /** The argument and the option that all of them have. */
 void Add_Common_Options(CLI::App* command, std::string* source, std::string* kernelName);

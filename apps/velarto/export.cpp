@@ -12,14 +12,14 @@ struct ExportOptions {
   int64_t first = 0, count = INT64_MAX, every = 1;
 };
 
-/** A file name around a number. */
+/** A file name with a place for a number. */
 struct NamePattern {
   std::string before, after;
   bool numbered = false;
   size_t digits = 1;  ///< At least; filled up with zeros.
 };
 
-/** Reads a pattern: one %d or %04d (1 to 9 digits), and %% for a percent sign. False for anything else behind a %. */
+/** Reads a pattern: one %d or %04d (1 to 9 digits), and %% for a percent sign. False for anything else after a %. */
 static bool Parse_Pattern(const std::string& text, NamePattern* pattern) {
   for (size_t i = 0; i < text.size(); ++i) {
     std::string& part = pattern->numbered ? pattern->after : pattern->before;
@@ -46,17 +46,17 @@ static std::string File_Name(const NamePattern& pattern, int64_t number) {
   return pattern.before + zeros + digits + pattern.after;
 }
 
-/** The format asked for; else the one that the pattern's ending names; else BMP. */
+/** By --format, else by the extension of the pattern, else BMP. */
 static bool Wants_Jpeg(const ExportOptions& options) {
   if (!options.format.empty()) return options.format == "jpg";
-  std::string ending = std::filesystem::path(options.pattern).extension().string();
-  std::ranges::transform(ending, ending.begin(), [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-  return ending == ".jpg" || ending == ".jpeg";
+  std::string extension = std::filesystem::path(options.pattern).extension().string();
+  std::ranges::transform(extension, extension.begin(), [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  return extension == ".jpg" || extension == ".jpeg";
 }
 
 static std::string Pictures(int64_t count) { return std::to_string(count) + (count == 1 ? " picture" : " pictures"); }
 
-/** The work under way. */
+/** An export in progress. */
 struct Export {
   const ExportOptions& options;
   NamePattern pattern;
@@ -72,8 +72,7 @@ struct Export {
 static bool Export_Frame(Export* work, const WalkedFrame& frame) {
   if (!Frame_Decodable(frame)) {
     Progress_End(&work->progress);
-    Report("frame " + std::to_string(frame.number) + " at offset " + std::to_string(frame.offset) +
-           " can't be decoded, left out");
+    Report("frame " + std::to_string(frame.number) + " at offset " + std::to_string(frame.offset) + " can't be decoded: skipped");
     return true;
   }
   if (!Decoder_Fit(&work->decoder, frame.width, frame.height, &work->error)) return false;
@@ -89,11 +88,11 @@ static bool Export_Frame(Export* work, const WalkedFrame& frame) {
   return true;
 }
 
-/** Every frame is a whole picture, so those not selected need no decoding. */
+/** Every frame is a complete picture: those not selected are not decoded. */
 static bool Take_Frame(Export* work, const WalkedFrame& frame) {
   const ExportOptions& options = work->options;
-  const int64_t behind = frame.number - options.first;
-  if (behind >= 0 && behind % options.every == 0) {
+  const int64_t index = frame.number - options.first;
+  if (index >= 0 && index % options.every == 0) {
     ++work->selected;
     if (!Export_Frame(work, frame)) return false;
   }
@@ -103,7 +102,7 @@ static bool Take_Frame(Export* work, const WalkedFrame& frame) {
 
 static void Check_Usage(const ExportOptions& options, NamePattern* pattern) {
   if (!Parse_Pattern(options.pattern, pattern)) {
-    throw CLI::ValidationError("--output", "a pattern holds one %d or %04d, and %% for a percent sign");
+    throw CLI::ValidationError("--output", "a pattern has one %d or %04d, and %% for a percent sign");
   }
   if (!pattern->numbered && options.count != 1) {
     throw CLI::ValidationError("--output", "without %d in the pattern only one picture can be written: give --count 1");
@@ -159,12 +158,13 @@ void Export_Command(CLI::App* app, int* code) {
       ->required();
   command
       ->add_option("--format", options->format,
-                   "bmp or jpg (by the ending of --output, else bmp); jpg takes a frame's own data, where that makes a JPEG\n"
-                   "image without a fault, and else compresses the picture anew, as for a size that is no multiple of 16")
+                   "bmp or jpg (by the extension of --output, else bmp). jpg keeps the frame's own data where that is a valid\n"
+                   "JPEG image; otherwise, as for a size that is not a multiple of 16, the picture is compressed again")
       ->check(CLI::IsMember({"bmp", "jpg"}));
   command->add_option("--first", options->first, "Number of the first frame (0)")->check(CLI::NonNegativeNumber);
-  command->add_option("--count", options->count, "Most pictures to write")->check(CLI::PositiveNumber);
-  command->add_option("--every", options->every, "Take every N-th frame from the first on (1)")->check(CLI::PositiveNumber);
+  command->add_option("--count", options->count, "Number of pictures to write at most")->check(CLI::PositiveNumber);
+  command->add_option("--every", options->every, "Write every N-th frame, starting with the first (1)")
+      ->check(CLI::PositiveNumber);
   command->footer("Example:\n  velarto export street.vlr -o picture-%04d.bmp --first 10 --count 5 --every 2");
   command->callback([options, code] { *code = Export_Pictures(*options); });
 }

@@ -13,7 +13,7 @@ using Clock = std::chrono::steady_clock;
 
 /** Frames of a recording held for the window's thread; the reader waits when there are as many. */
 static constexpr size_t QueueLength = 4;
-/** For a stopped reader to let go of its connection; it looks at the stop flag more often than that. */
+/** Time for a stopped reader to close its connection; it checks the stop flag more often than that. */
 static constexpr std::chrono::milliseconds EndWait{100};
 
 struct Feed {
@@ -42,7 +42,7 @@ static void Put_Bytes(const WalkedFrame& frame, FedFrame* fed) {
   fed->frame.bytes = fed->bytes;
 }
 
-/** Waits for the moment of the next frame of a recording. A reader that came late starts counting anew. */
+/** Waits until the next frame of a recording is due. A delay of more than one period is not made up for. */
 static void Await_Due(Feed* feed, std::unique_lock<std::mutex>* held) {
   const auto period =
       std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(1 / feed->options.framesPerSecond));
@@ -56,7 +56,7 @@ static void Await_Due(Feed* feed, std::unique_lock<std::mutex>* held) {
   feed->due = std::max(feed->due + period, Clock::now() - period);
 }
 
-/** Queues a frame of a recording, and waits for its time and for room first. False once stopped. */
+/** Queues a frame of a recording when it is due and there is room. False once stopped. */
 static bool Queue_Recorded(Feed* feed, const WalkedFrame& frame) {
   std::unique_lock held(feed->lock);
   Await_Due(feed, &held);
@@ -68,7 +68,7 @@ static bool Queue_Recorded(Feed* feed, const WalkedFrame& frame) {
   return true;
 }
 
-/** Queues a live frame. It takes the place of one that still waits: that is late, and would not be seen for long. */
+/** Queues a live frame. It replaces one that still waits: that one is late already. */
 static bool Queue_Live(Feed* feed, const WalkedFrame& frame) {
   const std::lock_guard held(feed->lock);
   if (feed->stop) return false;

@@ -7,23 +7,23 @@
 
 #include <cstring>
 
-/** Longest compact frame whose head can tell its length. */
+/** Longest compact frame whose length fits its header. */
 static constexpr int32_t LongestCompact = 0xFFFF + CompactHeadSize;
 
-/** A JFIF head for a frame's own quality number. */
-static void Write_Head(JfifCursor* cursor, int32_t width, int32_t height, int32_t frameQuality) {
+/** A JFIF header for a frame's own quality number. */
+static void Write_Header(JfifCursor* cursor, int32_t width, int32_t height, int32_t frameQuality) {
   uint16_t luma[64], chroma[64];
   Quant_Build(frameQuality, luma, chroma);
   JFIF_Write_Header(cursor, width, height, luma, chroma);
 }
 
-/** Does a frame's own quality number come back from the head? */
+/** Does a reader get the frame's own quality number back from the header? */
 static bool Reads_Back(int32_t frameQuality) {
-  uint8_t head[LeastJfifBytes] = {};
-  JfifCursor cursor = {head, 0};
-  Write_Head(&cursor, 16, 16, frameQuality);
+  uint8_t header[LeastJfifBytes] = {};
+  JfifCursor cursor = {header, 0};
+  Write_Header(&cursor, 16, 16, frameQuality);
   int32_t width = 0, height = 0, read = 0;
-  return Parse_JFIF_Header(head, &width, &height, &read) && read == frameQuality;
+  return Parse_JFIF_Header(header, &width, &height, &read) && read == frameQuality;
 }
 
 int32_t Quality_Readable(int32_t quality) {
@@ -35,7 +35,7 @@ int32_t Quality_Readable(int32_t quality) {
   return found;
 }
 
-/** The length's low half stands in the compact head, its high half in the prefix. */
+/** The low half of the length is in the compact header, the high half in the prefix. */
 static void Add_Prefix(std::vector<uint8_t>* frame) {
   uint8_t prefix[PrefixSize];
   Prefix_Write(prefix, static_cast<int64_t>(frame->size()));
@@ -54,12 +54,12 @@ bool Frame_Make(JdecDecoder* decoder, const Picture& picture, const FrameStyle& 
   if (!style.text.empty() && !Text_Embed(codec, style.text, error)) return false;
   const int32_t length = Codec_Encode_Store(codec, jfif);
   if (length == 0 || (style.form == FrameForm::Prefixed && length > FrameStoreSize - PrefixSize)) {
-    *error = "the frame would have more than " + std::to_string(FrameStoreSize) + " bytes: take a lower quality";
+    *error = "the frame would be longer than " + std::to_string(FrameStoreSize) + " bytes: use a lower quality";
     return false;
   }
   if (style.form == FrameForm::Compact && length > LongestCompact) {
     *error = "a compact frame has at most " + std::to_string(LongestCompact) + " bytes, this one has " + std::to_string(length) +
-             ": take another form or a lower quality";
+             ": use another form or a lower quality";
     return false;
   }
   frame->assign(codec->frame->data, codec->frame->data + length);
@@ -74,7 +74,7 @@ std::vector<uint8_t> Frame_To_Jfif(std::span<const uint8_t> frame, FrameForm for
   Parse_Compact_Header(compact.data(), &width, &height, &quality);
   std::vector<uint8_t> jfif(LeastJfifBytes + body.size());
   JfifCursor cursor = {jfif.data(), 0};
-  Write_Head(&cursor, width, height, quality);
+  Write_Header(&cursor, width, height, quality);
   std::memcpy(&jfif[JfifHeadSize], body.data(), body.size());
   cursor.next += body.size();
   JFIF_Write_EOI(&cursor);

@@ -11,9 +11,9 @@ const char* Form_Name(FrameForm form) {
 }
 
 static size_t Held(const FrameWalk& walk) { return walk.held.size() - walk.begin; }
-static const uint8_t* Head(const FrameWalk& walk) { return walk.held.data() + walk.begin; }
+static const uint8_t* Bytes_Of(const FrameWalk& walk) { return walk.held.data() + walk.begin; }
 
-/** Moves on by that many bytes, to a place where the search begins anew. */
+/** Skips so many bytes; the search starts again after them. */
 static void Pass(FrameWalk* walk, size_t count) {
   walk->begin += count;
   walk->taken += static_cast<int64_t>(count);
@@ -41,27 +41,27 @@ void Walk_Resume(FrameWalk* walk) {
   walk->ended = false;
 }
 
-/** Passes over bytes that were searched up to `reached`, but for what a prefix may begin in. Of a run of FF a search from further
- *  ahead looks at every second byte only: it goes on at one that it would have looked at. */
+/** Skips the bytes searched up to `reached`, except those in which a prefix may begin. In a run of FF the search looks at every
+ *  second byte only: it must continue at one of those. */
 static void Pass_Searched(FrameWalk* walk, size_t reached) {
   if (reached <= PrefixSize) return;
-  const uint8_t* const head = Head(*walk);
+  const uint8_t* const bytes = Bytes_Of(*walk);
   const size_t place = reached - PrefixSize;
   size_t run = place;
-  while (run > 0 && head[run - 1] == 0xFF) --run;
+  while (run > 0 && bytes[run - 1] == 0xFF) --run;
   Pass(walk, place - (place - run) % 2);
 }
 
-/** Looks for a frame start and goes there. False when there is none yet; `wanted` is set then. */
+/** Finds a frame start and goes there. False when there is none yet; `wanted` is set then. */
 static bool Find_Start(FrameWalk* walk) {
   while (Held(*walk) >= LeastSearchBytes) {
     const auto count = static_cast<int32_t>(Held(*walk));
     int32_t isJfif = 0, wanted = 0;
-    const int32_t start = Frame_Sync_Strict(Head(*walk), count, &isJfif, &wanted);
+    const int32_t start = Frame_Sync_Strict(Bytes_Of(*walk), count, &isJfif, &wanted);
     if (start >= 0) {
       Pass(walk, static_cast<size_t>(start));
-      const uint8_t* const head = Head(*walk);
-      const bool compact = head[0] == 0xFF && head[1] == 0xD8;
+      const uint8_t* const bytes = Bytes_Of(*walk);
+      const bool compact = bytes[0] == 0xFF && bytes[1] == 0xD8;
       walk->form = isJfif ? FrameForm::Jfif : compact ? FrameForm::Compact : FrameForm::Prefixed;
       walk->open = true;
       return true;
@@ -82,30 +82,30 @@ static bool Find_Start(FrameWalk* walk) {
   return false;
 }
 
-/** Bytes of the open frame: 0 while they can't be told, -1 for a frame longer than the store, which is none. */
+/** Length of the open frame: 0 while it is not known, -1 for one longer than the store, which is no frame. */
 static int64_t Open_Length(FrameWalk* walk) {
-  const uint8_t* const head = Head(*walk);
+  const uint8_t* const bytes = Bytes_Of(*walk);
   if (walk->form != FrameForm::Jfif) {
-    const int64_t length = walk->form == FrameForm::Prefixed ? Prefixed_Length(head) : Compact_Length(head);
+    const int64_t length = walk->form == FrameForm::Prefixed ? Prefixed_Length(bytes) : Compact_Length(bytes);
     return length > FrameStoreSize ? -1 : length;
   }
   const auto count = static_cast<int32_t>(std::min<size_t>(Held(*walk), FrameStoreSize));
-  const int32_t end = Find_EOI(head + walk->endSearched, count - walk->endSearched);
+  const int32_t end = Find_EOI(bytes + walk->endSearched, count - walk->endSearched);
   if (end >= 0) return walk->endSearched + end + 2;
   walk->endSearched = std::max(count - 1, 0);
   return count == FrameStoreSize ? -1 : 0;
 }
 
 static void Read_Fields(const FrameWalk& walk, WalkedFrame* frame) {
-  const uint8_t* const head = frame->bytes.data();
+  const uint8_t* const header = frame->bytes.data();
   const auto length = static_cast<int32_t>(frame->bytes.size());
   frame->width = frame->height = frame->quality = 0;
   if (walk.form == FrameForm::Jfif) {
-    if (length >= LeastJfifBytes) Parse_JFIF_Header(head, &frame->width, &frame->height, &frame->quality);
+    if (length >= LeastJfifBytes) Parse_JFIF_Header(header, &frame->width, &frame->height, &frame->quality);
     return;
   }
   const int32_t prefix = walk.form == FrameForm::Prefixed ? PrefixSize : 0;
-  if (length >= prefix + CompactHeadSize) Parse_Compact_Header(head + prefix, &frame->width, &frame->height, &frame->quality);
+  if (length >= prefix + CompactHeadSize) Parse_Compact_Header(header + prefix, &frame->width, &frame->height, &frame->quality);
 }
 
 bool Walk_Next(FrameWalk* walk, WalkedFrame* frame) {
@@ -123,7 +123,7 @@ bool Walk_Next(FrameWalk* walk, WalkedFrame* frame) {
     frame->number = walk->frames++;
     frame->offset = walk->taken;
     frame->form = walk->form;
-    frame->bytes = {Head(*walk), static_cast<size_t>(length)};
+    frame->bytes = {Bytes_Of(*walk), static_cast<size_t>(length)};
     Read_Fields(*walk, frame);
     walk->frameBytes += length;
     Pass(walk, static_cast<size_t>(length));

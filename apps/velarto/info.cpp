@@ -23,7 +23,7 @@ static bool Hidden_Text(DecoderHolder* decoder, const WalkedFrame& frame, std::s
   return true;
 }
 
-/** The text between quotes. What isn't plain ASCII, a quote or a backslash stands as \xNN; in JSON as \u00NN. */
+/** The text in quotes. Quotes, backslashes and what isn't printable ASCII become \xNN; in JSON \u00NN. */
 static std::string Quoted(const std::string& text, bool json) {
   std::string quoted = "\"";
   for (const char c : text) {
@@ -36,7 +36,7 @@ static std::string Quoted(const std::string& text, bool json) {
   return quoted + '"';
 }
 
-/** text: null for none asked for. */
+/** text: null if it was not asked for. */
 static void Print_Frame(const WalkedFrame& frame, bool json, const std::string* text) {
   const char* const form = Form_Name(frame.form);
   if (json) {
@@ -101,9 +101,10 @@ void Info_Command(CLI::App* app, int* code) {
   CLI::App* const command = app->add_subcommand("info", "List the frames of a stream");
   const auto options = std::make_shared<InfoOptions>();
   Add_Common_Options(command, &options->source, &options->kernelName);
-  command->add_flag("--json", options->json, "Print one JSON object a line, the summary last");
-  command->add_flag("--text", options->text,
-                    "Decode the frames and print the text hidden in each; other pictures may hold a few letters by chance");
+  command->add_flag("--json", options->json, "Print one JSON object per line, the summary last");
+  command->add_flag(
+      "--text", options->text,
+      "Decode the frames and print the text hidden in each; a picture without one may yield a few letters by chance");
   command->footer("Example:\n  velarto info --json street.vlr");
   command->callback([options, code] { *code = Info(*options); });
 }

@@ -9,10 +9,10 @@
 #include <jerror.h>
 #include <jpeglib.h>
 
-/** A progressive image may hold the same picture in any number of scans, each of which costs the time of a whole one. */
+/** A progressive image may have any number of scans, and each takes the time of a whole picture. */
 static constexpr int MostScans = 500;
 
-/** libjpeg's way out of an error is a jump: between a setjmp and the calls behind it there is no object to be destroyed. */
+/** libjpeg leaves by a jump on an error: between a setjmp and the calls after it there must be no object to destroy. */
 struct JpegFailure {
   jpeg_error_mgr manager;  ///< First: libjpeg knows the record by this member.
   std::jmp_buf escape;
@@ -26,7 +26,7 @@ static void Leave(j_common_ptr info) {
   std::longjmp(failure->escape, 1);
 }
 
-/** Keeps the first warning; libjpeg goes on with grey or with what it can guess. */
+/** Keeps the first warning; libjpeg continues with grey or with a guess. */
 static void Note(j_common_ptr info, int level) {
   auto* const failure = reinterpret_cast<JpegFailure*>(info->err);
   if (level >= 0) return;
@@ -100,7 +100,7 @@ bool Jpeg_Read(std::span<const uint8_t> bytes, Picture* picture, std::string* er
     read = Reader_Rows(&reader, Picture_Row(picture, picture->height - 1), static_cast<size_t>(picture->width) * 3);
   }
   if (read && !reader.failure.damaged) return true;
-  *error = std::string("the JPEG image is damaged or not of a usual kind: ") + reader.failure.text;
+  *error = std::string("the JPEG image is damaged or of an unsupported kind: ") + reader.failure.text;
   return false;
 }
 
@@ -154,8 +154,8 @@ static bool Writer_Run(JpegWriter* writer, const Picture& picture, int quality) 
 bool Jpeg_Write(const Picture& picture, int32_t quality, std::vector<uint8_t>* bytes, std::string* error) {
   JpegWriter writer;
   if (!Writer_Run(&writer, picture, quality)) {
-    *error = std::string("it can't be compressed: ") + writer.failure.text;
-    writer.image = nullptr;  // After a failure to grow it, libjpeg has let go of what this points to.
+    *error = std::string("compressing it as JPEG failed: ") + writer.failure.text;
+    writer.image = nullptr;  // libjpeg has freed it if growing it failed.
     return false;
   }
   bytes->assign(writer.image, writer.image + writer.size);

@@ -2,7 +2,7 @@
 #include "decode/frame_header.h"
 
 bool Jpeg_Read(std::span<const uint8_t> /*bytes*/, Picture* /*picture*/, std::string* error) {
-  *error = "JPEG images can't be read here, only BMP and PPM";
+  *error = "JPEG images can't be read on this platform, only BMP and PPM";
   return false;
 }
 
@@ -13,6 +13,6 @@ bool Jpeg_Sound(std::span<const uint8_t> bytes) {
 }
 
 bool Jpeg_Write(const Picture& /*picture*/, int32_t /*quality*/, std::vector<uint8_t>* /*bytes*/, std::string* error) {
-  *error = "its size is no multiple of 16 and pictures can't be compressed anew here";
+  *error = "its size is not a multiple of 16, and on this platform pictures can't be compressed as JPEG";
   return false;
 }

@@ -1,5 +1,5 @@
+#include "apps/velarto/commands.h"
 #include "apps/velarto/output.h"
-#include "apps/velarto/program.h"
 #include "apps/velarto/stream.h"
 
 #include <sstream>
@@ -11,7 +11,7 @@ static std::string One_Line(const CLI::App* app, const CLI::Error& error) {
   return std::string("velarto: ") + error.what() + " (see velarto" + name + " --help)\n";
 }
 
-/** Says what the parser has to say: help and version on the output, a wrong usage on standard error. */
+/** Prints the parser's result: help and version to the output, usage errors to standard error. */
 static int Answer(const CLI::App& app, const CLI::ParseError& error) {
   std::ostringstream out, wrong;
   const bool asked = app.exit(error, out, wrong) == 0;
@@ -32,7 +32,10 @@ static int Run(int argc, char** argv) {
   app.require_subcommand(1);
   app.allow_windows_style_options(false);  // A path may begin with a slash there too.
   int code = ExitDone;
-  Add_Commands(&app, &code);
+  for (const auto add :
+       {Info_Command, Export_Command, Make_Command, Record_Command, Bench_Command, View_Command, Camera_Command}) {
+    add(&app, &code);
+  }
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
@@ -43,8 +46,7 @@ static int Run(int argc, char** argv) {
 
 int main(int argc, char** argv) {
   try {
-    std::string failure;
-    return Keep_Or_Pass_On(argc, argv, &failure) ? Run(argc, argv) : Report(failure);
+    return Run(argc, argv);
   } catch (const std::exception& error) {
     std::fprintf(stderr, "velarto: %s\n", error.what());
     return ExitFailed;

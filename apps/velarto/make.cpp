@@ -12,7 +12,7 @@ struct MakeOptions {
   FrameStyle style;
 };
 
-/** The work under way. */
+/** A stream in the making. */
 struct Make {
   const MakeOptions& options;
   DecoderHolder decoder;                     ///< Of the size of the last picture.
@@ -62,7 +62,7 @@ static int Run_Make(Make* work) {
   Progress_End(&work->progress);
   if (!made && !error.empty()) return Report(error);
   if (!own) std::fprintf(Output(), "%s written\n", Frames(work->written).c_str());
-  return ExitDone;  // What has become of the output itself is told at the end.
+  return ExitDone;  // Output_Finish reports failures of the output itself.
 }
 
 static int Make_Stream(MakeOptions options) {
@@ -88,17 +88,18 @@ void Make_Command(CLI::App* app, int* code) {
       ->check(CLI::IsMember({"compact", "prefixed", "jfif"}));
   command
       ->add_option("--quality", options->style.quality,
-                   "0 to 100 (75); frames carry the number quality * 80 / 100 + 10, with --form jfif the nearest one that\n"
-                   "can be told from its tables")
+                   "0 to 100 (75); a frame's own number is quality * 80 / 100 + 10, with --form jfif the nearest one that\n"
+                   "can be derived from its tables")
       ->check(CLI::Range(0, 100));
-  command->add_option("--repeat", options->repeat, "Write all pictures so many times (1)")->check(CLI::Range(1, 1000000));
-  command->add_option("--text", options->style.text, "Text to hide in each frame: a byte for 8 blocks of 8x8, at most 1024");
+  command->add_option("--repeat", options->repeat, "Write all pictures this many times (1)")->check(CLI::Range(1, 1000000));
+  command->add_option("--text", options->style.text,
+                      "Text to hide in each frame: one byte per 8 blocks of 8x8, at most 1024 bytes");
   command->add_option("--cpu", options->kernelName, "Highest level of processor instructions to use")
       ->check(CLI::IsMember(Kernel_Names()));
   command->footer(
-      "Frames are coded in blocks of 16x16. Of a picture whose size is no multiple of 16 the columns at the right and the rows\n"
-      "at the bottom that fill no block are not coded: compact and prefixed frames keep the picture's size and show dark\n"
-      "there, jfif frames are cut to what is coded. Pictures smaller than 16x16 are refused.\n\n"
+      "Frames are coded in blocks of 16x16. If a picture's size is not a multiple of 16, the remaining columns at the right and\n"
+      "rows at the bottom are not coded: compact and prefixed frames keep the picture's size and are dark there, jfif frames\n"
+      "are cropped. Pictures smaller than 16x16 are refused.\n\n"
       "Example:\n  velarto make a.bmp b.ppm c.jpg -o pictures.vlr --quality 60 --repeat 10");
   command->callback([options, code] { *code = Make_Stream(*options); });
 }

@@ -30,7 +30,7 @@ bool Output_Good() {
 
 int Output_Finish(int code) {
   if (std::fflush(output) != 0 && outputError == 0) outputError = errno;
-  // Windows tells a reader that has gone away by EINVAL.
+  // Windows reports a closed pipe as EINVAL.
   if (Output_Good() || outputError == EPIPE || outputError == EINVAL) return code;
   return Report(std::string("can't write the output: ") + std::strerror(outputError));
 }

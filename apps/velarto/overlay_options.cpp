@@ -5,7 +5,7 @@
 #include <fstream>
 #include <sstream>
 
-/** Reads a whole number that takes up all of the text. */
+/** Reads a whole number; nothing else may be in the text. */
 static bool Parse_Number(std::string_view text, int* number) {
   const auto [end, code] = std::from_chars(text.data(), text.data() + text.size(), *number);
   return code == std::errc() && end == text.data() + text.size() && !text.empty();
@@ -28,33 +28,33 @@ static bool Read_Cells(const std::string& source, Overlays* overlays, std::strin
   if (Mark_Cell(source, overlays)) return true;
   std::ifstream file(source);
   if (!file) {
-    *error = source + ": neither a cell, COLUMN,ROW up to 19,14, nor a file that can be read";
+    *error = source + ": not a cell (COLUMN,ROW up to 19,14) and not a readable file";
     return false;
   }
   for (std::string text; file >> text;) {
     if (Mark_Cell(text, overlays)) continue;
-    *error = source + ": \"" + text.substr(0, 40) + "\" is no cell, COLUMN,ROW up to 19,14";
+    *error = source + ": \"" + text.substr(0, 40) + "\" is not a cell (COLUMN,ROW up to 19,14)";
     return false;
   }
   return true;
 }
 
-/** TEXT,LEFT,TOP,RIGHT,BOTTOM, where the text may have commas of its own. */
+/** TEXT,LEFT,TOP,RIGHT,BOTTOM; the text may contain commas. */
 static bool Read_Motion(const std::string& source, Overlays* overlays, std::string* error) {
   LONG* const sides[] = {&overlays->motionRect.bottom, &overlays->motionRect.right, &overlays->motionRect.top,
                          &overlays->motionRect.left};
-  std::string_view rest = source;
+  std::string_view left = source;
   for (LONG* const side : sides) {
-    const size_t comma = rest.rfind(',');
+    const size_t comma = left.rfind(',');
     int number = 0;
-    if (comma == std::string_view::npos || !Parse_Number(rest.substr(comma + 1), &number)) {
+    if (comma == std::string_view::npos || !Parse_Number(left.substr(comma + 1), &number)) {
       *error = "--motion takes TEXT,LEFT,TOP,RIGHT,BOTTOM, not " + source;
       return false;
     }
     *side = number;
-    rest = rest.substr(0, comma);
+    left = left.substr(0, comma);
   }
-  overlays->caption = rest;
+  overlays->caption = left;
   return true;
 }
 
@@ -78,12 +78,13 @@ bool Overlays_Read(const OverlayOptions& options, Overlays* overlays, std::strin
 }
 
 void Add_Overlay_Options(CLI::App* command, OverlayOptions* options) {
-  constexpr const char* group = "Over the picture";
+  constexpr const char* group = "Overlays";
   command->add_flag("--grid", options->grid, "Show the grid of the motion detection")->group(group);
   command
       ->add_option("--cells", options->cells, "Cells of the grid to mark: COLUMN,ROW each, up to 19,14, or a file of such pairs")
       ->group(group);
-  command->add_option("--area", options->area, "X,Y,WIDTH,HEIGHT in picture pixels: dim all around, in place of the grid")
+  command
+      ->add_option("--area", options->area, "X,Y,WIDTH,HEIGHT in picture pixels: dim everything around it, instead of the grid")
       ->delimiter(',')
       ->expected(4)
       ->group(group);
@@ -93,10 +94,11 @@ void Add_Overlay_Options(CLI::App* command, OverlayOptions* options) {
       ->delimiter(',')
       ->expected(4)
       ->group(group);
-  command->add_option("--ptz", options->ptz, "Picture for the lower right corner, black being transparent; not with the grid")
+  command->add_option("--ptz", options->ptz, "Picture for the lower right corner, black is transparent; hidden by the grid")
       ->group(group);
   command
-      ->add_option("--position", options->position, "Picture over the picture, black being transparent; not with the two above")
+      ->add_option("--position", options->position,
+                   "Picture over the whole video, black is transparent; hidden by the grid and the PTZ picture")
       ->group(group);
   command->add_option("--motion", options->motion, "TEXT,LEFT,TOP,RIGHT,BOTTOM: caption and rectangle of the motion search")
       ->group(group);

@@ -9,10 +9,10 @@
 
 /** Values of JDEC_enable_MD: the layer, and the layer with the rectangle mode. */
 static constexpr int32_t LayerOff = 0, LayerOn = 1, LayerWithRectangle = 3;
-/** The measure that the rectangle is told in. */
+/** The picture size that the rectangle's coordinates refer to. */
 static constexpr int RectangleWidth = 320, RectangleHeight = 240;
 
-/** A bitmap of the window system, which JDEC_set_*_bmp takes over; null for an empty picture. */
+/** A bitmap of the window system, which JDEC_set_*_bmp will own; null for an empty picture. */
 static HBITMAP Bitmap_Of(const Picture& picture) {
   if (picture.pixels.empty()) return nullptr;
   const size_t row = static_cast<size_t>(picture.width) * 3, pitch = (row + 3) / 4 * 4;
@@ -32,7 +32,7 @@ static HBITMAP Bitmap_Of(const Picture& picture) {
   return bitmap;
 }
 
-/** Hands the picture over to the operation; what that doesn't take is deleted. */
+/** Gives the operation a bitmap of the picture, and deletes it if it isn't accepted. */
 static void Set_Bitmap(const Picture& picture, JdecDecoder* decoder, bool position) {
   const HBITMAP bitmap = Bitmap_Of(picture);
   if (position) {

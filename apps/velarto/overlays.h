@@ -1,5 +1,5 @@
-/* What the viewer lays over the picture, as the user has asked for it on the command line and changes it by keys and clicks. A
- * display starts without any of it, so that it is applied anew to each. */
+/* What the viewer lays over the picture: chosen on the command line, changed by keys and clicks. A display starts without
+ * overlays; they are applied to each new one. */
 #pragma once
 
 #include "apps/velarto/picture.h"
@@ -38,13 +38,13 @@ struct Overlays {
   RECT motionRect = {};
 };
 
-/** Reads what the options name. False, with *error, for files and texts that can't be understood. */
+/** Reads what the options name. False, with *error, for an unreadable file or an invalid value. */
 bool Overlays_Read(const OverlayOptions& options, Overlays* overlays, std::string* error);
 
-/** Applies all of it to the decoder's display. Nothing shows before the next frame or repaint, as with those that follow. */
+/** Applies all of it to the decoder's display. Here and below, nothing shows before the next frame or repaint. */
 void Overlays_Apply(const Overlays& overlays, JdecDecoder* decoder);
 
-/* What is on goes off, and the other way round. */
+/* Each turns its overlay on or off. */
 void Overlays_Toggle_Layer(Overlays* overlays, JdecDecoder* decoder);
 void Overlays_Toggle_Statistics(Overlays* overlays, JdecDecoder* decoder);
 void Overlays_Toggle_Motion(Overlays* overlays, JdecDecoder* decoder);

@@ -11,8 +11,8 @@
 
 static constexpr size_t BmpHeadSize = 54, BmpFileSizeAt = 2;
 static constexpr int32_t MacroblockSide = 16;
-/** libjpeg quality of pictures that are compressed anew. */
-static constexpr int32_t AnewQuality = 90;
+/** libjpeg quality of pictures that are compressed again. */
+static constexpr int32_t SecondQuality = 90;
 
 bool Decoder_Fit(DecoderHolder* decoder, int32_t width, int32_t height, std::string* error) {
   bool made = false;
@@ -27,7 +27,7 @@ bool Decoder_Fit(DecoderHolder* decoder, int32_t width, int32_t height, std::str
   return made;
 }
 
-/** The decoder doesn't look at fewer bytes than a search wants; with zeros behind them it does, and passes over those. */
+/** The decoder ignores fewer bytes than a search needs: zeros are added, which it skips. */
 static std::span<const uint8_t> Long_Enough(const WalkedFrame& frame, std::vector<uint8_t>* padded) {
   const size_t least = frame.form == FrameForm::Jfif ? LeastJfifBytes : LeastSearchBytes;
   if (frame.bytes.size() >= least) return frame.bytes;
@@ -44,15 +44,15 @@ bool Picture_Push(JdecDecoder* decoder, const WalkedFrame& frame) {
   return true;
 }
 
-/** Brings the frame into the decoder's store undecoded. */
+/** Puts the frame into the decoder's store, undecoded. */
 static bool Store_Frame(JdecDecoder* decoder, const WalkedFrame& frame) {
-  std::vector<uint8_t> padded, taken(frame.bytes.size());
+  std::vector<uint8_t> padded, copy(frame.bytes.size());
   const auto bytes = Long_Enough(frame, &padded);
   JDEC_Receive_Data_2(decoder, bytes.data(), static_cast<uint32_t>(bytes.size()));
-  return JDEC_Check_Decode_Frame(decoder, 0, taken.data(), static_cast<int32_t>(taken.size()), nullptr, 0, 0, nullptr) == 1;
+  return JDEC_Check_Decode_Frame(decoder, 0, copy.data(), static_cast<int32_t>(copy.size()), nullptr, 0, 0, nullptr) == 1;
 }
 
-/** The library's image has rows of exactly 3 * width bytes; a BMP file wants them at multiples of 4. */
+/** The library's image has rows of exactly 3 * width bytes; in a BMP file a row is a multiple of 4 bytes. */
 static std::vector<uint8_t> Aligned_Rows(const std::vector<uint8_t>& image, size_t width, size_t height) {
   const size_t row = width * 3, pitch = (row + 3) / 4 * 4;
   std::vector<uint8_t> aligned(BmpHeadSize + pitch * height);
@@ -97,7 +97,7 @@ bool Picture_Save_Jpeg(JdecDecoder* decoder, const WalkedFrame& frame, const std
   }
   std::vector<uint8_t> bytes;
   Picture_Push(decoder, frame);
-  if (!Jpeg_Write(Decoder_Picture(decoder), AnewQuality, &bytes, error)) {
+  if (!Jpeg_Write(Decoder_Picture(decoder), SecondQuality, &bytes, error)) {
     *error = "can't write " + path + ": " + *error;
     return false;
   }
@@ -108,13 +108,13 @@ bool Picture_Save_Jpeg(JdecDecoder* decoder, const WalkedFrame& frame, const std
 bool Picture_Size_Check(int64_t width, int64_t height, std::string* error) {
   const std::string size = std::to_string(width) + "x" + std::to_string(height);
   if (width < MacroblockSide || height < MacroblockSide) {
-    *error = "a picture of " + size + " is too small: a frame carries whole blocks of 16x16";
+    *error = "a picture of " + size + " is too small: a frame has whole blocks of 16x16";
     return false;
   }
   if (width > MaxPictureSide || height > MaxPictureSide ||
       !Picture_Size_Allowed(static_cast<int32_t>(width), static_cast<int32_t>(height))) {
-    *error = "a picture of " + size + " is too large: a frame carries sides of up to " + std::to_string(MaxPictureSide) +
-             " and " + std::to_string(MaxMacroblocks) + " blocks of 16x16";
+    *error = "a picture of " + size + " is too large: a frame has sides of at most " + std::to_string(MaxPictureSide) +
+             " and at most " + std::to_string(MaxMacroblocks) + " blocks of 16x16";
     return false;
   }
   return true;

@@ -18,28 +18,28 @@ struct DecoderRelease {
 };
 using DecoderHolder = std::unique_ptr<JdecDecoder, DecoderRelease>;
 
-/** Makes *decoder a headless decoder of that size, which must be an allowed one, unless it is one. False, with *error, without
- *  memory. */
+/** Makes *decoder a headless decoder of that size, which must be an allowed one. Does nothing if it is one already. False, with
+ *  *error, without memory. */
 bool Decoder_Fit(DecoderHolder* decoder, int32_t width, int32_t height, std::string* error);
 
-/** Decodes the frame, and shows it if the decoder has a window. Gives false, and does nothing, for one that can't be decoded. */
+/** Decodes the frame, and shows it if the decoder has a window. False, without effect, if it can't be decoded. */
 bool Picture_Push(JdecDecoder* decoder, const WalkedFrame& frame);
 
-/** Writes the decoder's picture as a BMP file of 24 bits, whole or not at all. False with *error. */
+/** Writes the decoder's picture as a BMP file of 24 bits, completely or not at all. False with *error. */
 bool Picture_Save(JdecDecoder* decoder, const std::string& path, std::string* error);
 
-/** Writes the frame as a JPEG file, whole or not at all: its own data where that makes a JPEG image without a fault, else the
- *  picture that the headless decoder makes of it, compressed anew. False with *error. */
+/** Writes the frame as a JPEG file, completely or not at all: its own data where that is a valid JPEG image, otherwise the
+ * picture that the headless decoder makes of it, compressed again. False with *error. */
 bool Picture_Save_Jpeg(JdecDecoder* decoder, const WalkedFrame& frame, const std::string& path, std::string* error);
 
-/** Can a frame carry a picture of that size? False, with *error, if not. */
+/** Can a frame have a picture of that size? False, with *error, if not. */
 bool Picture_Size_Check(int64_t width, int64_t height, std::string* error);
 
-/** Gives the picture a size that was checked, and black pixels. */
+/** Gives the picture a size, which must have been checked, and black pixels. */
 void Picture_Allot(Picture* picture, int64_t width, int64_t height);
 
 /** Row y of the picture, counted from the bottom. */
 uint8_t* Picture_Row(Picture* picture, int64_t y);
 
-/** The picture's upper left part that fills whole macroblocks: all of it that a frame carries. */
+/** The upper left part of the picture, of whole macroblocks: what a frame codes of it. */
 Picture Picture_Coded_Part(Picture picture);

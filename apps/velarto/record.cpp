@@ -10,7 +10,7 @@
 #include <mutex>
 #include <thread>
 
-/** Bytes held that belong to no frame, before they are written although no frame follows them yet. */
+/** More held bytes that belong to no frame are written even if no frame has followed them yet. */
 static constexpr int64_t HeldLimit = 1024 * 1024;
 
 struct RecordOptions {
@@ -19,7 +19,7 @@ struct RecordOptions {
   int64_t frames = 0;
 };
 
-/** Sets the stop flag when a time is over, unless it ends before. */
+/** Sets the stop flag after some time, unless it is destroyed before. */
 using Timer = std::jthread;
 
 static Timer Timer_Start(double seconds, std::atomic<bool>* stop) {
@@ -32,15 +32,15 @@ static Timer Timer_Start(double seconds, std::atomic<bool>* stop) {
   });
 }
 
-/** The work under way. The recording is the stream from the first frame start to the end of the last frame; only what was begun
- * when a connection broke is left out. */
+/** A recording in progress. The file is the stream from the first frame start to the end of the last frame, without the frames
+ * that lost connections left incomplete. */
 struct Recording {
   const RecordOptions& options;
   std::atomic<bool>* stop;
   int64_t sourceSize;  ///< 0 when not known.
   FrameWalk walk = {};
   std::vector<uint8_t> held = {};  ///< Bytes of the stream not written yet.
-  int64_t heldAt = 0;              ///< Where in the stream they begin.
+  int64_t heldAt = 0;              ///< Their offset in the stream.
   FILE* file = nullptr;
   int64_t written = 0;            ///< Bytes of the file.
   int64_t frames = 0, whole = 0;  ///< Frames in it, and its bytes up to the end of the last one.
@@ -56,24 +56,24 @@ static bool Fail(Recording* recording) {
   return false;
 }
 
-/** The file, made when there is something to put in. */
+/** Opens the file, when there is something to write. */
 static bool Open_File(Recording* recording) {
   if (recording->file) return true;
   recording->file = To_Output(*recording) ? Output() : std::fopen(recording->options.path.c_str(), "wb");
   if (!recording->file) return Fail(recording);
-  // One write for each frame: what is in the file survives whatever happens to this program.
+  // One write for each frame: a crash loses none of those written.
   std::setvbuf(recording->file, nullptr, _IONBF, 0);
   return true;
 }
 
-/** Lets go of the held bytes ahead of a place in the stream. */
+/** Drops the held bytes before an offset of the stream. */
 static void Drop_Held(Recording* recording, int64_t end) {
   const int64_t count = std::clamp<int64_t>(end - recording->heldAt, 0, static_cast<int64_t>(recording->held.size()));
   recording->held.erase(recording->held.begin(), recording->held.begin() + count);
   recording->heldAt += count;
 }
 
-/** Writes the held bytes ahead of a place in the stream, and lets go of them. */
+/** Writes the held bytes before an offset of the stream, and drops them. */
 static bool Write_Held(Recording* recording, int64_t end) {
   const auto count = static_cast<size_t>(end - recording->heldAt);
   if (!Open_File(recording)) return false;
@@ -89,7 +89,7 @@ static std::string Amount(const Recording& recording) {
          " bytes";
 }
 
-/** Holds the bytes until it is known what they are. */
+/** Holds the bytes until it is known to what they belong. */
 static void Take_Bytes(Recording* recording, std::span<const uint8_t> bytes) {
   const FrameWalk& walk = recording->walk;
   Drop_Held(recording, walk.frames == 0 ? walk.taken : walk.resumed);
@@ -111,7 +111,7 @@ static bool Take_Frame(Recording* recording, const WalkedFrame& frame) {
   return recording->frames != options.frames;
 }
 
-/** Closes the file, cut behind its last frame. */
+/** Closes the file, truncated after its last frame. */
 static void Close_File(Recording* recording) {
   if (!recording->file || To_Output(*recording)) return;
   if (std::fclose(recording->file) != 0 && recording->error.empty()) Fail(recording);
@@ -120,10 +120,10 @@ static void Close_File(Recording* recording) {
   std::filesystem::resize_file(recording->options.path, static_cast<uintmax_t>(recording->whole), ignored);
 }
 
-static void Tell_Amount(const Recording& recording) {
+static void Print_Amount(const Recording& recording) {
   const std::string text = Amount(recording) + " recorded in ";
   if (To_Output(recording)) {
-    Report(text + "the output");
+    Report(text + "standard output");
   } else {
     std::fprintf(Output(), "%s%s\n", text.c_str(), recording.options.path.c_str());
   }
@@ -134,7 +134,7 @@ static int Run_Recording(Recording* recording) {
   const ReadOptions reading = {.reconnect = true,
                                .onLost = [&](bool) { Progress_End(&recording->progress); },
                                .onBytes = [&](std::span<const uint8_t> bytes) { Take_Bytes(recording, bytes); }};
-  // Counted anew from the first frame on; this one ends the wait for it.
+  // Limits the wait for the first frame, with which the time starts again.
   if (options.seconds > 0) recording->timer = Timer_Start(options.seconds, recording->stop);
   std::string error;
   const bool read = Read_Frames(
@@ -142,7 +142,7 @@ static int Run_Recording(Recording* recording) {
       &error, reading);
   Progress_End(&recording->progress);
   Close_File(recording);
-  if (recording->whole > 0) Tell_Amount(*recording);
+  if (recording->whole > 0) Print_Amount(*recording);
   if (!recording->error.empty()) return Report(recording->error);
   if (!read) return Report(error);
   return recording->walk.frames > 0 ? ExitDone : Report(No_Frame_Text(options.source, recording->walk));
@@ -171,10 +171,11 @@ void Record_Command(CLI::App* app, int* code) {
   const auto options = std::make_shared<RecordOptions>();
   Add_Common_Options(command, &options->source, &options->kernelName);
   command->add_option("-o,--output", options->path, "Name of the recording, or - for standard output")->required();
-  command->add_option("--seconds", options->seconds, "End so many seconds after the first frame")->check(CLI::Range(0.001, 1e8));
-  command->add_option("--frames", options->frames, "End behind so many frames")->check(CLI::PositiveNumber);
+  command->add_option("--seconds", options->seconds, "Stop this many seconds after the first frame")
+      ->check(CLI::Range(0.001, 1e8));
+  command->add_option("--frames", options->frames, "Stop after this many frames")->check(CLI::PositiveNumber);
   command->footer(
-      "Ends at the end of the source, or with Ctrl-C.\n\n"
+      "Stops at the end of the source, or on Ctrl-C.\n\n"
       "Example:\n  velarto record http://camera/stream -o street.vlr --seconds 60");
   command->callback([options, code] { *code = Record(*options); });
 }

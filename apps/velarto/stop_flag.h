@@ -1,8 +1,7 @@
-/* The user's wish to end a command that works until then. */
+/* Stopping a running command on a signal. */
 #pragma once
 
 #include <atomic>
 
-/** From now on Ctrl-C (or SIGTERM) sets the flag that this gives, of which there is one; a second time ends the program as ever.
- */
+/** From now on Ctrl-C (or SIGTERM) sets the returned flag, of which there is one; a second one ends the program as usual. */
 std::atomic<bool>* Stop_On_Signals();

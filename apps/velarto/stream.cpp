@@ -9,7 +9,7 @@
 
 static constexpr size_t ChunkSize = 65536;
 
-/** The reading under way. */
+/** A source being read. */
 struct Reading {
   const std::string& name;
   const std::atomic<bool>* stop;
@@ -18,10 +18,10 @@ struct Reading {
   const ReadOptions& options;
   Source source;
   Reconnect reconnect;
-  bool enough = false;  ///< For the taker.
+  bool enough = false;  ///< The taker has asked to end.
 };
 
-static void Tell_Connection(const Reading& reading, bool lost, const std::string& text) {
+static void Report_Connection(const Reading& reading, bool lost, const std::string& text) {
   if (reading.options.onLost) reading.options.onLost(lost);
   Report(Source_Title(reading.name) + ": " + text);
 }
@@ -29,7 +29,7 @@ static void Tell_Connection(const Reading& reading, bool lost, const std::string
 static void Take_Frames(Reading* reading) {
   WalkedFrame frame;
   while (!reading->enough && Walk_Next(reading->walk, &frame)) {
-    if (Reconnect_Back(&reading->reconnect)) Tell_Connection(*reading, false, "the connection is back");
+    if (Reconnect_Back(&reading->reconnect)) Report_Connection(*reading, false, "the connection is back");
     reading->enough = !reading->take(frame);
   }
 }
@@ -52,16 +52,16 @@ static int64_t Read_Connection(Reading* reading, std::string* error) {
   return count;
 }
 
-/** After the end of a connection: has another one been made in its place? */
-static bool Connect_Anew(Reading* reading, const std::string& reason) {
+/** After the end of a connection: true if the source is open again. */
+static bool Connect_Again(Reading* reading, const std::string& reason) {
   const FrameWalk& walk = *reading->walk;
   if (!reading->options.reconnect || reading->enough || reading->stop->load()) return false;
-  // During a loss whatever comes without a frame may be what a camera says that isn't up yet.
-  const bool stood = Source_Resumable(reading->source) && (walk.frames > 0 || walk.open);
-  if (!stood && !reading->reconnect.lost) return false;
+  // During a loss a response without a frame may come from a camera that is still starting.
+  const bool worked = Source_Resumable(reading->source) && (walk.frames > 0 || walk.open);
+  if (!worked && !reading->reconnect.lost) return false;
   Source_Close(&reading->source);
   if (Reconnect_Lost(&reading->reconnect))
-    Tell_Connection(*reading, true, "the connection was lost (" + reason + "); trying again");
+    Report_Connection(*reading, true, "the connection was lost (" + reason + "); trying again");
   if (!Reconnect_Open(&reading->reconnect, reading->name, reading->stop, &reading->source)) return false;
   Walk_Resume(reading->walk);
   return true;
@@ -73,7 +73,7 @@ bool Read_Frames(const std::string& name, const std::atomic<bool>* stop, FrameWa
   if (!Source_Open(name, stop, &reading.source, error)) return false;
   int64_t count = 0;
   do count = Read_Connection(&reading, error);
-  while (Connect_Anew(&reading, count < 0 ? *error : "the other side ended it"));
+  while (Connect_Again(&reading, count < 0 ? *error : "closed by the other side"));
   Source_Close(&reading.source);
   if (count >= 0 || reading.reconnect.lost) return true;
   *error = Source_Title(name) + ": " + *error;

@@ -11,18 +11,18 @@
 using FrameTaker = std::function<bool(const WalkedFrame& frame)>;
 
 struct ReadOptions {
-  /** A connection in which a frame start was found, and which breaks or ends, is made anew until *stop is set; each loss and each
-   *  return is told in a line on standard error. */
+  /** Connect again, until *stop is set, when a connection breaks or ends in which a frame start was found. Each loss and each
+   *  return is reported in a line on standard error. */
   bool reconnect = false;
-  /** Told, if not empty, ahead of those lines whether the connection is lost now. */
+  /** Called, if not empty, before those lines: is the connection lost now? */
   std::function<void(bool lost)> onLost;
-  /** Given, if not empty, the bytes of the source as they come, ahead of the frames that they complete. */
+  /** Called, if not empty, with the bytes of the source as they come, before the frames that they complete. */
   std::function<void(std::span<const uint8_t> bytes)> onBytes;
 };
 
-/** Reads the source to its end, until *stop is set, or until `take` has enough, and gives each frame to `take`. The walk, a new
- *  one, tells afterwards what was read. False, with *error, when the source can't be opened or breaks. All calls come from the
- *  calling thread. */
+/** Reads the source to its end, until *stop is set, or until `take` gives false; gives each frame to `take`. *walk, a new one,
+ * has the counts afterwards. False, with *error, when the source can't be opened or breaks. All calls come from the calling
+ *  thread. */
 bool Read_Frames(const std::string& name, const std::atomic<bool>* stop, FrameWalk* walk, const FrameTaker& take,
                  std::string* error, const ReadOptions& options = {});
 

@@ -7,7 +7,7 @@
 #include <cstdlib>
 #include <vector>
 
-/** Coefficients that count have values from this to that. */
+/** Range of the coefficients that carry bits. */
 static constexpr int32_t LeastCounting = -256, MostCounting = 255;
 
 static int32_t Block_Count(int32_t width, int32_t height) { return (width / 16) * (height / 16) * 4; }
@@ -35,7 +35,7 @@ static int32_t* Luma_Block(const JdecCodec* codec, int32_t index) {
   return codec->coefY[row] + static_cast<size_t>(column) * 64;
 }
 
-/** The value next to the given one that counts with that parity; of two the one nearer to 0. */
+/** The nearest value in the range with that parity; of two the one nearer to 0. */
 static int32_t Nearest(int32_t value, int32_t parity) {
   const int32_t from = std::clamp(value, LeastCounting, MostCounting), inward = from > 0 ? -1 : 1;
   for (int32_t distance = 0;; ++distance) {
@@ -45,9 +45,9 @@ static int32_t Nearest(int32_t value, int32_t parity) {
   }
 }
 
-/** Makes the block carry the bit. Each round turns the one value that comes cheapest, of equals the highest frequency: one that
- *  doesn't count while too few do, then one of the wrong parity. Once all have the right one the block has the bit, at the
- * latest. */
+/** Makes the block carry the bit. Each round changes the value that costs least, of equal ones that of the highest frequency:
+ * while too few values carry bits one that doesn't, then one of the wrong parity. At the latest the block has the bit when all
+ * values have the right parity. */
 static void Set_Bit(int32_t* scan, int32_t bit) {
   for (int32_t has = Watermark_Block_Bit(scan); has != bit; has = Watermark_Block_Bit(scan)) {
     const int32_t wanted = has < 0 ? -1 : 1 - bit;
@@ -61,7 +61,7 @@ static void Set_Bit(int32_t* scan, int32_t bit) {
   }
 }
 
-/** Makes the block carry no bit, at the cost of its smallest values. */
+/** Makes the block carry no bit, by clearing its smallest values. */
 static void Clear_Bit(int32_t* scan) {
   while (Watermark_Block_Bit(scan) >= 0) {
     int32_t best = -1;
@@ -80,7 +80,7 @@ bool Text_Embed(JdecCodec* codec, const std::string& text, std::string* error) {
     return false;
   }
   const std::vector<uint8_t> bits = Text_Bits(text);
-  // Behind a text of full length nothing is read any more.
+  // Nothing is read after a text of full length.
   const int32_t blocks =
       text.size() == WatermarkRoom ? static_cast<int32_t>(bits.size()) : Block_Count(codec->width, codec->height);
   for (int32_t i = 0; i < blocks; ++i) {

@@ -5,7 +5,7 @@
 
 #include <string>
 
-/** Bytes of text that a picture of that size can carry. */
+/** Longest text, in bytes, for a picture of that size. */
 int32_t Text_Room(int32_t width, int32_t height);
 
 /** Changes the coefficients at the codec's planes so that they carry exactly `text`, and nothing if it is empty. False, with

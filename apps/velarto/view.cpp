@@ -34,16 +34,16 @@ void View_Command(CLI::App* app, int* code) {
   Add_Common_Options(command, &viewer->feed.source, &options->kernelName);
   command
       ->add_option("--fps", viewer->feed.framesPerSecond,
-                   "Frames a second of a file (25); of a live source the newest frame is shown as it comes")
+                   "Frames a second of a file (25); of a live source the newest frame is shown when it comes")
       ->check(CLI::Range(0.01, 1000.0));
-  command->add_flag("--loop", viewer->feed.loop, "Play a file again and again");
-  command->add_option("--frames", viewer->frames, "End after so many frames, or at the end of the source")
+  command->add_flag("--loop", viewer->feed.loop, "Repeat a file");
+  command->add_option("--frames", viewer->frames, "Stop after this many frames, or at the end of the source")
       ->check(CLI::PositiveNumber);
   command->add_option("--snapshots", viewer->snapshots, "Folder for snapshots (the working folder)")
       ->check(CLI::ExistingDirectory);
   Add_Overlay_Options(command, &options->overlays);
   if (Desktop_Has_Depths()) {
-    command->add_option("--screen", options->screenBits, "Show the picture as a screen of that depth would")
+    command->add_option("--screen", options->screenBits, "Show the picture as on a screen of this depth, in bits")
         ->check(CLI::IsMember({8, 15, 16, 24, 32}));
   }
   command->footer(

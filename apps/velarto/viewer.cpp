@@ -47,7 +47,7 @@ static void Quit(Viewer* viewer) { DestroyWindow(viewer->window); }
 static void Toggle_Pause(Viewer* viewer) {
   viewer->paused = !viewer->paused;
   Feed_Pause(viewer->feed.get(), viewer->paused);
-  // Frames that were queued meanwhile have been left there; they are announced anew.
+  // Frames queued during the pause are still there; they are announced again.
   if (!viewer->paused) Feed_Notify(viewer->feed.get(), viewer->window, FrameMessage);
   Update_Title(*viewer);
 }
@@ -91,7 +91,7 @@ static void Take_Snapshot(Viewer* viewer) {
   std::fflush(Output());
 }
 
-/** A change of what lies over the picture, shown at once; before the first picture there is nothing to lie over. */
+/** Changes the overlays and shows them at once; without a picture there are none. */
 static void Change_Overlays(Viewer* viewer, void (*change)(Overlays* overlays, JdecDecoder* decoder)) {
   if (viewer->shown == 0) return;
   change(&viewer->overlays, viewer->decoder);
@@ -179,7 +179,7 @@ static void Fail(Viewer* viewer, const std::string& error) {
   DestroyWindow(viewer->window);
 }
 
-/** Window and decoder for pictures of that size. False when they can't be had; the viewer ends then. */
+/** Fits window and decoder to pictures of that size. False on a failure; the viewer ends then. */
 static bool Adopt_Size(Viewer* viewer, int32_t width, int32_t height) {
   if (width == viewer->width && height == viewer->height) return true;
   viewer->width = width;
@@ -193,7 +193,7 @@ static bool Adopt_Size(Viewer* viewer, int32_t width, int32_t height) {
   return false;
 }
 
-/** Once a second the title tells how many frames were shown in it; another quality is told at once. */
+/** Once a second the frame rate in the title is updated; a new quality shows at once. */
 static void Count_Frame(Viewer* viewer) {
   constexpr DWORD Period = 1000;
   ++viewer->shown;
@@ -218,7 +218,7 @@ static void Show_Frame(Viewer* viewer, const FedFrame& fed) {
   Picture_Push(viewer->decoder, fed.frame);
   Count_Frame(viewer);
   if (newSize && !first) {
-    // The frame brought a display of its own.
+    // With the new size came a new display.
     Overlays_Apply(viewer->overlays, viewer->decoder);
     Repaint(viewer);
   }
@@ -235,7 +235,7 @@ static void Repaint(Viewer* viewer) {
   JDEC_Access_SrcRect(viewer->decoder, place);
 }
 
-/** At the source's end the last picture stays, unless nobody is to end the viewer or there is no picture. */
+/** At the end of the source the last picture stays, unless there is none or the viewer was to stop after some frames. */
 static void On_End(Viewer* viewer) {
   std::string error;
   const FeedState state = Feed_State(viewer->feed.get(), &error);
@@ -344,7 +344,7 @@ static bool Open_Window(Viewer* viewer) {
   return true;
 }
 
-/** Takes the next message, the frames last: a source faster than the screen must not keep the user's input waiting. */
+/** Takes the next message, those of frames last: a source faster than the screen must not delay the user's input. */
 static bool Take_Message(MSG* message) {
   return PeekMessageA(message, nullptr, 0, FrameMessage - 1, PM_REMOVE) || PeekMessageA(message, nullptr, 0, 0, PM_REMOVE);
 }
@@ -368,10 +368,10 @@ int Viewer_Run(const ViewerOptions& options) {
   if (Feed_State(viewer.feed.get(), &error) == FeedState::Failed) return Report(error);
   if (!Open_Window(&viewer)) {
     Feed_Stop(viewer.feed.get());
-    return Report("no window can be opened");
+    return Report("can't open a window");
   }
   Update_Title(viewer);
-  // With a picture at hand the window comes up in its size.
+  // If there is a picture already, the window opens in its size.
   FedFrame first;
   if (Feed_Take(viewer.feed.get(), &first)) Show_Frame(&viewer, first);
   if (IsWindow(viewer.window)) {

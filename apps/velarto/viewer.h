@@ -11,6 +11,6 @@ struct ViewerOptions {
   Overlays overlays;      ///< As they are at the start.
 };
 
-/** Shows the source in a window until the user has enough. Runs the message loop on the calling thread, of which there is one at
- *  a time. The library must have been started. Gives the exit code; failures have been reported. */
+/** Shows the source in a window until the user quits. Runs the message loop on the calling thread; one viewer at a time. The
+ * library must have been started. Gives the exit code; failures have been reported. */
 int Viewer_Run(const ViewerOptions& options);

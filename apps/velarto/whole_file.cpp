@@ -6,7 +6,7 @@
 
 namespace fs = std::filesystem;
 
-/** Takes a file away again, whatever happens, unless it is kept. */
+/** Removes a file at the end of its scope, unless it is kept. */
 struct Discarded {
   fs::path path;
   bool kept = false;
@@ -23,7 +23,7 @@ struct FileCloser {
   void operator()(FILE* file) const { std::fclose(file); }
 };
 
-/** *error stays empty when the file itself is at fault; *reason tells why then. */
+/** On a failure of the file itself *error stays empty, and *reason says why. */
 static bool Fill_File(const fs::path& path, const FileFiller& fill, std::string* error, std::string* reason) {
   std::unique_ptr<FILE, FileCloser> file(std::fopen(path.string().c_str(), "wb"));
   if (file && !fill(file.get(), error)) {

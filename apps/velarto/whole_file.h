@@ -1,4 +1,4 @@
-/* Files that appear whole under their name or not at all. */
+/* Files that appear under their name only when complete. */
 #pragma once
 
 #include <cstdio>
@@ -6,12 +6,12 @@
 #include <span>
 #include <string>
 
-/** Writes a file's content. False when that can't be done: with *error set as the caller is to see it, or with *error empty
- *  when a write to the file has failed. */
+/** Writes a file's content. False on a failure: with *error as the message for the user, or with *error empty when a write to the
+ *  file has failed. */
 using FileFiller = std::function<bool(FILE* file, std::string* error)>;
 
-/** Has a file filled beside `path` and gives it that name when it is complete; what was there is replaced. A device or pipe is
- *  written to as it stands. False, with one line in *error and nothing left behind, when that fails. */
+/** Fills a temporary file next to `path`, and renames it when it is complete; an older file is replaced. A device or pipe is
+ * written to directly. False, with one line in *error, on a failure; the temporary file is removed then. */
 bool Write_Whole_File(const std::string& path, const FileFiller& fill, std::string* error);
 
 /** Writes the bytes; for fillers. */

@@ -3,6 +3,7 @@
 #include "apps/velarto/stream.h"
 #include "bench/compare/ffmpeg.h"
 #include "bench/compare/measures.h"
+#include "bench/picture_size.h"
 
 #include <CLI/CLI.hpp>
 
@@ -14,12 +15,8 @@ struct Options {
   size_t frames = 300;
 };
 
-struct Size {
-  int32_t width, height;
-};
-
-static const std::vector<Size> allSizes = {{320, 240}, {640, 480}, {1280, 720}, {1920, 1072}},
-                               quickSizes = {{320, 240}, {640, 480}};
+static const std::vector<PictureSize> allSizes = {{320, 240}, {640, 480}, {1280, 720}, {1920, 1072}},
+                                      quickSizes = {{320, 240}, {640, 480}};
 static const std::vector<int32_t> allQualities = {30, 50, 80}, quickQualities = {50};
 /** Pictures of a subject that take turns. */
 static constexpr size_t PictureCount = 4;
@@ -30,7 +27,7 @@ static bool Hold_Matches(const Options& options, const Gallery& gallery, Results
   if (options.quick && names.size() > 2) names.erase(names.begin() + 1, names.end() - 1);
   Results_Head(*results);
   for (const std::string& name : names) {
-    for (const Size& size : options.quick ? quickSizes : allSizes) {
+    for (const PictureSize& size : options.quick ? quickSizes : allSizes) {
       const Subject subject = Subject_Make(gallery, name, size.width, size.height, PictureCount);
       for (const Work work : {Work::Decode, Work::Encode}) {
         for (const int32_t quality : options.quick ? quickQualities : allQualities) {

@@ -1,5 +1,6 @@
 #include "bench/compare/measures.h"
 
+#include "bench/picture_size.h"
 #include "decode/decoder.h"
 #include "display/context.h"
 #include "tests/support/window.h"
@@ -13,13 +14,9 @@ using Bytes = std::vector<uint8_t>;
 static constexpr int32_t UsualQuality = 50;
 static constexpr size_t FrameCount = 4;
 
-struct Size {
-  int32_t width, height;
-};
+static std::string Size_Text(const PictureSize& size) { return std::to_string(size.width) + "x" + std::to_string(size.height); }
 
-static std::string Size_Text(const Size& size) { return std::to_string(size.width) + "x" + std::to_string(size.height); }
-
-static constexpr Size growthSizes[] = {{160, 112}, {320, 240}, {640, 480}, {960, 544}, {1280, 720}, {1920, 1072}};
+static constexpr PictureSize growthSizes[] = {{160, 112}, {320, 240}, {640, 480}, {960, 544}, {1280, 720}, {1920, 1072}};
 
 static const std::string& First_Name(const Gallery& gallery, std::vector<std::string>* names) {
   *names = Subject_Names(gallery);
@@ -32,7 +29,7 @@ bool Measure_Growth(const Results& results, const Gallery& gallery, double secon
   const MatchOptions options = {{results.levels.back()}, seconds, false};
   std::fprintf(results.text, "\nNanoseconds a pixel, %s at quality %d\n%9s %17s %17s\n%9s %8s %8s %8s %8s\n", name.c_str(),
                UsualQuality, "", "decode", "encode", "", "velarto", "turbo", "velarto", "turbo");
-  for (const Size& size : growthSizes) {
+  for (const PictureSize& size : growthSizes) {
     const Subject subject = Subject_Make(gallery, name, size.width, size.height, FrameCount);
     const double pixels = static_cast<double>(size.width) * size.height;
     std::fprintf(results.text, "%9s", Size_Text(size).c_str());
@@ -57,7 +54,7 @@ struct Throughput {
   double frames, framesOfProcessor;
 };
 
-static Throughput Decode_On_Threads(const std::vector<Bytes>& frames, const Size& size, size_t threads, double seconds) {
+static Throughput Decode_On_Threads(const std::vector<Bytes>& frames, const PictureSize& size, size_t threads, double seconds) {
   std::vector<DecoderHolder> decoders(threads);
   std::vector<double> decoded(threads), used(threads);
   for (DecoderHolder& decoder : decoders) {
@@ -89,7 +86,7 @@ bool Measure_Threads(const Results& results, const Gallery& gallery, double seco
   kernels = Kernels_Select(results.levels.back().mask);
   std::fprintf(results.text, "\nTwo threads with a decoder each, beside one, at quality %d, on %u processors\n", UsualQuality,
                std::thread::hardware_concurrency());
-  for (const Size& size : {Size{640, 480}, {1920, 1072}}) {
+  for (const PictureSize& size : {PictureSize{640, 480}, {1920, 1072}}) {
     std::vector<Bytes> frames;
     const Subject subject = Subject_Make(gallery, name, size.width, size.height, FrameCount);
     if (Frames_Make(subject, UsualQuality, &frames, error) != MatchEnd::Held) return false;
@@ -145,7 +142,7 @@ static bool Shown_At_Once(JdecDecoder* decoder, HWND window, const std::vector<B
 }
 
 bool Measure_Delay(const Results& results, const Gallery& gallery, double seconds, std::string* error) {
-  static constexpr Size size = {640, 480};
+  static constexpr PictureSize size = {640, 480};
   std::vector<std::string> names;
   std::vector<Bytes> frames;
   const Subject subject = Subject_Make(gallery, First_Name(gallery, &names), size.width, size.height, FrameCount);

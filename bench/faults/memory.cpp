@@ -98,17 +98,17 @@ JdecDecoder* Compress(Ground* ground, bool* done) {
   return decoder;
 }
 
-struct Work {
+struct FaultTask {
   const char* name;
   JdecDecoder* (*run)(Ground* ground, bool* done);
   int32_t screenBits;  ///< 0: no window.
 };
-constexpr Work works[] = {{"receive", Receive, 0},         {"decode", Decode, 0},         {"show in 32 bits", Decode, 32},
-                          {"show in 16 bits", Decode, 16}, {"show in 8 bits", Decode, 8}, {"export", Export, 0},
-                          {"compress", Compress, 0}};
+constexpr FaultTask works[] = {{"receive", Receive, 0},         {"decode", Decode, 0},         {"show in 32 bits", Decode, 32},
+                               {"show in 16 bits", Decode, 16}, {"show in 8 bits", Decode, 8}, {"export", Export, 0},
+                               {"compress", Compress, 0}};
 
 /** One run in which allocations fail from the `after`-th on, that many of them. */
-bool Run_Once(const Work& work, Ground* ground, int32_t after, int32_t times, bool* done) {
+bool Run_Once(const FaultTask& work, Ground* ground, int32_t after, int32_t times, bool* done) {
   const int32_t alive = Rig_Objects_Alive();
   *done = false;
   Rig_Fail(RigStep::Memory, after, times);
@@ -128,7 +128,7 @@ bool Run_Once(const Work& work, Ground* ground, int32_t after, int32_t times, bo
 }
 
 /** What is seen without a failure, which also has happen what happens once a process. Gives the number of allocations. */
-int32_t Learn(const Work& work, Ground* ground) {
+int32_t Learn(const FaultTask& work, Ground* ground) {
   JdecDecoder* const decoder = Start(*ground);
   Push(decoder, ground->large);
   ground->seen = Seen(decoder, ground->window);
@@ -139,7 +139,7 @@ int32_t Learn(const Work& work, Ground* ground) {
   return done ? Rig_Calls(RigStep::Memory) - before : 0;
 }
 
-bool Run_Work(const Work& work, Ground* ground) {
+bool Run_Work(const FaultTask& work, Ground* ground) {
   const int32_t sites = Learn(work, ground);
   int32_t runs = 0, results = 0;
   bool good = sites > 0;
@@ -161,7 +161,7 @@ bool Run_Work(const Work& work, Ground* ground) {
 int main() {
   JDEC_Init();
   bool good = true;
-  for (const Work& work : works) {
+  for (const FaultTask& work : works) {
     const TestWindow window(work.screenBits == 0 ? 32 : work.screenBits, Width, Height);
     Ground ground;
     ground.window = work.screenBits == 0 ? nullptr : window.handle;

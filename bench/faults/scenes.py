@@ -40,9 +40,9 @@ def half_open(matrix):
     for work in works:
         work.join()
     text = results["record"].text
-    matrix.check(fault, "no byte for 10 seconds); trying again" in text and "the connection is back" in text, results["record"])
+    matrix.check(fault, "no data for 10 seconds); trying again" in text and "the connection is back" in text, results["record"])
     export = results["velarto"]
-    matrix.check(fault, export.exit == 1 and "no byte for 10 seconds" in export.text and len(export.right) == 40, export)
+    matrix.check(fault, export.exit == 1 and "no data for 10 seconds" in export.text and len(export.right) == 40, export)
     ours = results["record"]._replace(right=programs.judge(matrix.velarto, recording, range(len(frames))).right)
     matrix.check(fault, ours.exit == 0 and len(ours.right) == len(frames), ours)
     matrix.add(fault, "`record` connects anew after 10 s; `export` ends with what it has and exit code 1", len(frames), len(frames),

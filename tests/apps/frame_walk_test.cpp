@@ -46,18 +46,18 @@ TEST_F(FrameWalkTest, AgreesWithTheLibraryOnTheSample) {
   }
   EXPECT_EQ(frame, places.size());
   EXPECT_EQ(Walk_Bytes(walk), (int64_t)sample.size());
-  EXPECT_EQ(Walk_Skipped(walk), 18);  // What samples/make strews between frames.
+  EXPECT_EQ(Walk_Skipped(walk), 18);  // What samples/make puts between frames.
 }
 
 Bytes Compact(size_t body) { return Compact_Frame(16, 16, 50, Bytes(body, 0x55)); }
 
 TEST_F(FrameWalkTest, PiecesAndHostileBytesChangeNothing) {
   Bytes lying = Prefixed_Frame(Compact(40));
-  lying[1] = 0xFF;                               // Announces 4 GB: given up, and the head in it with it.
-  const Bytes stream = Joined({Bytes(40, 0xFF),  // A search looks at every second byte of such a run.
+  lying[1] = 0xFF;                               // Announces 4 GB: skipped, together with the header in it.
+  const Bytes stream = Joined({Bytes(40, 0xFF),  // The search looks at every second byte of such a run.
                                Compact(100),
                                {1, 0xFF},
-                               Compact(30),  // Hidden by the FF ahead of it.
+                               Compact(30),  // Hidden by the FF before it.
                                Prefixed_Frame(Compact(500)),
                                lying,
                                Bytes(90, 7),
@@ -77,7 +77,7 @@ TEST_F(FrameWalkTest, PiecesAndHostileBytesChangeNothing) {
   }
 }
 
-TEST_F(FrameWalkTest, AStartWithoutAnEndIsGivenUp) {
+TEST_F(FrameWalkTest, AStartWithoutAnEndIsSkipped) {
   const std::string mark = "JFIF";
   const auto jfif = std::search(sample.begin(), sample.end(), mark.begin(), mark.end()) - 6;
   Bytes start(jfif, jfif + 700);

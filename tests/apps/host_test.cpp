@@ -6,7 +6,7 @@ namespace {
 
 using HostTest = ToolTest;
 
-TEST_F(HostTest, AStreamReachesThePlugInWhole) {
+TEST_F(HostTest, AllOfAStreamReachesThePlugIn) {
   std::string four;
   for (int i = 0; i < 4; ++i) four += Read_Text(sample);
   Write("four.vlr", four);
@@ -30,7 +30,7 @@ TEST_F(HostTest, WhatCannotBeIsToldInOneLine) {
   // With windows of its own it refuses ours.
   expect_refused("--library " VELARTO_LIBRARY_PATH, sample, "NPP_SetWindow gives 4; only the library in");
   expect_refused("", "missing.vlr", "can't open missing.vlr");
-  expect_refused("--size 640", "x", "640 is no size such as", 2);
+  expect_refused("--size 640", "x", "640 is not a size like", 2);
   expect_refused("--loop", "-", "only a file can be read again", 2);
 }
 

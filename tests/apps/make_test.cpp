@@ -12,7 +12,7 @@ std::string Little(int64_t value, int count) {
   return text;
 }
 
-/** A BMP file with what stands between its head and its pixels. */
+/** A BMP file with those bytes between its header and its pixels. */
 std::string Bmp(int64_t width, int64_t height, int bits, const std::string& between, const std::string& pixels, int kind = 0) {
   return "BM" + Little(0, 8) + Little(54 + (int64_t)between.size(), 4) + Little(40, 4) + Little(width, 4) + Little(height, 4) +
          Little(1, 2) + Little(bits, 2) + Little(kind, 4) + Little(0, 20) + between + pixels;
@@ -28,8 +28,8 @@ struct MakeTest : ToolTest {
   const std::string scenePath = Data_Path("scene-q75.jpg");  // 320x240.
 };
 
-TEST_F(MakeTest, WhatIsMadeComesBackInEachForm) {
-  // Moved, so that its blocks are not those in which it was compressed before.
+TEST_F(MakeTest, EachFormDecodesToItsPicture) {
+  // Moved, so that its blocks are not those of its first compression.
   constexpr size_t moved = 3 * (320 * 6 + 4);
   const std::string scene = Text_Of(Picture_Of(Load_Frame("scene-q75.jpg", 75))).substr(54);
   Write("scene.bmp", Bmp(320, 240, 24, "", scene.substr(moved) + scene.substr(0, moved)));
@@ -49,7 +49,7 @@ TEST_F(MakeTest, WhatIsMadeComesBackInEachForm) {
       for (const std::string kind : {"JPG", "bmp"}) EXPECT_EQ(Run("export s.vlr -o %d." + kind).code, 0);
       EXPECT_TRUE(form != "jfif" || Joined({Held("0.JPG"), Held("1.JPG")}) == Held("s.vlr"));
       const Bytes source = Held("scene.bmp"), theirs = Decoded_By_Djpeg((folder / "0.JPG").string());
-      ASSERT_EQ(theirs.size(), source.size()) << "djpeg has a complaint";
+      ASSERT_EQ(theirs.size(), source.size()) << "djpeg reports an error";
       const auto psnr = Psnr(theirs, source), own = Psnr(Held("1.bmp"), source);
       EXPECT_GT(*std::ranges::min_element(psnr), least) << form << quality;
       for (size_t i = 0; i < 3; ++i) EXPECT_NEAR(psnr[i], own[i], 0.5) << form << quality;
@@ -79,7 +79,7 @@ TEST_F(MakeTest, AllKindsOfFilesGiveTheSamePicture) {
 }
 
 TEST_F(MakeTest, SizesThatAreNoMultipleOf16) {
-  // Padded rows of 3 * 37 + 1 bytes; behind it a picture of another size.
+  // Padded rows of 3 * 37 + 1 bytes; after it a picture of another size.
   Write("odd.bmp", Bmp(37, 50, 24, "", std::string(size_t{112} * 50, '\x80')));
   Write("small.ppm", Noise_Ppm(16, 16));
   for (const std::string form : {"compact", "prefixed", "jfif"}) {
@@ -92,7 +92,7 @@ TEST_F(MakeTest, SizesThatAreNoMultipleOf16) {
     EXPECT_EQ(small.size(), 54u + 768);
     EXPECT_NEAR(odd.at(54 + 3 * (cut ? 96 : 112)), 128, 3) << "left, third row from the bottom";
   }
-  // A frame that is damaged inside is written as it looks, without damage.
+  // The picture of a damaged frame is written as a valid file.
   Bytes jfif = Read_File(scenePath);
   std::fill(jfif.begin() + 5000, jfif.begin() + 5100, (uint8_t)0x55);
   jfif.erase(jfif.begin() + 9000, jfif.end() - 2);
@@ -103,7 +103,7 @@ TEST_F(MakeTest, SizesThatAreNoMultipleOf16) {
   for (const double psnr : Psnr(written, Held("d0.bmp"))) EXPECT_GT(psnr, 25);
 }
 
-TEST_F(MakeTest, TextsComeBackExactly) {
+TEST_F(MakeTest, TextsAreReadBackExactly) {
   std::string longest;
   for (int i = 0; i < 1024; ++i) longest += (char)(255 - i);
   const Picture flat = {320, 240, Bytes(230400, 90)}, noisy = {320, 240, Noise{7}.Some(230400)},
@@ -153,7 +153,7 @@ TEST_F(MakeTest, WhatIsNoPictureIsRefused) {
   const int64_t most = INT32_MAX,
                 sizes[][2] = {{most, most}, {16, INT32_MIN}, {-16, 16}, {0, 16}, {16, -15}, {65536, 16}, {65535, 65535}};
   for (const auto& [width, height] : sizes)
-    for (const int bits : {8, 24, 32}) Expect_In(complaint(Bmp(width, height, bits, "", "")), "frame carries");
+    for (const int bits : {8, 24, 32}) Expect_In(complaint(Bmp(width, height, bits, "", "")), "a frame has ");
   Expect_In(complaint("P6 99999999999999999999 16 255\n"), "too large");
   Expect_In(complaint("P6 16 16 65535\n"), "0 to 255");
   for (const int bits : {4, 8}) Expect_In(complaint(Bmp(16, 16, bits, "", std::string(999, 0), bits == 8)), "8, 24 or 32");
@@ -169,7 +169,7 @@ TEST_F(MakeTest, FailuresLeaveNothingBehind) {
   Expect_Failure("make . -o new", ". is a directory");
   Expect_Failure("make bad.ppm -o new", "bad.ppm: the file ends inside the picture");
   Expect_Failure("make out -o new", "out: the file is empty");
-  Expect_Failure("make " + sample + " -o new", "neither a BMP, a PPM nor a JPEG picture");
+  Expect_Failure("make " + sample + " -o new", "not a BMP, PPM or JPEG picture");
   Expect_Failure("make good.ppm -o nowhere/new", "can't write nowhere/new: No such file or directory");
   Expect_Failure("make good.ppm -o .", "can't write .: it is a directory");
   Expect_Failure("make good.ppm bad.ppm -o old", "bad.ppm: the file ends");

@@ -1,4 +1,4 @@
-// Servers without manners.
+// Servers that break connections.
 #pragma once
 
 #include <arpa/inet.h>
@@ -11,15 +11,15 @@
 #include <thread>
 #include <vector>
 
-/** A server with several lives on one port, each of one connection that a function serves; in between nobody listens. */
+/** A server that accepts one connection after another on one port, each served by a function; in between nobody listens. */
 struct RudeServer {
   sockaddr_in address = {};
   std::thread thread;
-  explicit RudeServer(const std::vector<std::function<void(int client)>>& lives) {
+  explicit RudeServer(const std::vector<std::function<void(int client)>>& servers) {
     address.sin_family = AF_INET;
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     std::vector<int> sockets;  // Each of them holds the port.
-    for (size_t i = 0; i < lives.size(); ++i) {
+    for (size_t i = 0; i < servers.size(); ++i) {
       const int yes = 1, handle = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
       socklen_t size = sizeof address;
       setsockopt(handle, SOL_SOCKET, SO_REUSEPORT, &yes, sizeof yes);
@@ -28,14 +28,14 @@ struct RudeServer {
       sockets.push_back(handle);
     }
     listen(sockets[0], 1);
-    thread = std::thread([sockets, lives] {
-      for (size_t i = 0; i < lives.size(); ++i) {
+    thread = std::thread([sockets, servers] {
+      for (size_t i = 0; i < servers.size(); ++i) {
         listen(sockets[i], 1);
         const int client = accept4(sockets[i], nullptr, nullptr, SOCK_CLOEXEC);
         close(sockets[i]);
-        lives[i](client);
+        servers[i](client);
         close(client);
-        if (i + 1 < lives.size()) std::this_thread::sleep_for(std::chrono::milliseconds(300));
+        if (i + 1 < servers.size()) std::this_thread::sleep_for(std::chrono::milliseconds(300));
       }
     });
   }
@@ -51,7 +51,7 @@ inline bool Send(int client, const std::string& bytes) {
   return at == bytes.size();
 }
 
-/** Reads what the other side sends up to a text, or until it hangs up. */
+/** Reads until the client has sent that text, or closes the connection. */
 inline void Await(int client, const std::string& text = "nothing") {
   char c = 0;
   for (std::string read; !read.ends_with(text) && recv(client, &c, 1, 0) == 1;) read += c;

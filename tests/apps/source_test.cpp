@@ -20,16 +20,17 @@ std::string Shell(const std::string& line) {
   return text;
 }
 
-/** A library's server, run as long as this lives. */
-struct Site {
+/** Runs an HTTP server for as long as it lives. */
+struct RunningServer {
   httplib::Server& server;
   const std::string host;
   std::thread thread;
-  explicit Site(httplib::Server& it) : server(it), host("127.0.0.1:" + std::to_string(it.bind_to_any_port("127.0.0.1"))) {
+  explicit RunningServer(httplib::Server& it)
+      : server(it), host("127.0.0.1:" + std::to_string(it.bind_to_any_port("127.0.0.1"))) {
     thread = std::thread([this] { server.listen_after_bind(); });
     while (!server.is_running()) std::this_thread::yield();
   }
-  ~Site() {
+  ~RunningServer() {
     server.stop();
     thread.join();
   }
@@ -52,7 +53,7 @@ struct SourceTest : ToolTest {
     return stream.substr((size_t)frames[from].offset,
                          (size_t)(frames[to].offset - frames[from].offset) + frames[to].bytes.size());
   }
-  /** The source gives what the file gives. */
+  /** The source has the same frames as the file. */
   void Expect_Sample(const std::string& name, const std::string& program = VELARTO_TOOL_PATH) const {
     EXPECT_EQ(Run("info " + name, program).out, Run("info " + sample).out) << name;
   }
@@ -73,11 +74,11 @@ TEST_F(SourceTest, HttpGivesTheFramesOfTheFile) {
   });
   server.Get("/moved", [](auto&, auto& answer) { answer.set_redirect("/live"); });
   server.Get("/loop", [](auto&, auto& answer) { answer.set_redirect("/loop"); });
-  const Site site(server);
+  const RunningServer site(server);
   const std::string name = "http://" + site.host;
   for (const char* const path : {"/file", "/live", "/moved"}) Expect_Sample(name + path);
   EXPECT_EQ(Run("record " + name + "/file -o all").code, 0);
-  EXPECT_TRUE(Read_Text(folder / "all") == stream);  // Delivered whole: that is the end.
+  EXPECT_TRUE(Read_Text(folder / "all") == stream);  // Delivered completely: that is the end.
   Expect_Failure("view http://eve:secret@" + site.host + "/no", "can't read " + name + "/no: the server answered 404");
   Expect_Failure("info " + name + "/loop", "redirects");
 }
@@ -101,7 +102,7 @@ TEST_F(SourceTest, UserAndPasswordAreGivenAndNotShown) {
     const bool right = response == md5(md5("ada:cam:se@cret") + ":n1:" + nc + ":" + cnonce + ":auth:" + md5("GET:/digest"));
     answer_if(right, R"(Digest realm="cam", nonce="n1", qop="auth", algorithm=MD5)", request, answer);
   });
-  const Site site(server);
+  const RunningServer site(server);
   for (const std::string path : {"/basic", "/digest"}) {
     Expect_Sample("http://ada:se%40cret@" + site.host + path);
     Expect_Sample("http://" + site.host + path, "VELARTO_USER=ada VELARTO_PASSWORD=se@cret " VELARTO_TOOL_PATH);
@@ -119,10 +120,10 @@ TEST_F(SourceTest, AnUnknownCertificateIsRefused) {
   Shell("openssl req -x509 -newkey rsa:2048 -nodes -subj /CN=127.0.0.1 -keyout " + key + " -out " + certificate + " 2>&1");
   httplib::SSLServer secure(certificate.c_str(), key.c_str());
   secure.Get("/", serve);
-  Expect_Failure("info https://" + Site(secure).host, "self-signed certificate");
+  Expect_Failure("info https://" + RunningServer(secure).host, "self-signed certificate");
 }
 
-/** A body that arrives in pieces of these sizes has these parts, of which no more is held than may be. */
+/** A body that arrives in pieces of these sizes has these parts, and no more than the limit is held. */
 void Expect_Parts(const std::string& type, const std::string& text, const std::vector<std::string>& expected,
                   std::initializer_list<size_t> pieces) {
   for (const size_t piece : pieces) {
@@ -170,7 +171,7 @@ TEST(Multipart, WrongLengthsLoseNoPart) {
   }
 }
 
-TEST(Multipart, WhatHasNoEndIsNotKept) {
+TEST(Multipart, EndlessPartsAreNotKept) {
   const std::string type = "multipart/x; boundary=foo", endless(3 * LargestPart, 'y'), lines(3 * LargestPart, '\n'),
                     good = "\n--foo\n\nwell\n--foo\n";
   for (const std::string start : {"", "--foo\r\n", "--foo\r\n\r\n", "--foo\r\nContent-Length: 99999999\r\n\r\n"})
@@ -206,23 +207,23 @@ TEST_F(SourceTest, PicturesOfOtherCamerasBecomeFrames) {
   }
 }
 
-TEST_F(SourceTest, ABrokenConnectionIsMadeAnew) {
-  const std::string first = Stretch(0, 2), rest = Stretch(5, 9).substr(100);
+TEST_F(SourceTest, ABrokenConnectionIsOpenedAgain) {
+  const std::string first = Stretch(0, 2), second = Stretch(5, 9).substr(100);
   for (const std::string scheme : {"http", "tcp"}) {
     const auto give = [&](int client, const std::string& bytes) {
       scheme == "tcp" ? (void)Send(client, bytes) : Answer(client, bytes);
     };
     const RudeServer rude({[&](int client) { give(client, Stretch(0, 3).substr(0, first.size() + 500)); },
-                           [&](int client) { give(client, rest), Await(client); }});
+                           [&](int client) { give(client, second), Await(client); }});
     const Outcome outcome = Run("record " + rude.Name(scheme) + " -o live --frames 7");
     EXPECT_EQ(outcome.code, 0);
     const std::string line = "velarto: " + rude.Name(scheme) + ": the connection ";
-    EXPECT_EQ(outcome.err, line + "was lost (the other side ended it); trying again\n" + line + "is back\n");
-    EXPECT_TRUE(Read_Text(folder / "live") == first + rest);
+    EXPECT_EQ(outcome.err, line + "was lost (closed by the other side); trying again\n" + line + "is back\n");
+    EXPECT_TRUE(Read_Text(folder / "live") == first + second);
   }
 }
 
-TEST_F(SourceTest, RecordEndsOnASignalBehindTheLastWholeFrame) {
+TEST_F(SourceTest, RecordEndsOnASignalAfterTheLastWholeFrame) {
   const std::string first = Stretch(0, 2), path = folder / "live";
   const RudeServer rude({[&](int client) { Answer(client, Stretch(0, 3).substr(0, first.size() + 500)), Await(client); }});
   const std::string name = rude.Name("http");
@@ -250,7 +251,7 @@ TEST_F(SourceTest, FailuresAreOneLine) {
     for (bool sent = Send(client, "HTTP/1.0 200 OK\r\n"); sent;)
       sent = Send(client, "Endless: " + std::string(1000, 'x') + "\r\n");
   }});
-  Expect_Failure("info " + rude.Name("http"), "the head of the response has no end");
+  Expect_Failure("info " + rude.Name("http"), "the header of the response is too long");
 }
 
 }  // namespace

@@ -38,7 +38,7 @@ struct ToolTest : LibraryTest {
   }
   ~ToolTest() override { fs::remove_all(folder); }
 
-  /** What the library says of each decoder's speed is left out of `err`. */
+  /** `err` is without the library's line about each decoder's speed. */
   Outcome Run(const std::string& arguments, const std::string& program = VELARTO_TOOL_PATH) const {
     const std::string line = "cd '" + folder.string() + "' && { " + program + " " + arguments + "; } >out 2>err";
     const int status = std::system(line.c_str());
@@ -46,7 +46,7 @@ struct ToolTest : LibraryTest {
     for (size_t at; (at = err.find("speed=")) != err.npos;) err.erase(at, err.find('\n', at) + 1 - at);
     return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, Read_Text(folder / "out"), err};
   }
-  /** Nothing but one line of error, with that text in it, and that exit code. */
+  /** There is one line of error only, with that text in it, and that exit code. */
   void Expect_Failure(const std::string& arguments, const std::string& text, int code = 1,
                       const std::string& program = VELARTO_TOOL_PATH) const {
     const Outcome outcome = Run(arguments, program);

@@ -10,7 +10,7 @@
 
 namespace {
 
-/** What the test does while the viewer runs: looks in after each change of the window's pixels. */
+/** What the test does while the viewer runs, after each change of the window's pixels and when idle. */
 struct Watcher {
   HWND window = nullptr;
   int32_t changes = 0, created = 0, destroyed = 0;
@@ -40,7 +40,7 @@ std::string Title() {
   return title;
 }
 
-/** The colours of the picture's place in the window, top row first. */
+/** The colours of the window where the picture is, top row first. */
 std::vector<uint32_t> Shown() {
   std::vector<uint32_t> colors(320 * 240);
   Screen_Copy_Colors(watcher.window, {0, 0, 320, 240}, colors.data(), 320 * 4);
@@ -59,7 +59,7 @@ struct ViewerTest : ToolTest {
     Screen_Set_Desktop({});
     Screen_Remove();
   }
-  /** A pipe that takes the place of the recording. */
+  /** The path of a new named pipe. */
   std::string Pipe() const {
     const std::string path = folder / "pipe";
     EXPECT_EQ(mkfifo(path.c_str(), 0600), 0);
@@ -104,7 +104,7 @@ TEST_F(ViewerTest, PauseHoldsTheRecording) {
   watcher.onIdle = [&] {
     if (pausedAt == 0 && Title().find("paused") != std::string::npos) pausedAt = GetTickCount();
     if (pausedAt == 0 || GetTickCount() - pausedAt < 100) return;
-    if (atPause == 0) atPause = watcher.changes;  // Those that were queued have been shown.
+    if (atPause == 0) atPause = watcher.changes;  // The queued frames have been shown.
     if (GetTickCount() - pausedAt < 400) return;
     EXPECT_EQ(watcher.changes, atPause);
     watcher.onIdle = nullptr;
@@ -117,8 +117,9 @@ TEST_F(ViewerTest, PauseHoldsTheRecording) {
   EXPECT_GT(watcher.changes, atPause);
 }
 
-/** All frames come at once and the screen is slow: of a recording each is shown, of a live source the last and few before it. */
-TEST_F(ViewerTest, LiveFramesAreOvertaken) {
+/** All frames come at once and the screen is slow: of a recording each is shown, of a live source the last and a few before it.
+ */
+TEST_F(ViewerTest, LiveFramesAreSkippedOnASlowScreen) {
   const std::string pipe = Pipe();
   std::thread camera([&] { Write("pipe", Read_Text(sample)); });
   std::vector<uint32_t> last[2];
@@ -141,7 +142,7 @@ TEST_F(ViewerTest, LiveFramesAreOvertaken) {
   EXPECT_LT(changes[1], 60);
 }
 
-/** Over a paused picture: what must show before the next key or click. */
+/** On a paused picture: what each step must show before the next key or click. */
 TEST_F(ViewerTest, OverlaysByKeysAndClicks) {
   constexpr uint32_t Red = 0xFF0000, Blue = 0x0000FF;
   options.overlays.rectangle = {100, 100, 60, 50};
@@ -173,8 +174,8 @@ TEST_F(ViewerTest, OverlaysByKeysAndClicks) {
   EXPECT_EQ(step, std::size(steps));
 }
 
-/** A frame of another size brings another display. */
-TEST_F(ViewerTest, OverlaysComeBackAfterASizeChange) {
+/** A frame of another size makes a new display. */
+TEST_F(ViewerTest, OverlaysAreKeptAcrossASizeChange) {
   Write("sizes", Read_Text(Data_Path("tile-96x64-q40.jpg")) + Read_Text(Data_Path("tile-64x48-q75.jpg")));
   options.feed = {.source = folder / "sizes", .framesPerSecond = 20};
   options.overlays.layer = true;
@@ -211,7 +212,7 @@ TEST_F(ViewerTest, FullScreenAndBackAndResized) {
   EXPECT_EQ(client.bottom, 400);
 }
 
-TEST_F(ViewerTest, EndsByItselfAndTellsFailures) {
+TEST_F(ViewerTest, EndsByItselfAndReportsFailures) {
   options.feed.loop = false;
   options.frames = 7;
   EXPECT_EQ(Viewer_Run(options), 0);
@@ -227,7 +228,7 @@ TEST_F(ViewerTest, EndsByItselfAndTellsFailures) {
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "velarto: " + folder.string() + " is a directory\n");
   EXPECT_EQ(watcher.created, 2);
 
-  // A source that says nothing: a window opens all the same, and quits at once.
+  // Without any data a window opens nevertheless, and quits at once.
   options.feed.source = Pipe();
   uint32_t pressed = 0;
   watcher.onIdle = [&] {

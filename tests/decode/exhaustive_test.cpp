@@ -68,16 +68,16 @@ TEST_F(Exhaustive, QualitiesThatFramesAndTheEncoderCarry) {
 }
 
 /** What comes of a stream: of each frame shown the picture, the quality and the hidden text; results; bits counted. */
-struct Seen {
+struct StreamResult {
   std::vector<Bytes> frames;
   std::vector<int32_t> results;
   double bits;
-  bool operator==(const Seen&) const = default;
+  bool operator==(const StreamResult&) const = default;
 };
 
-Seen See(JdecDecoder* decoder, const Bytes& stream, int32_t cut, bool polling) {
-  Seen seen = {{}, {}, 0};
-  using User = const std::pair<JdecDecoder*, Seen*>;
+StreamResult See(JdecDecoder* decoder, const Bytes& stream, int32_t cut, bool polling) {
+  StreamResult seen = {{}, {}, 0};
+  using User = const std::pair<JdecDecoder*, StreamResult*>;
   const User user(decoder, &seen);
   const auto keep = [](HWND, uintptr_t value) {
     const auto& [shown, to] = *reinterpret_cast<User*>(value);
@@ -107,7 +107,7 @@ TEST_F(Exhaustive, SplitsOfThreeFramesIntoTwoChunks) {
     const auto length = (int32_t)stream.size();
     for (const bool polling : {false, true}) {
       const DecoderPtr decoder = Shown_Decoder(window.handle, 16, 16);
-      const Seen whole = See(decoder.get(), stream, length, polling);
+      const StreamResult whole = See(decoder.get(), stream, length, polling);
       ASSERT_EQ(whole.frames.size(), 3u);
       ASSERT_EQ(whole.bits, polling ? 0 : 8 * length);
       int32_t start = 0;  // Of the frame that is cut.
@@ -116,7 +116,7 @@ TEST_F(Exhaustive, SplitsOfThreeFramesIntoTwoChunks) {
         if (cut - start == (int32_t)parts[which].size()) start += (int32_t)parts[which++].size();
         const int32_t held = cut - start;
         const bool jfif = (first + which) % 3 == Jfif, lost = !polling && jfif && held >= 26 && held <= 624;
-        Seen expected = whole;
+        StreamResult expected = whole;
         if (lost) expected.frames.erase(expected.frames.begin() + (ptrdiff_t)which);
         const int32_t wanted = held < 26 || lost ? cut : jfif ? held + 1 : (int32_t)parts[which].size();
         expected.results = polling ? std::vector{held < 26 ? 3 : 2, 3}

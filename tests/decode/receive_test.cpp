@@ -105,7 +105,7 @@ TEST_F(Receiver, BitRateIsReportedEveryThreeSeconds) {
   Rig_Real_Time();
 }
 
-struct Recording : Receiver {
+struct StreamRecordingTest : Receiver {
   const std::string path = Scratch_Path("recording.vlr");
   void Start() {
     decoder->recordFile = CreateFileA(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
@@ -117,13 +117,13 @@ struct Recording : Receiver {
     decoder->recordFile = nullptr;
     return Read_File(path);
   }
-  ~Recording() override {
+  ~StreamRecordingTest() override {
     Screen_Remove();
     remove(path.c_str());
   }
 };
 
-TEST_F(Recording, BeginsWithTheFirstFrameAndSkipsWhatTheCameraMarks) {
+TEST_F(StreamRecordingTest, BeginsWithTheFirstFrameAndSkipsWhatTheCameraMarks) {
   const Bytes text(100, 'n'), marked = Prefixed_Frame(small.compact, 0x08), unmarked = Prefixed_Frame(small.compact, 0xF7);
   Start();
   Push(decoder.get(), text);
@@ -135,7 +135,7 @@ TEST_F(Recording, BeginsWithTheFirstFrameAndSkipsWhatTheCameraMarks) {
   EXPECT_EQ(Finish(), Joined({small.prefixed, text, marked, marked, small.jfif}));
 }
 
-TEST_F(Recording, LargeChunkIsOneWrite) {
+TEST_F(StreamRecordingTest, LargeChunkIsOneWrite) {
   Start();
   const Bytes chunk = Joined({small.jfif, Bytes(1200000, 'x'), small.compact});
   const int32_t calls = Rig_Calls(RigStep::WriteFile);
@@ -145,7 +145,7 @@ TEST_F(Recording, LargeChunkIsOneWrite) {
   EXPECT_EQ(Finish(), chunk);
 }
 
-TEST_F(Recording, EndsWithAWriteThatFailsOrFallsShort) {
+TEST_F(StreamRecordingTest, EndsWithAWriteThatFailsOrFallsShort) {
   for (const RigStep step : {RigStep::WriteFile, RigStep::ShortWrite}) {
     const int32_t before = Rig_Objects_Alive();
     Start();

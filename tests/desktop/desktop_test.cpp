@@ -47,7 +47,7 @@ TEST_F(PluginTest, IsSeenAndUsedOnADesktop) {
   const std::filesystem::path folder = testing::TempDir() + "velarto-desktop-" + std::to_string(GetCurrentThreadId());
   std::filesystem::create_directory(folder);
   const std::string asker = folder / "zenity", words = folder / "words", go = folder / "go", chosen = folder / "a name.vlr";
-  // The program that asks for a file: writes its arguments down, and answers when the file `go` exists.
+  // The program that asks for a file: writes down its arguments, and answers when the file `go` is there.
   std::ofstream(asker) << "#!/bin/sh\nprintf '%s\\n' \"$@\" >'" + words + "'\nuntil [ -e '" + go + "' ]; do sleep 0.1; done\n" +
                               "echo '" + chosen + "'\n";
   std::filesystem::permissions(asker, std::filesystem::perms::owner_all);

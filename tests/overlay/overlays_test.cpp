@@ -15,7 +15,7 @@ void Fill(IDirectDrawSurface* surface, const RECT& rect, uint32_t color) {
 }
 
 /** A display of 320 by 240 at 1:1, on 32 bits, and a green picture. */
-struct Overlays : testing::Test {
+struct LayerOrderTest : testing::Test {
   TestDisplay test{32, 320, 240};
   JdecDisplay* const display = test.Open(320, 240);
   const RasterPtr green = Plain_Raster(320, 240, Green);
@@ -30,7 +30,7 @@ struct Overlays : testing::Test {
   }
 };
 
-TEST_F(Overlays, OneLayerAtATimeCoversWhereItIsNotBlack) {
+TEST_F(LayerOrderTest, OneLayerAtATimeCoversWhereItIsNotBlack) {
   const std::pair<RECT, uint32_t> layers[] = {{{0, 240, 320, 480}, White}, {{0, 498, 100, 548}, Red}, {{0, 618, 320, 858}, Blue}};
   for (const auto& [rect, color] : layers) {
     Paint(rect, color);
@@ -66,7 +66,7 @@ TEST(PositionBitmap, HigherThanThePictureIsCutAtTheTop) {
   EXPECT_EQ(test.Color(639, 1), Green);
 }
 
-TEST_F(Overlays, MotionSearchDrawsCaptionAndOutline) {
+TEST_F(LayerOrderTest, MotionSearchDrawsCaptionAndOutline) {
   constexpr int32_t outline = 2 * 100 + 2 * 48;
   display->motionRect = {100, 100, 200, 150};
   std::strcpy(display->motionString, "MOVE");

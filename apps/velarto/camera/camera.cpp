@@ -36,33 +36,32 @@ struct Camera {
 
 /* ---- Frames --------------------------------------------------------------------------------------------------------------- */
 
-/** Makes a frame and hands it to all who look. */
+/** Makes a frame for all clients. */
 static bool Make_Frame(Camera* camera, std::string* error) {
   const auto frame = std::make_shared<HubFrame>();
   if (!Supply_Next(&camera->supply, frame.get(), error)) return false;
   std::vector<uint8_t> bytes = frame->bytes;
   const ChaosHit hit = Chaos_Apply(&camera->chaos, frame->form, &bytes);
-  frame->spoiled = hit.cut || hit.garbage || hit.corrupt;
-  if (frame->spoiled) frame->instead = std::move(bytes);
+  frame->faulty = hit.cut || hit.garbage || hit.corrupt;
+  if (frame->faulty) frame->sent = std::move(bytes);
   Hub_Put(&camera->hub, frame);
   return true;
 }
 
-/** Makes frames at the moments that are multiples of the period after the start, as long as someone looks: each as early as it
- * can be, though not before its moment, and without those whose time is over. A frame that can't be made is left out too; each
- * reason is told once. */
+/** Makes frames while there are clients, one at each multiple of the period after the start. A frame that is late is skipped, and
+ * so is one that can't be made; the same error in a row is reported once. */
 static void Run_Maker(Camera* camera) {
   const std::chrono::duration<double> period(1 / camera->options.framesPerSecond);
   const auto start = Clock::now();
   double moment = 0;
-  std::string told;
+  std::string reported;
   while (Hub_Await_Watcher(&camera->hub)) {
     moment = std::max(moment + 1, std::floor((Clock::now() - start) / period));
     if (!Hub_Sleep(&camera->hub, start + std::chrono::duration_cast<Clock::duration>(moment * period))) return;
     std::string error;
-    if (Make_Frame(camera, &error) || error == told) continue;
+    if (Make_Frame(camera, &error) || error == reported) continue;
     Report(error);
-    told = error;
+    reported = error;
   }
 }
 
@@ -77,7 +76,7 @@ static bool Open_Ports(Camera* camera, std::string* error) {
   return camera->port && (camera->rawPort || options.rawPort < 0);
 }
 
-static void Tell_Addresses(const Camera& camera) {
+static void Print_Addresses(const Camera& camera) {
   const std::string name = Listener_Name(*camera.port);
   for (const char* path : {"/", "/stream", "/mjpeg", "/still.jpg"}) std::fprintf(Output(), "http://%s%s\n", name.c_str(), path);
   if (camera.rawPort) std::fprintf(Output(), "tcp://%s\n", Listener_Name(*camera.rawPort).c_str());
@@ -99,7 +98,7 @@ static void Serve(Camera* camera, const sigset_t& signals) {
   camera->server = Http_Serve(camera->port, &camera->hub);
   if (camera->rawPort) Raw_Serve(camera->rawPort, &camera->hub);
   camera->maker = std::thread(Run_Maker, camera);
-  Tell_Addresses(*camera);
+  Print_Addresses(*camera);
   Await_End(signals, camera->options.seconds);
   Hub_Close(&camera->hub);
   Http_Stop(camera->server.get());
@@ -109,7 +108,7 @@ static void Serve(Camera* camera, const sigset_t& signals) {
 }
 
 static int Run_Camera(const CameraOptions& options) {
-  // All threads inherit this: the signals wait for the one that asks for them.
+  // All threads inherit this mask: the signals are left to Await_End.
   sigset_t signals;
   sigemptyset(&signals);
   sigaddset(&signals, SIGINT);
@@ -118,7 +117,7 @@ static int Run_Camera(const CameraOptions& options) {
   camera.options = options;
   camera.chaos = Chaos_Start(options.chaos);
   std::string error;
-  // The first frame shows whether there can be any.
+  // The first frame shows whether any can be made.
   if (!Open_Ports(&camera, &error) || !Supply_Open(options.supply, &camera.supply, &error) || !Make_Frame(&camera, &error)) {
     Supply_Close(&camera.supply);
     return Report(error);
@@ -135,7 +134,7 @@ static void Read_Size(const std::string& text, SupplyOptions* supply) {
   const int read = std::sscanf(text.c_str(), "%5dx%5d%n", &supply->width, &supply->height, &used);
   const bool whole = read == 2 && static_cast<size_t>(used) == text.size();
   if (!whole || supply->width % 16 || supply->height % 16 || !Picture_Size_Allowed(supply->width, supply->height)) {
-    throw CLI::ValidationError("--size", "two multiples of 16, like 640x480 or 1920x1088, at most 128000 squares of 16x16");
+    throw CLI::ValidationError("--size", "two multiples of 16, like 640x480 or 1920x1088, with at most 128000 blocks of 16x16");
   }
 }
 
@@ -145,7 +144,7 @@ static int Camera_Run(CameraOptions options) {
   for (const FrameForm form : {FrameForm::Compact, FrameForm::Prefixed, FrameForm::Jfif}) {
     if (options.form == Form_Name(form)) style->form = form;
   }
-  // The JFIF form of any frame is to say exactly what the frame says.
+  // So that the JFIF form of every frame has exactly the frame's quality.
   style->quality = Quality_Readable(style->quality);
   Library_Start(options.kernelName);
   const int code = Run_Camera(options);
@@ -155,17 +154,17 @@ static int Camera_Run(CameraOptions options) {
 
 static void Add_Chaos_Options(CLI::App* command, ChaosOptions* chaos) {
   const CLI::Range probability(0.0, 1.0);
-  command->add_option("--cut", chaos->cut, "Chaos for testing, by frame: probability that its end is missing in the stream")
+  command->add_option("--cut", chaos->cut, "Faults for testing: probability for each frame that its end is missing")
       ->check(probability);
-  command->add_option("--garbage", chaos->garbage, "... that up to 4096 other bytes stand ahead of it")->check(probability);
+  command->add_option("--garbage", chaos->garbage, "... that up to 4096 other bytes come before it")->check(probability);
   command->add_option("--corrupt", chaos->corrupt, "... that bytes of its coded data are changed")->check(probability);
-  command->add_option("--seed", chaos->seed, "Start of the chaos' dice (1): with the same number the same happens");
+  command->add_option("--seed", chaos->seed, "Seed of the faults (1): the same seed gives the same faults");
 }
 
 static void Add_Picture_Options(CLI::App* command, CameraOptions* options) {
   command->add_option("INPUT", options->supply.inputs,
-                      "Pictures (BMP, PPM, JPEG), a frame each, or one recording, whose frames are sent as they are;\n"
-                      "shown again and again. Without INPUT: a harbour with a clock");
+                      "Pictures (BMP, PPM, JPEG), a frame each, or one recording, whose frames are sent unchanged; repeated.\n"
+                      "Without INPUT: a harbour with a clock");
   command->add_option("--size", options->size, "WIDTHxHEIGHT of the harbour (640x480)");
   command->add_option("--fps", options->framesPerSecond, "Frames a second (25)")->check(CLI::Range(1.0, 120.0));
   command->add_option("--quality", options->supply.style.quality, "0 to 100 (75)")->check(CLI::Range(0, 100));
@@ -177,21 +176,21 @@ static void Add_Picture_Options(CLI::App* command, CameraOptions* options) {
 }
 
 void Camera_Command(CLI::App* app, int* code) {
-  CLI::App* const command = app->add_subcommand("camera", "Be a network camera");
+  CLI::App* const command = app->add_subcommand("camera", "Act as a network camera");
   const auto options = std::make_shared<CameraOptions>();
   Add_Picture_Options(command, options.get());
   command->add_option("--port", options->port, "Port of the HTTP server (8080), 0 for any free one")->check(CLI::Range(0, 65535));
   command->add_option("--raw-port", options->rawPort, "Port that serves the stream over plain TCP, 0 for any free one")
       ->check(CLI::Range(0, 65535));
   command->add_option("--bind", options->address,
-                      "Address to serve at (127.0.0.1, this machine alone); 0.0.0.0 or :: lets others look, without a password");
-  command->add_option("--seconds", options->seconds, "End after so many seconds; else Ctrl-C ends it")
+                      "Address to serve at (127.0.0.1, this machine alone); 0.0.0.0 or :: is open to others, without a password");
+  command->add_option("--seconds", options->seconds, "Stop after this many seconds (without it: on Ctrl-C)")
       ->check(CLI::Range(0.001, 1e9));
   Add_Chaos_Options(command, &options->chaos);
   command->footer(
-      "Serves / (a page), /stream (the frames one after another), /mjpeg (multipart JPEG) and /still.jpg, and says where. A\n"
-      "slow client loses whole frames and keeps nobody waiting; while nobody looks, no frames are made. Chaos is in /stream\n"
-      "and on the raw port only: a frame cut short also takes in bytes of the next one, which is lost with it.\n\n"
+      "Serves / (a page), /stream (the frames one after another), /mjpeg (multipart JPEG) and /still.jpg, and prints their\n"
+      "addresses. A slow client loses whole frames and doesn't delay the others; without clients no frames are made. Faults\n"
+      "are in /stream and on the raw port only: a frame cut short also swallows the start of the next one, which is lost too.\n\n"
       "Example:\n  velarto camera --size 1280x720 --fps 30 --raw-port 4000");
   command->callback([options, code] { *code = Camera_Run(*options); });
 }

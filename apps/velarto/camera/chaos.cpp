@@ -11,10 +11,12 @@ static constexpr size_t MostFlips = 16;
 Chaos Chaos_Start(const ChaosOptions& options) { return {options, std::mt19937(options.seed)}; }
 
 static size_t Between(Chaos* chaos, size_t least, size_t most) {
-  return least + static_cast<size_t>(chaos->dice()) % (most - least + 1);
+  return least + static_cast<size_t>(chaos->generator()) % (most - least + 1);
 }
 
-static bool Happens(Chaos* chaos, double probability) { return static_cast<double>(chaos->dice()) / 4294967296.0 < probability; }
+static bool Happens(Chaos* chaos, double probability) {
+  return static_cast<double>(chaos->generator()) / 4294967296.0 < probability;
+}
 
 /** Changes bytes of the entropy-coded data. */
 static void Corrupt(Chaos* chaos, FrameForm form, std::vector<uint8_t>* bytes) {
@@ -27,17 +29,17 @@ static void Corrupt(Chaos* chaos, FrameForm form, std::vector<uint8_t>* bytes) {
   }
 }
 
-/** A head that announces `length` bytes behind it, at most 65535. */
+/** A header that announces `length` bytes after it, at most 65535. */
 static std::vector<uint8_t> False_Compact(size_t length) {
-  std::vector<uint8_t> head(CompactHeadSize);
-  Compact_Header_Put(head.data(), static_cast<int32_t>(std::min<size_t>(length, 65535)), 320, 240, 50);
-  return head;
+  std::vector<uint8_t> header(CompactHeadSize);
+  Compact_Header_Put(header.data(), static_cast<int32_t>(std::min<size_t>(length, 65535)), 320, 240, 50);
+  return header;
 }
 
 /** The beginnings of frames of all kinds. `room`: bytes up to the end of the frame that follows. */
 static std::vector<uint8_t> False_Start(Chaos* chaos, size_t room) {
   std::vector<uint8_t> start;
-  switch (chaos->dice() % 5) {
+  switch (chaos->generator() % 5) {
     case 0:
       return {0xFF, 0xD8};
     case 1:
@@ -55,21 +57,21 @@ static std::vector<uint8_t> False_Start(Chaos* chaos, size_t room) {
       Prefix_Write(start.data(), 0);
       [[fallthrough]];
     default:
-      const auto head = False_Compact(Between(chaos, 0, room));
-      start.insert(start.end(), head.begin(), head.end());
+      const auto header = False_Compact(Between(chaos, 0, room));
+      start.insert(start.end(), header.begin(), header.end());
       return start;
   }
 }
 
-/** Puts random bytes ahead of the frame, one time in two with something like a frame start among them. */
+/** Puts random bytes before the frame, every second time with something like a frame start among them. */
 static void Add_Garbage(Chaos* chaos, std::vector<uint8_t>* bytes) {
   std::vector<uint8_t> garbage(Between(chaos, 1, MostGarbage));
-  for (uint8_t& byte : garbage) byte = static_cast<uint8_t>(chaos->dice());
+  for (uint8_t& byte : garbage) byte = static_cast<uint8_t>(chaos->generator());
   if (Happens(chaos, 0.5)) {
     const size_t place = Between(chaos, 0, garbage.size() - 1);
-    const size_t behind = garbage.size() - place;
-    auto start = False_Start(chaos, behind > JfifHeadSize ? behind - JfifHeadSize + bytes->size() : 0);
-    start.resize(std::min(start.size(), behind));
+    const size_t room = garbage.size() - place;
+    auto start = False_Start(chaos, room > JfifHeadSize ? room - JfifHeadSize + bytes->size() : 0);
+    start.resize(std::min(start.size(), room));
     std::copy(start.begin(), start.end(), garbage.begin() + static_cast<std::ptrdiff_t>(place));
   }
   bytes->insert(bytes->begin(), garbage.begin(), garbage.end());

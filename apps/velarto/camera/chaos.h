@@ -10,19 +10,19 @@ struct ChaosOptions {
   uint32_t seed = 1;
 };
 
-/** What happened to a frame. */
+/** The faults of one frame. */
 struct ChaosHit {
   bool cut = false, garbage = false, corrupt = false;
 };
 
 struct Chaos {
   ChaosOptions options;
-  std::mt19937 dice;
+  std::mt19937 generator;
 };
 
 Chaos Chaos_Start(const ChaosOptions& options);
 
-/** Throws the dice for one frame and does to the bytes what they say. With the same seed and frames the same happens. Garbage
- * that looks like the start of a frame announces no bytes beyond the frame behind it, so only that frame can be lost by it; a cut
- * frame takes in as many of the bytes that follow as it lacks. */
+/** Draws the faults of one frame and applies them to its bytes. The same seed and frames give the same faults. Garbage that looks
+ * like the start of a frame announces no bytes beyond the next frame, so that only that frame can be lost by it; a cut frame
+ * swallows as many of the following bytes as it lacks. */
 ChaosHit Chaos_Apply(Chaos* chaos, FrameForm form, std::vector<uint8_t>* bytes);

@@ -9,7 +9,7 @@
 
 using Clock = std::chrono::steady_clock;
 
-/** For a request to arrive whole, and the most bytes that it may have. */
+/** Time for a request to arrive completely, and the most bytes that it may have. */
 static constexpr std::chrono::seconds RequestTime{10};
 static constexpr size_t MostRequestBytes = 64 * 1024;
 
@@ -36,8 +36,8 @@ a { color: #7cc0ff; margin: 0 .6rem; }
 </html>
 )";
 
-/** A connection as the HTTP library sees it. Reading ends when the request takes too long or is too large, so that nobody can
- *  hold a thread by saying nothing. */
+/** A connection as the HTTP library sees it. Reading ends when the request takes too long or is too large, so that a silent
+ * client can't hold a thread. */
 class SocketStream : public httplib::Stream {
  public:
   explicit SocketStream(int connection) : handle(connection), deadline(Clock::now() + RequestTime) {}
@@ -79,16 +79,16 @@ class SocketStream : public httplib::Stream {
   size_t total = 0;             ///< Bytes read from the connection.
 };
 
-/** The HTTP library's server on connections that are taken elsewhere: its own way to take them can't be stopped while a client
- *  is stalled, nor does it tell why a port can't be had. */
+/** The HTTP library's server, on connections that the listener accepts: the library's own accept loop can't be stopped while a
+ *  client is stalled, and doesn't report why a port can't be opened. */
 struct HttpServer : httplib::Server {
-  /** A connection carries one request: a thread that waits for the next one is dear, a new connection cheap. */
+  /** A connection carries one request: a thread that waits for the next one costs more than a new connection. */
   void Serve(int connection) {
     SocketStream stream(connection);
     bool closed = false;
     process_request(stream, true, closed, nullptr);
   }
-  /** Its responses go on for as long as the library believes that it has an open port. */
+  /** The library ends its responses when it has no open port. */
   void Mark_Open(int handle) { svr_sock_ = handle; }
 };
 
@@ -101,9 +101,9 @@ static bool Send_Frame(httplib::DataSink* sink, const HubFrame& frame) { return 
 static bool Send_Part(httplib::DataSink* sink, const HubFrame& frame) {
   const auto jpeg = Hub_Jfif(frame);
   if (jpeg.empty()) return true;
-  const std::string head = std::string("--") + Boundary +
-                           "\r\nContent-Type: image/jpeg\r\nContent-Length: " + std::to_string(jpeg.size()) + "\r\n\r\n";
-  return sink->write(head.data(), head.size()) && Send(sink, jpeg) && sink->write("\r\n", 2);
+  const std::string header = std::string("--") + Boundary +
+                             "\r\nContent-Type: image/jpeg\r\nContent-Length: " + std::to_string(jpeg.size()) + "\r\n\r\n";
+  return sink->write(header.data(), header.size()) && Send(sink, jpeg) && sink->write("\r\n", 2);
 }
 
 static void No_Store(httplib::Response* response) { response->set_header("Cache-Control", "no-store"); }

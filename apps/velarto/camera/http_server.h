@@ -1,14 +1,14 @@
-/* The camera for HTTP clients: a page, stills, and the live stream in two dresses. */
+/* The camera for HTTP clients: a page, stills, and the live stream as it is and as multipart JPEG. */
 #pragma once
 
 #include "apps/velarto/camera/hub.h"
 #include "apps/velarto/camera/listener.h"
 
-/** Serves the hub's frames; ended by Http_Stop. */
+/** Serves the hub's frames until Http_Stop. */
 struct HttpServer;
 
-/** Starts to serve at that port. The hub must outlive it. */
+/** Starts to serve on that port. The hub must outlive it. */
 std::shared_ptr<HttpServer> Http_Serve(const std::shared_ptr<Listener>& listener, Hub* hub);
 
-/** Has responses that never end end; after that the listener can be stopped. */
+/** Ends the endless responses; after that the listener can be stopped. */
 void Http_Stop(HttpServer* server);

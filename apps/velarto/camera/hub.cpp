@@ -44,7 +44,7 @@ HubFramePtr Hub_Next(HubWatch* watch) {
   return hub->newest;
 }
 
-std::span<const uint8_t> Hub_Stream_Bytes(const HubFrame& frame) { return frame.spoiled ? frame.instead : frame.bytes; }
+std::span<const uint8_t> Hub_Stream_Bytes(const HubFrame& frame) { return frame.faulty ? frame.sent : frame.bytes; }
 
 std::span<const uint8_t> Hub_Jfif(const HubFrame& frame) {
   if (!frame.readable) return {};

@@ -1,5 +1,5 @@
-/* The newest frame, shared by all who look at the camera. A frame never changes once it is in the hub; whoever is too slow for
- * one gets the next. */
+/* The newest frame, shared by all clients of the camera. A frame never changes once it is in the hub; a client that is too slow
+ * for one gets the next. */
 #pragma once
 
 #include "apps/velarto/frame_maker.h"
@@ -11,10 +11,10 @@
 struct HubFrame {
   int64_t number = 0;  ///< Counted from 1.
   FrameForm form = FrameForm::Compact;
-  std::vector<uint8_t> bytes;    ///< As made.
-  bool spoiled = false;          ///< The stream gets other bytes.
-  std::vector<uint8_t> instead;  ///< Those.
-  bool readable = true;          ///< The head is whole: there is a JFIF form.
+  std::vector<uint8_t> bytes;  ///< As made.
+  bool faulty = false;         ///< The stream gets `sent` in place of `bytes`.
+  std::vector<uint8_t> sent;
+  bool readable = true;  ///< The header is complete: there is a JFIF form.
   mutable std::once_flag converted;
   mutable std::vector<uint8_t> jfif;  ///< Use Hub_Jfif.
 };
@@ -35,13 +35,13 @@ void Hub_Put(Hub* hub, std::shared_ptr<HubFrame> frame);
 /** Ends all waiting, now and later. */
 void Hub_Close(Hub* hub);
 
-/** Waits until someone looks, or until the hub is closed, false then. */
+/** Waits until there is a watcher; false once the hub is closed. */
 bool Hub_Await_Watcher(Hub* hub);
 
-/** Waits for that moment; false once the hub is closed. */
+/** Waits until that time; false once the hub is closed. */
 bool Hub_Sleep(Hub* hub, std::chrono::steady_clock::time_point until);
 
-/** Someone who looks, for as long as it lives. */
+/** A watcher of the hub, for as long as it lives. */
 struct HubWatch {
   explicit HubWatch(Hub* watched);
   ~HubWatch();
@@ -55,8 +55,8 @@ struct HubWatch {
 /** Waits for a frame made after the one given last. Null once the hub is closed. */
 HubFramePtr Hub_Next(HubWatch* watch);
 
-/** What the stream carries for this frame. */
+/** The bytes that the stream carries for this frame, faults included. */
 std::span<const uint8_t> Hub_Stream_Bytes(const HubFrame& frame);
 
-/** The frame as a JPEG image, not touched by what spoils the stream. Empty when it has none. */
+/** The frame as a JPEG image, without the stream's faults. Empty when it has none. */
 std::span<const uint8_t> Hub_Jfif(const HubFrame& frame);

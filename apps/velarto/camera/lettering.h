@@ -25,6 +25,6 @@ constexpr float LetterWidth = 0.53F;
 /** Loads the face for cells of that height, at least 4 pixels. False when no face is found. */
 bool Lettering_Load(int32_t cellHeight, Lettering* lettering);
 
-/** Draws one line of text with its upper left corner at (x, y). What lies outside the picture is cut off, and characters that are
- * not printable ASCII are left out. */
+/** Draws one line of text with its upper left corner at (x, y). What lies outside the picture is clipped; characters that are not
+ * printable ASCII are skipped. */
 void Lettering_Draw(const Lettering& lettering, Picture* picture, int32_t x, int32_t y, const std::string& text);

@@ -14,11 +14,11 @@
 #include <set>
 #include <thread>
 
-/** Milliseconds in which a client must take at least a byte. */
+/** A client must take at least one byte in so many milliseconds. */
 static constexpr int StallTime = 30000;
-/** Milliseconds until the next try when the system has no connection to give. */
+/** Milliseconds until the next try when the system is out of handles or memory. */
 static constexpr int ShortageWait = 50;
-/** Bytes that the system may hold for a client: what lies there is late already. */
+/** Bytes that the system may buffer for a client; more would only make the picture late. */
 static constexpr int SendBuffer = 256 * 1024;
 
 struct Listener {
@@ -30,7 +30,7 @@ struct Listener {
   std::mutex lock;  ///< Guards what follows.
   std::condition_variable changed;
   std::set<int> connections;
-  size_t threads = 0;  ///< Of connections, and the one that takes them.
+  size_t threads = 0;  ///< Of connections, and the one that accepts them.
   bool stopped = false;
 
   ~Listener() {
@@ -67,11 +67,11 @@ static std::string Host_Port(const std::string& host, uint16_t port) {
 std::string Listener_Name(const Listener& listener) { return Host_Port(listener.host, listener.port); }
 
 std::shared_ptr<Listener> Listener_Open(const std::string& address, uint16_t port, std::string* error) {
-  addrinfo wish = {}, *found = nullptr;
-  wish.ai_socktype = SOCK_STREAM;
-  wish.ai_flags = AI_PASSIVE | AI_NUMERICSERV;
+  addrinfo hints = {}, *found = nullptr;
+  hints.ai_socktype = SOCK_STREAM;
+  hints.ai_flags = AI_PASSIVE | AI_NUMERICSERV;
   *error = "can't listen on " + Host_Port(address, port) + ": ";
-  const int code = getaddrinfo(address.c_str(), std::to_string(port).c_str(), &wish, &found);
+  const int code = getaddrinfo(address.c_str(), std::to_string(port).c_str(), &hints, &found);
   if (code != 0) {
     *error += gai_strerror(code);
     return nullptr;
@@ -103,7 +103,7 @@ static void End_Thread(Listener* listener) {
 static void Serve_Connection(const std::shared_ptr<Listener>& listener, int handle) {
   listener->server(handle);
   {
-    // From here on the number may be another connection's.
+    // Once closed, the handle may belong to another connection.
     const std::lock_guard held(listener->lock);
     listener->connections.erase(handle);
     close(handle);
@@ -111,7 +111,7 @@ static void Serve_Connection(const std::shared_ptr<Listener>& listener, int hand
   End_Thread(listener.get());
 }
 
-/** What has come from the client is taken first: closing with bytes unread would throw away the answer. */
+/** Reads what the client has sent before closing: with unread bytes the system would discard the answer. */
 static void Refuse(int handle, const std::string& refusal) {
   char scratch[4096];
   send(handle, refusal.data(), refusal.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
@@ -162,8 +162,8 @@ static void Run_Listener(const std::shared_ptr<Listener>& listener) {
       Take_Connection(listener, handle);
       continue;
     }
-    const bool shortage = errno == EMFILE || errno == ENFILE || errno == ENOBUFS || errno == ENOMEM;
-    if (shortage) poll(nullptr, 0, ShortageWait);
+    const bool exhausted = errno == EMFILE || errno == ENFILE || errno == ENOBUFS || errno == ENOMEM;
+    if (exhausted) poll(nullptr, 0, ShortageWait);
   }
   End_Thread(listener.get());
 }

@@ -1,5 +1,5 @@
-/* Filled shapes with smooth edges, in a picture. Places are pixels from the picture's upper left corner; what lies outside is cut
- * off. */
+/* Filled shapes with smooth edges, in a picture. Places are pixels from the picture's upper left corner; what lies outside is
+ * clipped. */
 #pragma once
 
 #include "apps/velarto/picture.h"

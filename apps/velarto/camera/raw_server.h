@@ -4,5 +4,5 @@
 #include "apps/velarto/camera/hub.h"
 #include "apps/velarto/camera/listener.h"
 
-/** Starts to serve at that port. The hub must outlive the listener's stop. */
+/** Starts to serve on that port. The hub must live until the listener has been stopped. */
 void Raw_Serve(const std::shared_ptr<Listener>& listener, Hub* hub);

@@ -15,7 +15,7 @@ static constexpr float DayHeight = 0.35F, DuskHeight = 0.0F, NightHeight = -0.35
 /** Height in pixels at which letters can be read. */
 static constexpr int32_t LegibleCell = 14;
 
-/** What a drawing operation needs to know. */
+/** The state that all drawing operations need. */
 struct Moment {
   const Scene& scene;
   Picture* picture;
@@ -39,7 +39,7 @@ static void Blend_Pictures(const Picture& a, const Picture& b, float part, Pictu
   for (size_t i = 0; i < count; ++i) pixels[i] = static_cast<uint8_t>((from[i] * (256 - weight) + to[i] * weight) >> 8);
 }
 
-/** Paints what stands still in the moment's light. */
+/** Paints the still parts in the moment's light. */
 static void Draw_Still_Parts(Moment* moment) {
   const Scene& scene = moment->scene;
   if (moment->sun > DuskHeight) {
@@ -57,7 +57,7 @@ static Brush Lit(const Moment& moment, const Color& color, float opacity = 1) {
   return {Color_Lit(color, moment.light), opacity};
 }
 
-/** A place on a way that begins anew after `span`: 0 to span. */
+/** A position on a track that repeats after `span`: 0 to span. */
 static float Way(const Moment& moment, float speed, float offset, float span) {
   const double place =
       std::fmod(moment.seconds * static_cast<double>(speed) + static_cast<double>(offset), static_cast<double>(span));

@@ -8,7 +8,7 @@
 
 struct Scene {
   int32_t width = 0, height = 0;
-  Picture day, dusk, night;  ///< What stands still, in three lights.
+  Picture day, dusk, night;  ///< The still parts, in three lights.
   std::vector<uint8_t> sky;  ///< Scenery_Sky_Mask.
   bool lettered = false;     ///< There is a face; else the clock has hands and no text is drawn.
   Lettering clock, caption;

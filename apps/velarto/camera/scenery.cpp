@@ -24,7 +24,7 @@ Color Color_Lit(const Color& color, const Light& light) {
   return {color.red * light.tint.red / 255, color.green * light.tint.green / 255, color.blue * light.tint.blue / 255};
 }
 
-/** What a drawing operation needs to know. */
+/** The state that all drawing operations need. */
 struct Site {
   Picture* picture;
   const Light& light;

@@ -1,4 +1,4 @@
-/* What stands still in the scene: a harbour with a road along it, in a given light. */
+/* The still parts of the scene: a harbour with a road along it, in a given light. */
 #pragma once
 
 #include "apps/velarto/camera/paint.h"
@@ -17,7 +17,7 @@ inline constexpr Light nightLight = {{7, 10, 30}, {26, 36, 72}, {22, 30, 60}, {5
 /** Heights of the scene's parts, as parts of the picture's height. */
 constexpr float Horizon = 0.52F, Shore = 0.70F, Kerb = 0.78F, LaneLine = 0.885F;
 
-/** Where things stand on the promenade, as parts of the picture's width. */
+/** Places of things on the promenade, as parts of the picture's width. */
 inline constexpr float treePlaces[] = {0.06F, 0.30F, 0.52F, 0.93F};
 constexpr float PolePlace = 0.42F, LighthousePlace = 0.80F;
 

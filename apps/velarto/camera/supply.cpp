@@ -27,7 +27,7 @@ static bool Rewind(Supply* supply, std::string* error) {
   return Source_Open(supply->options.inputs[0], &supply->stop, &supply->source, error);
 }
 
-/** Walks on to the next frame of the recording; false at its end, with *error if it could not be read. */
+/** Goes to the next frame of the recording; false at its end, with *error if it could not be read. */
 static bool Walk_On(Supply* supply, WalkedFrame* frame, std::string* error) {
   std::vector<uint8_t> chunk(ChunkSize);
   while (!Walk_Next(&supply->walk, frame)) {
@@ -85,7 +85,7 @@ bool Supply_Open(const SupplyOptions& options, Supply* supply, std::string* erro
   }
   for (const std::string& name : options.inputs) {
     if (!Source_Live(name)) continue;
-    *error = name + " is no file: a camera shows its input again and again";
+    *error = name + " is not a file: the camera repeats its input";
     return false;
   }
   if (options.inputs.size() == 1 && !Find_Recording(options.inputs[0], &supply->recorded, error)) return false;

@@ -8,7 +8,7 @@
 struct SupplyOptions {
   std::vector<std::string> inputs;    ///< None: the scene. One recording, or pictures.
   int32_t width = 640, height = 480;  ///< Of the scene.
-  FrameStyle style;                   ///< Not for the frames of a recording: they stay as they are.
+  FrameStyle style;                   ///< Not for a recording, whose frames stay unchanged.
 };
 
 struct Supply {
@@ -28,8 +28,7 @@ struct Supply {
  *  picture nor a recording. */
 bool Supply_Open(const SupplyOptions& options, Supply* supply, std::string* error);
 
-/** Makes the next frame: the scene as it is now, or the next one of the input, from the beginning again after the last. False
- *  with *error. */
+/** Makes the next frame: the scene as it is now, or the next one of the input, which repeats. False with *error. */
 bool Supply_Next(Supply* supply, HubFrame* frame, std::string* error);
 
 void Supply_Close(Supply* supply);

@@ -23,7 +23,7 @@ bool File_Open(const std::string& path, Source* source, std::string* error) {
 int64_t File_Read(Source* source, std::span<uint8_t> buffer, std::string* error) {
   const size_t count = std::fread(buffer.data(), 1, buffer.size(), source->file);
   if (count > 0 || !std::ferror(source->file)) return static_cast<int64_t>(count);
-  *error = std::string("can't read on: ") + std::strerror(errno);
+  *error = std::string("reading failed: ") + std::strerror(errno);
   return -1;
 }
 

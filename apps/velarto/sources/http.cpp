@@ -10,11 +10,11 @@ static constexpr size_t ChunkSize = 65536;
 
 struct HttpStream {
   HttpTransfer* transfer = nullptr;
-  bool inParts = false;  ///< The rest is for a multipart body.
+  bool inParts = false;  ///< The fields below are for a multipart body.
   Multipart parts;
   PartConverter converter;
   std::vector<uint8_t> chunk;  ///< For reading the body.
-  std::vector<uint8_t> frame;  ///< Of the part taken last, given out up to `given`.
+  std::vector<uint8_t> frame;  ///< Of the last part; `given` bytes of it have been read.
   size_t given = 0;
 };
 
@@ -23,7 +23,7 @@ static std::string Setting(const char* name) {
   return value ? value : "";
 }
 
-/** The address, with user and password from the environment where it brings none. */
+/** The address; user and password come from the environment if it has none. */
 static Url Url_Of(const std::string& name) {
   Url url = Url_Split(name);
   if (url.user.empty()) url.user = Setting("VELARTO_USER");
@@ -46,7 +46,7 @@ bool Http_Open(const std::string& name, Source* source, std::string* error) {
   return true;
 }
 
-/** Takes the next part and makes a frame of it if it can be. False when more bytes are needed. */
+/** Takes the next part, and makes a frame of it if possible. False when more bytes are needed. */
 static bool Take_Part(HttpStream* stream) {
   std::span<const uint8_t> part;
   if (!Multipart_Next(&stream->parts, &part)) return false;
@@ -78,7 +78,7 @@ void Http_Close(Source* source) {
   if (!source->http) return;
   Transfer_Close(source->http->transfer);
   const bool started = source->http->inParts;
-  delete source->http;  // With its decoder, which wants the library.
+  delete source->http;  // With its decoder, which needs the library.
   if (started) JDEC_Exit();
   source->http = nullptr;
 }

@@ -9,12 +9,12 @@
 
 using Clock = std::chrono::steady_clock;
 
-/** Milliseconds after which a wait looks at the stop flag. */
+/** Milliseconds after which a wait checks the stop flag. */
 static constexpr int StopLook = 50;
-/** Bytes held for a slow reader; with as many the server has to wait. */
+/** Bytes held for a slow reader; at this number the transfer pauses. */
 static constexpr size_t HeldLimit = 256 * 1024;
-/** Bytes of all heads of a request, those of redirections included. */
-static constexpr size_t HeadLimit = 256 * 1024;
+/** Bytes of all response headers, those of redirections included. */
+static constexpr size_t HeaderLimit = 256 * 1024;
 static constexpr long RedirectLimit = 5;
 
 struct HttpTransfer {
@@ -23,9 +23,9 @@ struct HttpTransfer {
   const std::atomic<bool>* stop = nullptr;
   std::vector<uint8_t> held;  ///< Bytes not yet read, from `begin` on.
   size_t begin = 0;
-  size_t headBytes = 0;
-  bool paused = false;  ///< The server waits for room in `held`.
-  bool headed = false;  ///< The head of a good response is there.
+  size_t headerBytes = 0;
+  bool paused = false;    ///< The transfer waits for room in `held`.
+  bool accepted = false;  ///< The header of a successful response has arrived.
   bool done = false;
   CURLcode result = CURLE_OK;  ///< Once done.
   std::array<char, CURL_ERROR_SIZE> text = {};
@@ -41,19 +41,19 @@ static long Status(const HttpTransfer& transfer) {
 
 /* ---- Called by libcurl ---------------------------------------------------------------------------------------------------- */
 
-/** A line of a head. Fewer bytes taken than given end the transfer. */
-static size_t Take_Head(const char* line, size_t, size_t count, void* user) {
+/** A line of a header. Taking fewer bytes than given ends the transfer. */
+static size_t Take_Header(const char* line, size_t, size_t count, void* user) {
   auto* const transfer = static_cast<HttpTransfer*>(user);
-  transfer->headBytes += count;
-  if (transfer->headBytes > HeadLimit) return 0;
+  transfer->headerBytes += count;
+  if (transfer->headerBytes > HeaderLimit) return 0;
   const bool blank = line[0] == '\r' || line[0] == '\n';
-  if (blank && Status(*transfer) / 100 == 2) transfer->headed = true;
+  if (blank && Status(*transfer) / 100 == 2) transfer->accepted = true;
   return count;
 }
 
 static size_t Take_Body(const char* data, size_t, size_t count, void* user) {
   auto* const transfer = static_cast<HttpTransfer*>(user);
-  if (!transfer->headed) return 0;
+  if (!transfer->accepted) return 0;
   if (Held(*transfer) > 0 && Held(*transfer) + count > HeldLimit) {
     transfer->paused = true;
     return CURL_WRITEFUNC_PAUSE;
@@ -62,7 +62,7 @@ static size_t Take_Body(const char* data, size_t, size_t count, void* user) {
   return count;
 }
 
-/* ---- Driving it ----------------------------------------------------------------------------------------------------------- */
+/* ---- The transfer --------------------------------------------------------------------------------------------------------- */
 
 static bool Set_Options(HttpTransfer* transfer, const Url& url) {
   CURL* const easy = transfer->easy;
@@ -82,7 +82,7 @@ static bool Set_Options(HttpTransfer* transfer, const Url& url) {
   set(CURLOPT_QUICK_EXIT, 1L);  // A stop doesn't wait for the resolver.
   set(CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
   set(CURLOPT_ERRORBUFFER, transfer->text.data());
-  set(CURLOPT_HEADERFUNCTION, Take_Head);
+  set(CURLOPT_HEADERFUNCTION, Take_Header);
   set(CURLOPT_HEADERDATA, transfer);
   set(CURLOPT_WRITEFUNCTION, Take_Body);
   set(CURLOPT_WRITEDATA, transfer);
@@ -93,7 +93,7 @@ static bool Set_Options(HttpTransfer* transfer, const Url& url) {
   return good;
 }
 
-/** Moves what can be moved, and waits a moment when that was nothing. */
+/** Transfers what it can without waiting; if that was nothing, waits up to StopLook. */
 static void Drive(HttpTransfer* transfer) {
   int running = 0, messages = 0;
   if (curl_multi_perform(transfer->multi, &running) != CURLM_OK) {
@@ -115,10 +115,10 @@ struct StatusText {
   const char* text;
 };
 static constexpr StatusText statusTexts[] = {
-    {401, ": user and password are wanted, or wrong"},
+    {401, ": user or password is missing or wrong"},
     {403, ": access is forbidden"},
-    {404, ": there is nothing at this address"},
-    {503, ": it is not ready, or has clients enough"},
+    {404, ": nothing at this address"},
+    {503, ": it is not ready or has too many clients"},
 };
 
 static std::string Refusal_Text(long status) {
@@ -129,21 +129,21 @@ static std::string Refusal_Text(long status) {
   return text;
 }
 
-/** Why there is no good response, or no more of it. */
+/** Why there is no successful response, or why it ended. */
 static std::string Failure_Text(const HttpTransfer& transfer) {
-  if (transfer.headBytes > HeadLimit) return "the head of the response has no end";
+  if (transfer.headerBytes > HeaderLimit) return "the header of the response is too long";
   if (transfer.result == CURLE_OPERATION_TIMEDOUT) return "no answer within " + Seconds_Text(ConnectTimeOut);
   const long status = Status(transfer);
   const bool answered =
       transfer.result == CURLE_HTTP_RETURNED_ERROR || transfer.result == CURLE_WRITE_ERROR || transfer.result == CURLE_OK;
-  if (!transfer.headed && answered) return Refusal_Text(status);
+  if (!transfer.accepted && answered) return Refusal_Text(status);
   return transfer.text[0] ? transfer.text.data() : curl_easy_strerror(transfer.result);
 }
 
-/** Drives the transfer until the head of a good response is there. */
-static bool Await_Head(HttpTransfer* transfer, std::string* error) {
+/** Runs the transfer until the header of a successful response has arrived. */
+static bool Await_Header(HttpTransfer* transfer, std::string* error) {
   const auto deadline = Clock::now() + StallTimeOut;
-  while (!transfer->headed && !transfer->done) {
+  while (!transfer->accepted && !transfer->done) {
     if (transfer->stop->load()) {
       *error = "stopped";
       return false;
@@ -154,7 +154,7 @@ static bool Await_Head(HttpTransfer* transfer, std::string* error) {
     }
     Drive(transfer);
   }
-  if (transfer->headed) return true;
+  if (transfer->accepted) return true;
   *error = Failure_Text(*transfer);
   return false;
 }
@@ -174,7 +174,7 @@ HttpTransfer* Transfer_Open(const Url& url, const std::atomic<bool>* stop, std::
   transfer->multi = curl_multi_init();
   transfer->easy = curl_easy_init();
   if (transfer->multi && transfer->easy && Set_Options(transfer, url) &&
-      curl_multi_add_handle(transfer->multi, transfer->easy) == CURLM_OK && Await_Head(transfer, error)) {
+      curl_multi_add_handle(transfer->multi, transfer->easy) == CURLM_OK && Await_Header(transfer, error)) {
     return transfer;
   }
   Transfer_Close(transfer);
@@ -200,7 +200,7 @@ int64_t Transfer_Read(HttpTransfer* transfer, std::span<uint8_t> buffer, std::st
     if (Held(*transfer) > 0) return static_cast<int64_t>(Take_Held(transfer, buffer));
     if (transfer->done && transfer->result == CURLE_OK) return 0;
     if (transfer->done || Clock::now() >= deadline) {
-      *error = transfer->done ? Failure_Text(*transfer) : "no byte for " + Seconds_Text(StallTimeOut);
+      *error = transfer->done ? Failure_Text(*transfer) : "no data for " + Seconds_Text(StallTimeOut);
       return -1;
     }
     Drive(transfer);

@@ -1,7 +1,7 @@
 #include "apps/velarto/sources/http_transfer.h"
 
 HttpTransfer* Transfer_Open(const Url&, const std::atomic<bool>*, std::string* error) {
-  *error = "http:// and https:// can't be read on this system; a camera's tcp:// address can";
+  *error = "http:// and https:// can't be read on this platform; use the camera's tcp:// address";
   return nullptr;
 }
 

@@ -30,8 +30,8 @@ bool Multipart_Type(const std::string& type, std::string* boundary) {
   const size_t begin = sign == std::string::npos || lower[sign] != '=' ? sign : lower.find_first_not_of(" \t", sign + 1);
   if (begin == std::string::npos || begin == sign) return true;
   const bool quoted = lower[begin] == '"';
-  const std::string rest = type.substr(begin + quoted);
-  *boundary = Without_Dashes(rest.substr(0, rest.find_first_of(quoted ? "\"" : "; \t\r\n")));
+  const std::string value = type.substr(begin + quoted);
+  *boundary = Without_Dashes(value.substr(0, value.find_first_of(quoted ? "\"" : "; \t\r\n")));
   return true;
 }
 
@@ -57,13 +57,13 @@ void Multipart_Add(Multipart* multipart, std::span<const uint8_t> bytes) {
 /* ---- Delimiters ----------------------------------------------------------------------------------------------------------- */
 
 struct Delimiter {
-  size_t begin = 0, end = 0;  ///< The line with the dashes ahead of the boundary, and behind its end.
+  size_t begin = 0, end = 0;  ///< From the dashes before the boundary to the end of the line.
   bool last = false;          ///< The one that closes the body.
 };
 
 enum class Fit { None, Open, Whole };
 
-/** Do the bytes around a boundary at `at` make a delimiter? Open: the next bytes will tell. */
+/** Are the bytes around a boundary at `at` a delimiter? Open: that depends on the next bytes. */
 static Fit Fit_Delimiter(std::string_view held, size_t at, size_t boundarySize, Delimiter* found) {
   size_t begin = at;
   while (begin > 0 && held[begin - 1] == '-') --begin;
@@ -102,7 +102,7 @@ static bool Learn_Boundary(Multipart* multipart) {
     const std::string_view held = Held(*multipart);
     const size_t end = held.find('\n');
     if (end == std::string_view::npos) {
-      if (held.size() > LargestPartHead) Pass(multipart, held.size(), MultipartState::Seek);
+      if (held.size() > LargestPartHeader) Pass(multipart, held.size(), MultipartState::Seek);
       return false;
     }
     const std::string line(held.substr(0, std::min(held.find_last_not_of("\r\n \t", end) + 1, end)));
@@ -114,15 +114,15 @@ static bool Learn_Boundary(Multipart* multipart) {
 
 /* ---- Parts ---------------------------------------------------------------------------------------------------------------- */
 
-/** Goes behind the next delimiter. */
+/** Goes to the end of the next delimiter. */
 static bool Seek_Part(Multipart* multipart) {
   if (multipart->boundary.empty() && !Learn_Boundary(multipart)) return false;
   Delimiter delimiter;
   if (Find_Delimiter(multipart, &delimiter)) {
-    Pass(multipart, delimiter.end, delimiter.last ? MultipartState::Seek : MultipartState::Head);
+    Pass(multipart, delimiter.end, delimiter.last ? MultipartState::Seek : MultipartState::Header);
     return true;
   }
-  // Of what was searched only dashes at its end matter still.
+  // Of the searched bytes only dashes at the end still matter.
   const size_t searched = multipart->searched;
   if (searched > 2) Pass(multipart, searched - 2, MultipartState::Seek);
   return false;
@@ -139,7 +139,7 @@ static size_t Read_Length(std::string_view line, size_t length) {
   return digits == 0 ? length : std::stoul(std::string(line.substr(begin, digits)));
 }
 
-static bool Read_Head(Multipart* multipart) {
+static bool Read_Header(Multipart* multipart) {
   const std::string_view held = Held(*multipart);
   size_t length = 0;
   for (size_t begin = 0, end = held.find('\n'); end != std::string_view::npos; begin = end + 1, end = held.find('\n', begin)) {
@@ -151,12 +151,12 @@ static bool Read_Head(Multipart* multipart) {
     }
     length = Read_Length(line, length);
   }
-  if (held.size() <= LargestPartHead) return false;
+  if (held.size() <= LargestPartHeader) return false;
   Pass(multipart, 0, MultipartState::Seek);
   return true;
 }
 
-/** Body and delimiter of a part; one line end ahead of the delimiter belongs to that. A delimiter ends a body of any length. */
+/** Body and delimiter of a part; one line end before the delimiter belongs to it. A delimiter ends a body of any length. */
 static bool Read_Body(Multipart* multipart, std::string_view* body) {
   const std::string_view held = Held(*multipart);
   const size_t length = multipart->length;
@@ -175,17 +175,17 @@ static bool Read_Body(Multipart* multipart, std::string_view* body) {
   *body = held.substr(0, delimiter.begin);
   if (body->ends_with('\n')) body->remove_suffix(1);
   if (body->ends_with('\r')) body->remove_suffix(1);
-  Pass(multipart, delimiter.end, delimiter.last ? MultipartState::Seek : MultipartState::Head);
+  Pass(multipart, delimiter.end, delimiter.last ? MultipartState::Seek : MultipartState::Header);
   return true;
 }
 
-/** Lets go of a body that was given by its length, once a delimiter behind it bears that out; otherwise it is read again, up to
- *  the next one. */
+/** Drops a body that was given by its length, once a delimiter follows it; otherwise the body is read again, up to the next
+ *  delimiter. */
 static bool Check_Given(Multipart* multipart) {
-  const std::string_view rest = Held(*multipart).substr(multipart->length, LargestPartHead);
-  const std::string_view behind = rest.substr(std::min(rest.find_first_not_of("\r\n"), rest.size()));
-  if ((behind.empty() || behind == "-") && rest.size() < LargestPartHead) return false;
-  if (behind.empty() || behind.starts_with("--")) {
+  const std::string_view next = Held(*multipart).substr(multipart->length, LargestPartHeader);
+  const std::string_view line = next.substr(std::min(next.find_first_not_of("\r\n"), next.size()));
+  if ((line.empty() || line == "-") && next.size() < LargestPartHeader) return false;
+  if (line.empty() || line.starts_with("--")) {
     Pass(multipart, multipart->length, MultipartState::Seek);
   } else {
     multipart->length = 0;
@@ -198,7 +198,7 @@ bool Multipart_Next(Multipart* multipart, std::span<const uint8_t>* body) {
   for (;;) {
     if (multipart->state == MultipartState::Given && !Check_Given(multipart)) return false;
     if (multipart->state == MultipartState::Seek && !Seek_Part(multipart)) return false;
-    if (multipart->state == MultipartState::Head && !Read_Head(multipart)) return false;
+    if (multipart->state == MultipartState::Header && !Read_Header(multipart)) return false;
     if (multipart->state != MultipartState::Body) continue;
     std::string_view part;
     if (!Read_Body(multipart, &part)) return false;

@@ -8,28 +8,28 @@
 
 #include <algorithm>
 
-/** Qualities at which a picture is compressed, until its frame fits a frame store. */
+/** Qualities to try in turn until the frame fits a frame store. */
 static constexpr int32_t frameQualities[] = {90, 75, 60, 45, 30, 15, 0};
 
-/** Version, density and thumbnail size of a JFIF head, which change nothing in the picture. */
+/** Version, density and thumbnail size in a JFIF header: they don't change the picture. */
 static constexpr size_t JfifFreeBegin = 11, JfifFreeEnd = 20;
 
-/** A reader works back from one table entry to a quality, and takes the code tables for granted. Is the whole head the one that
- *  belongs to that quality, and the size one of whole macroblocks? */
+/** A reader derives the quality from one table entry and assumes the code tables. Is the whole header the one of that quality,
+ * and the size one of whole macroblocks? */
 static bool Jfif_As_Assumed(std::span<const uint8_t> part) {
   int32_t width = 0, height = 0, quality = 0;
   if (!Parse_JFIF_Header(part.data(), &width, &height, &quality)) return false;
   if (width % 16 != 0 || height % 16 != 0 || !Picture_Size_Allowed(width, height)) return false;
   uint16_t luma[64], chroma[64];
   Quant_Build(quality, luma, chroma);
-  uint8_t head[JfifHeadSize];
-  JfifCursor cursor = {head, 0};
+  uint8_t header[JfifHeadSize];
+  JfifCursor cursor = {header, 0};
   JFIF_Write_Header(&cursor, width, height, luma, chroma);
-  return std::equal(head, head + JfifFreeBegin, part.begin()) &&
-         std::equal(head + JfifFreeEnd, head + JfifHeadSize, part.begin() + JfifFreeEnd);
+  return std::equal(header, header + JfifFreeBegin, part.begin()) &&
+         std::equal(header + JfifFreeEnd, header + JfifHeadSize, part.begin() + JfifFreeEnd);
 }
 
-/** Bytes of the frame that the part starts with, if the part has it whole; otherwise 0. */
+/** Length of the frame that the part starts with; 0 if it is incomplete. */
 static size_t Frame_Length(std::span<const uint8_t> part, bool jfif) {
   const auto count = static_cast<int32_t>(std::min<size_t>(part.size(), FrameStoreSize));
   if (jfif) {
@@ -38,11 +38,11 @@ static size_t Frame_Length(std::span<const uint8_t> part, bool jfif) {
   }
   const bool compact = part[0] == 0xFF;
   const int32_t prefix = compact ? 0 : PrefixSize;
-  const uint8_t* const head = part.data() + prefix;
+  const uint8_t* const header = part.data() + prefix;
   int32_t width = 0, height = 0, quality = 0;
-  Parse_Compact_Header(head, &width, &height, &quality);
-  const int64_t length = compact ? Compact_Length(head) : Prefixed_Length(part.data());
-  // The low half of a prefixed length wraps: it may announce less than the head.
+  Parse_Compact_Header(header, &width, &height, &quality);
+  const int64_t length = compact ? Compact_Length(header) : Prefixed_Length(part.data());
+  // The low half of a prefixed length wraps: the length may be less than the header's.
   const bool whole = length >= prefix + CompactHeadSize && length <= count;
   return whole && Picture_Size_Allowed(width, height) ? static_cast<size_t>(length) : 0;
 }
@@ -60,7 +60,7 @@ static bool Compress(PartConverter* converter, const Picture& picture, std::vect
 }
 
 bool Part_To_Frame(PartConverter* converter, std::span<const uint8_t> part, std::vector<uint8_t>* stream) {
-  // Some servers send more than one blank line behind a part's head.
+  // Some servers send more than one blank line after a part's header.
   while (!part.empty() && (part[0] == '\r' || part[0] == '\n')) part = part.subspan(1);
   const auto searched = static_cast<int32_t>(std::min<size_t>(part.size(), LeastJfifBytes));
   int32_t jfif = 0, wanted = 0;

@@ -7,18 +7,18 @@
 #include <cerrno>
 #include <cstring>
 
-/** Milliseconds after which a waiting read looks at the stop flag. */
+/** Milliseconds after which a wait checks the stop flag. */
 static constexpr int StopLook = 50;
 
 bool Pipe_Open(const std::string& path, Source* source, std::string* error) {
-  // Without O_NONBLOCK opening would wait for a writer, deaf to the stop flag.
+  // Without O_NONBLOCK opening would wait for a writer, whatever the stop flag says.
   source->handle = path == "-" ? STDIN_FILENO : open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
   if (source->handle >= 0) return true;
   *error = "can't open " + path + ": " + std::strerror(errno);
   return false;
 }
 
-/** True when a read gives something, be it the end; false when stopped. */
+/** Waits for bytes or the end; false when stopped. */
 static bool Await_Bytes(const Source& source) {
   pollfd waiting = {static_cast<int>(source.handle), POLLIN, 0};
   while (!source.stop->load()) {
@@ -32,7 +32,7 @@ int64_t Pipe_Read(Source* source, std::span<uint8_t> buffer, std::string* error)
     const ssize_t count = read(static_cast<int>(source->handle), buffer.data(), buffer.size());
     if (count >= 0) return count;
     if (errno == EINTR || errno == EAGAIN) continue;
-    *error = std::string("can't read on: ") + std::strerror(errno);
+    *error = std::string("reading failed: ") + std::strerror(errno);
     return -1;
   }
   return 0;

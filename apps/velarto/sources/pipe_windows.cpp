@@ -2,7 +2,7 @@
 
 #include <windows.h>
 
-/** Milliseconds between two looks at an empty pipe. */
+/** Milliseconds between two checks of an empty pipe. */
 static constexpr DWORD PipeLook = 10;
 
 static HANDLE Handle_Of(const Source& source) { return reinterpret_cast<HANDLE>(source.handle); }
@@ -22,7 +22,7 @@ bool Pipe_Open(const std::string& path, Source* source, std::string* error) {
 int64_t Pipe_Read(Source* source, std::span<uint8_t> buffer, std::string* error) {
   const HANDLE handle = Handle_Of(*source);
   DWORD waiting = 0;
-  // Only a pipe can be asked; whatever else stands behind the handle gives its bytes or its end without much delay.
+  // Only a pipe can be checked; anything else gives its bytes or its end without much delay.
   while (PeekNamedPipe(handle, nullptr, 0, nullptr, &waiting, nullptr) && waiting == 0) {
     if (source->stop->load()) return 0;
     Sleep(PipeLook);
@@ -31,7 +31,7 @@ int64_t Pipe_Read(Source* source, std::span<uint8_t> buffer, std::string* error)
   if (ReadFile(handle, buffer.data(), static_cast<DWORD>(buffer.size()), &count, nullptr)) return count;
   const DWORD code = GetLastError();
   if (code == ERROR_BROKEN_PIPE || code == ERROR_HANDLE_EOF) return 0;
-  *error = "can't read on: error " + std::to_string(code);
+  *error = "reading failed: error " + std::to_string(code);
   return -1;
 }
 

@@ -6,9 +6,9 @@
 using Clock = std::chrono::steady_clock;
 
 static constexpr std::chrono::milliseconds FirstPause{250};
-/** The pause doubles that many times. */
+/** How often the pause doubles. */
 static constexpr size_t MostDoublings = 3;
-/** After which a pause looks at the stop flag. */
+/** Between two checks of the stop flag. */
 static constexpr std::chrono::milliseconds StopLook{50};
 
 bool Reconnect_Lost(Reconnect* reconnect) {

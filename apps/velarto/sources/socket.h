@@ -1,4 +1,4 @@
-/* What the TCP source asks of the system's sockets; one file a system. */
+/* The system's sockets, for the TCP source; one file per platform. */
 #pragma once
 
 #include <cstdint>
@@ -14,16 +14,16 @@ struct SocketAddress {
   std::vector<uint8_t> bytes;
 };
 
-/** Gives the addresses of a host, in the order in which they are to be tried; none, with *error, when there are none. */
+/** The addresses of a host, in the order in which to try them; empty with *error. */
 std::vector<SocketAddress> Socket_Resolve(const std::string& host, const std::string& port, std::string* error);
 
 /** Starts to connect, without waiting. NoSocket, with *error, when that fails at once. */
 intptr_t Socket_Connect(const SocketAddress& address, std::string* error);
 
-/** Waits up to that many milliseconds: for the connection to stand or fail, or for bytes. False when nothing happened. */
+/** Waits up to so many milliseconds: for the connection to succeed or fail, or for bytes. False when nothing happened. */
 bool Socket_Wait(intptr_t socket, bool connecting, int milliseconds);
 
-/** After the wait for the connection: true when it stands, else *error. */
+/** After that wait: is it connected? False with *error. */
 bool Socket_Connected(intptr_t socket, std::string* error);
 
 /** Gives the number of bytes stored, 0 at the end of the stream, -1 with *error. */

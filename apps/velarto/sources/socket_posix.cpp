@@ -10,9 +10,9 @@
 #include <cstring>
 
 std::vector<SocketAddress> Socket_Resolve(const std::string& host, const std::string& port, std::string* error) {
-  addrinfo wish = {}, *found = nullptr;
-  wish.ai_socktype = SOCK_STREAM;
-  const int code = getaddrinfo(host.c_str(), port.c_str(), &wish, &found);
+  addrinfo hints = {}, *found = nullptr;
+  hints.ai_socktype = SOCK_STREAM;
+  const int code = getaddrinfo(host.c_str(), port.c_str(), &hints, &found);
   if (code != 0) {
     *error = gai_strerror(code);
     return {};

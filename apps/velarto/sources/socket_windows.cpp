@@ -22,9 +22,9 @@ static bool Start_Sockets() {
 }
 
 std::vector<SocketAddress> Socket_Resolve(const std::string& host, const std::string& port, std::string* error) {
-  addrinfo wish = {}, *found = nullptr;
-  wish.ai_socktype = SOCK_STREAM;
-  const int code = Start_Sockets() ? getaddrinfo(host.c_str(), port.c_str(), &wish, &found) : WSASYSNOTREADY;
+  addrinfo hints = {}, *found = nullptr;
+  hints.ai_socktype = SOCK_STREAM;
+  const int code = Start_Sockets() ? getaddrinfo(host.c_str(), port.c_str(), &hints, &found) : WSASYSNOTREADY;
   if (code != 0) {
     *error = Text_Of(code);
     return {};

@@ -10,9 +10,9 @@
 
 enum class SourceKind { File, Pipe, Tcp, Http };
 
-/** For a connection to stand. */
+/** Time for a connection to be made. */
 inline constexpr std::chrono::seconds ConnectTimeOut{5};
-/** A connection without a byte for that long counts as broken: cameras send many a second. */
+/** A connection without data for so long is taken for broken. */
 inline constexpr std::chrono::seconds StallTimeOut{10};
 
 struct HttpStream;
@@ -27,31 +27,30 @@ struct Source {
   const std::atomic<bool>* stop = nullptr;
 };
 
-/** A source whose bytes come when they come, and only once. */
+/** A source that can be read only once, at its own speed: anything but a file. */
 bool Source_Live(const std::string& name);
 
-/** The name as messages and titles show it: without the user and the password of an address. */
+/** The name for messages and titles: without the user and password of an address. */
 std::string Source_Title(const std::string& name);
 
 /** Opens the source of that name: "-", "tcp://HOST:PORT", "http://..." or "https://...", or a file. Waiting ends soon when *stop
- *  becomes true. False, with one clear line in *error, when it can't be had. */
+ *  becomes true. False, with one line in *error, when it can't be opened. */
 bool Source_Open(const std::string& name, const std::atomic<bool>* stop, Source* source, std::string* error);
 
 /** Waits for bytes and stores some. Gives how many, 0 at the end or when stopped, and -1 with *error on a failure. */
 int64_t Source_Read(Source* source, std::span<uint8_t> buffer, std::string* error);
 
-/** At the end: did a connection end that has more to give when it stands again? Not so for a response that was delivered in its
- *  announced length: that is a recording. */
+/** At the end: is it worth connecting again? Not after a response of an announced length, all read: that is a recording. */
 bool Source_Resumable(const Source& source);
 
 void Source_Close(Source* source);
 
-/* The kinds, each in its own file and, where systems differ, one file a system. Contracts as above. */
+/* The kinds, each in its own file, with one file per platform where platforms differ. Contracts as above. */
 bool File_Open(const std::string& path, Source* source, std::string* error);
 int64_t File_Read(Source* source, std::span<uint8_t> buffer, std::string* error);
 void File_Close(Source* source);
 
-/** path "-": standard input, which is not closed again. Otherwise a named pipe or device. */
+/** path "-": standard input, which is never closed. Otherwise a named pipe or device. */
 bool Pipe_Open(const std::string& path, Source* source, std::string* error);
 int64_t Pipe_Read(Source* source, std::span<uint8_t> buffer, std::string* error);
 void Pipe_Close(Source* source);
@@ -60,9 +59,9 @@ bool Tcp_Open(const std::string& name, Source* source, std::string* error);
 int64_t Tcp_Read(Source* source, std::span<uint8_t> buffer, std::string* error);
 void Tcp_Close(Source* source);
 
-/** A multipart response is taken apart: what is read are the frames in it, and frames made of its other pictures. */
+/** A multipart response is split: reading gives the frames in it, and frames made from its other pictures. */
 bool Http_Open(const std::string& name, Source* source, std::string* error);
 int64_t Http_Read(Source* source, std::span<uint8_t> buffer, std::string* error);
-/** All bytes of a response that announced its length have been delivered. */
+/** All bytes of a response with an announced length have been read. */
 bool Http_Whole(const Source& source);
 void Http_Close(Source* source);

@@ -7,7 +7,7 @@
 using Clock = std::chrono::steady_clock;
 
 static constexpr size_t SchemeLength = 6;  // tcp://
-/** Milliseconds after which a wait looks at the stop flag. */
+/** Milliseconds after which a wait checks the stop flag. */
 static constexpr int StopLook = 50;
 
 /** HOST:PORT or [HOST]:PORT, an IPv6 address in brackets. */
@@ -30,7 +30,7 @@ struct Resolved {
   std::string reason;  ///< When there are none.
 };
 
-/** Looks the host up on a thread of its own: the system may take its time, and is deaf to the stop flag meanwhile. */
+/** Looks the host up on another thread: the system may take long, and doesn't know of the stop flag. */
 static Resolved Resolve(const std::string& host, const std::string& port, const Source& source, Clock::time_point deadline) {
   std::packaged_task<Resolved()> task([host, port] {
     Resolved resolved;
@@ -41,12 +41,12 @@ static Resolved Resolve(const std::string& host, const std::string& port, const 
   std::thread(std::move(task)).detach();
   while (answer.wait_for(std::chrono::milliseconds(StopLook)) != std::future_status::ready) {
     if (source.stop->load()) return {{}, "stopped"};
-    if (Clock::now() >= deadline) return {{}, "the host's address can't be found in time"};
+    if (Clock::now() >= deadline) return {{}, "looking up the host takes too long"};
   }
   return answer.get();
 }
 
-/** Waits until the connection stands, fails, or the time is up. */
+/** Waits until the connection is made, fails, or the time is up. */
 static bool Await_Connection(const Source& source, intptr_t socket, Clock::time_point deadline, std::string* error) {
   while (!Socket_Wait(socket, true, StopLook)) {
     *error = source.stop->load() ? "stopped" : "no answer within 5 seconds";
@@ -58,7 +58,7 @@ static bool Await_Connection(const Source& source, intptr_t socket, Clock::time_
 bool Tcp_Open(const std::string& name, Source* source, std::string* error) {
   std::string host, port, reason;
   if (!Split_Address(name, &host, &port)) {
-    *error = Source_Title(name) + ": the address must read tcp://HOST:PORT";
+    *error = Source_Title(name) + ": the address must have the form tcp://HOST:PORT";
     return false;
   }
   const auto deadline = Clock::now() + ConnectTimeOut;
@@ -82,7 +82,7 @@ int64_t Tcp_Read(Source* source, std::span<uint8_t> buffer, std::string* error) 
   while (!source->stop->load()) {
     if (Socket_Wait(source->handle, false, StopLook)) return Socket_Read(source->handle, buffer, error);
     if (Clock::now() < deadline) continue;
-    *error = std::string("no byte for ") + std::to_string(StallTimeOut.count()) + " seconds";
+    *error = std::string("no data for ") + std::to_string(StallTimeOut.count()) + " seconds";
     return -1;
   }
   return 0;

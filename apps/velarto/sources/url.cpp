@@ -27,8 +27,8 @@ static std::string Decoded(const std::string& text) {
   return decoded;
 }
 
-/** Where the user part ends: at the last @ ahead of the path. A password with a bare slash in it makes that look like a port
- * which is no number; it must not come out as a part of the path. */
+/** Where the user part ends: at the last @ before the path. An unescaped slash in the password looks like the start of the path,
+ * after a port that is no number; even so the password must not be shown as part of the path. */
 static size_t User_End(const std::string& name, size_t begin) {
   const size_t pathBegin = std::min(name.find_first_of("/?#", begin), name.size());
   const std::string authority = name.substr(begin, pathBegin - begin);

@@ -1,11 +1,11 @@
-/* Addresses with a scheme, and what may not be shown of them. */
+/* Addresses with a scheme, and the user and password in them, which must not be shown. */
 #pragma once
 
 #include <string>
 
 struct Url {
   std::string address;         ///< Without user and password.
-  std::string user, password;  ///< Decoded; empty when not given.
+  std::string user, password;  ///< Decoded; empty if not given.
 };
 
 /** Is it an http:// or https:// address? */

@@ -8,7 +8,6 @@
 #include <functional>
 #include <optional>
 
-constexpr char MakerKey[] = "Software\\Orvane Instruments, Inc.\\Plugins";
 constexpr char InternetKey[] = "Software\\Microsoft\\Windows\\CurrentVersion\\Internet Settings";
 constexpr LRESULT OwnResult = 42;
 
