@@ -31,10 +31,15 @@ screen() {
   export DISPLAY=:$number
 }
 
+# set_x11 NAME VALUE: how Wine uses the X server.
+set_x11() { $wine reg add 'HKCU\Software\Wine\X11 Driver' /v "$1" /d "$2" /f; } >/dev/null 2>&1
+
 # The copies that Wine puts into a prefix become links to what they were copied from: the prefix stays small.
 make_prefix() {
   screen 24
   timeout -s KILL 1500 $wine wineboot -u || reply failed
+  # Else Wine waits two seconds for a window manager whenever a window is hidden; there is none.
+  set_x11 Managed N || reply failed
   $wineserver -w
   find /prefix/drive_c/windows -type f >/tmp/copies
   while read -r file; do
@@ -53,7 +58,7 @@ desktop() {
   cp -a /prefix "$WINEPREFIX"
   cp -a /job/files "$WINEPREFIX/drive_c/velarto"
   # On 8 bits Wine draws in colours of its own choice, unless it leaves the drawing to the X server.
-  [ "$depth" != 8 ] || $wine reg add 'HKCU\Software\Wine\X11 Driver' /v ClientSideGraphics /d N /f >/dev/null 2>&1
+  [ "$depth" != 8 ] || set_x11 ClientSideGraphics N
 }
 
 # run_command [depth=N] [timeout=SECONDS] [NAME=VALUE]... PROGRAM ARGUMENT...

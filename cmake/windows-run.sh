@@ -55,7 +55,7 @@ choose() {
   esac
   store=${XDG_CACHE_HOME:-$HOME/.cache}/velarto/windows-$kind
   # Another number when what is made here changes otherwise than by its packages.
-  cache=$store/1-$(printf '%s\n' "${packages[@]}" | cksum | cut -d ' ' -f 1)
+  cache=$store/2-$(printf '%s\n' "${packages[@]}" | cksum | cut -d ' ' -f 1)
 }
 
 setup() {
