@@ -28,6 +28,8 @@ machine_make() {
   mkdir "$2/prefix"
 }
 
+machine_whole() { [ -d "$1/prefix/drive_c/windows" ]; }
+
 # start_guest MADE JOB: there, becomes the guest in the root. Besides devices, prefix and job, all that it writes to is in memory.
 start_guest() {
   set -e

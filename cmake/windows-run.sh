@@ -43,6 +43,7 @@ trap 'exit 143' TERM HUP
 #   packages                 what it needs in its root, besides the packages of windows-packages.sh
 #   machine_make ROOT MADE   keeps in MADE what it needs of the unpacked packages in ROOT
 #   machine_exec MADE JOB    becomes the machine: runs the job, results on standard output, trouble on standard error
+#   machine_whole MADE       whether it has made its prefix
 choose() {
   kind=${VELARTO_WINDOWS:-}
   . "$here/windows-packages.sh"
@@ -60,8 +61,9 @@ choose() {
 
 setup() {
   mkdir -p "$store"
+  [ ! -d "$cache" ] || touch "$cache"
   find "$store" -mindepth 1 -maxdepth 1 \( -name 'run.*' -mtime +1 -o -name 'new.*' -mtime +1 -o -type d -mtime +30 \) -exec rm -rf {} +
-  [ ! -d "$cache" ] || { touch "$cache"; return 0; }
+  [ ! -d "$cache" ] || return 0
   exec 8>"$store/lock"
   flock 8
   [ ! -d "$cache" ] || return 0
@@ -71,7 +73,8 @@ setup() {
   fetch_packages "$work/apt"
   unpack_packages "$work/apt" "$work/root"
   machine_make "$work/root" "$work/made"
-  log=$store/setup.log boot "$work/made" 1800 >/dev/null || die "Wine made no prefix; see $store/setup.log"
+  { log=$store/setup.log boot "$work/made" 1800 >/dev/null && machine_whole "$work/made"; } ||
+    die "Wine made no prefix; see $store/setup.log"
   mv "$work/made" "$cache"
   rm -rf "$work"
   work=
@@ -81,7 +84,7 @@ setup() {
 # boot MADE SECONDS: runs the machine on $work/job and prints its results, their marks turned to `== `. Returns the first
 # bad status.
 boot() {
-  local made=$1 limit=$2 line result=125 bad=0 start=$SECONDS read=0
+  local made=$1 limit=$2 line result=125 bad=0 start=$SECONDS ended=0
   local mark="@$RANDOM$RANDOM$RANDOM" console=${log:-$work/console}
   echo "$mark" >"$work/job/mark"
   cp "$here/windows-guest.sh" "$work/job/guest"
@@ -91,7 +94,7 @@ boot() {
   child=$!
   exec 7<"$work/results"
   while [ $((SECONDS - start)) -lt "$limit" ]; do
-    IFS= read -r -t $((limit - SECONDS + start)) line <&7 || { read=$?; break; }
+    IFS= read -r -t $((limit - SECONDS + start)) line <&7 || { ended=$?; break; }
     case $line in
       "$mark done") result=0 ;;
       "$mark failed") bad=125 ;;
@@ -101,7 +104,8 @@ boot() {
     esac
   done
   exec 7<&-
-  [ $((SECONDS - start)) -lt "$limit" ] && [ $read -lt 128 ] || { result=124; kill -KILL "$child"; }
+  # Above 128, the read has taken too long.
+  [ $((SECONDS - start)) -lt "$limit" ] && [ $ended -lt 128 ] || { result=124; kill -KILL "$child"; }
   wait "$child" 2>/dev/null || true
   child=
   rm -f "$work/results"

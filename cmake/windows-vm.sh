@@ -12,6 +12,8 @@ machine_make() {
   rm -rf "$1"
 }
 
+machine_whole() { gzip -t "$1/prefix.cpio.gz"; }
+
 machine_exec() {
   local made=$1 job=$2 packed=$work/packed prefix=null extra=()
   command -v qemu-system-x86_64 >/dev/null || die "qemu-system-x86_64 is missing; it is in the package qemu-system-x86"
