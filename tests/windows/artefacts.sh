@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# artefacts.sh FOLDER LIST: velarto.dll exports what the list says, undecorated and under its ordinals, and neither it nor tool and host need a
-# DLL beside the system's own.
+# artefacts.sh FOLDER LIST: velarto.dll exports what the list says, undecorated and under its ordinals, and it, the tool and the host need no DLL
+# but the system's.
 set -euo pipefail
 folder=$1 list=$2
 objdump=i686-w64-mingw32-objdump

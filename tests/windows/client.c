@@ -1,7 +1,7 @@
-/* A client in plain C: the JDEC_ operations through the header's prototypes, linked; and the other two families with an eye on
- * the stack, as programs without a header have them, Visual Basic's among them: an operation is declared by its arguments
- * (Declare Function vb_JDEC_New Lib "velarto.dll" [Alias "#6"] (ByVal width As Long, ByVal height As Long) As Long). All of them
- * are found by name and by ordinal. */
+/* A client in plain C. It calls the JDEC_ operations through the header's prototypes, linked. It calls the other two families as
+ * programs without a header do, in Visual Basic for example, where an operation is declared by its arguments
+ * (Declare Function vb_JDEC_New Lib "velarto.dll" [Alias "#6"] (ByVal width As Long, ByVal height As Long) As Long), and checks
+ * the stack after each call. All operations are found by name and by ordinal. */
 #include "velarto.h"
 
 #include <windows.h>
@@ -11,7 +11,7 @@
 #include <stdlib.h>
 #include <string.h>
 
-/* The picture that is fed, and its BMP file as each way to the DLL gives it. */
+/* The frame to decode, and its picture as a BMP file from each way of calling the DLL. */
 enum { Width = 96, Height = 64, Quality = 40, BmpSize = Width * Height * 3 + 54, Ways = 4 };
 static uint8_t frame[4096], bmp[Ways][BmpSize];
 static uint32_t frameSize;
@@ -19,7 +19,7 @@ static HMODULE library;
 static int failures;
 #define CHECK(condition) ((condition) ? (void)0 : (void)(++failures, printf("line %d: %s\n", __LINE__, #condition)))
 
-/* The operation, which is the same by its name and by its ordinal. */
+/* Finds an operation by its name; its ordinal must lead to the same. */
 static void* Find(const char* name, int ordinal) {
   const FARPROC found = GetProcAddress(library, name);
   if (!found) exit(printf("%s is missing\n", name));
@@ -47,8 +47,8 @@ static void Run_Linked(uint8_t* picture) {
 
 /* ---- Without a header ----------------------------------------------------------------------------------------------------- */
 
-/* An export as its caller declares it. Arguments and results are words of 32 bits; a call leaves that many bytes of each argument
- * on the stack: 0 under stdcall, 4 under cdecl. */
+/* An export as its caller declares it. Arguments and results are words of 32 bits; `left` is how many bytes of each argument a
+ * call leaves on the stack: 0 under stdcall, 4 under cdecl. */
 typedef struct {
   const char* name;
   int ordinal, words, left;

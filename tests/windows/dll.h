@@ -1,4 +1,4 @@
-// A decoder of the DLL, and what its window should show. VELARTO_FORM (ddraw or gdi) tells which form the screen at hand must
+// A decoder of the DLL, and what its window should show. VELARTO_FORM (ddraw or gdi) names the form that this screen must
 // lead to.
 #pragma once
 
@@ -59,8 +59,8 @@ struct DllTest : testing::Test {
   /** Waits until the window shows the decoder's picture, repainting now and then; gives how many pixels still differ. */
   int Differing_Pixels(HWND window) { return Differing_Pixels(window, Expected()); }
   int Differing_Pixels(HWND window, const Bytes& expected) {
-    // On 8 bits Wine keeps some of the screen's entries for itself, so that a few colours are replaced by their neighbours in the
-    // palette, a step of chroma away.
+    // On 8 bits Wine keeps some of the palette's entries for itself: a few colours are replaced by their neighbours in the
+    // palette, one chroma step away.
     const int most = Screen_Depth() == 8 ? 66 : 0;
     const auto same = [most](int a, int b) { return std::abs(a - b) <= most; };
     int differing = 0;

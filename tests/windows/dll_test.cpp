@@ -1,5 +1,5 @@
-// The real DLL in a real window: real frames in, pixels read back from the screen. VELARTO_FORM (ddraw or gdi) tells which form
-// the screen at hand must lead to; the files lie beside the program.
+// The real DLL in a real window: real frames in, pixels read back from the screen. VELARTO_FORM (ddraw or gdi) names the
+// form that this screen must lead to. The frames are files in the program's folder.
 #include "windows/dll.h"
 
 #include "windows/page.h"
@@ -17,7 +17,7 @@ TEST_F(DllTest, ShowsFramesPixelForPixelOverASizeChange) {
 }
 
 TEST_F(DllTest, ShowsRowsThatAreNotAligned) {
-  // A size that the frame announces, and that leaves a remainder beside the whole macroblocks: rows of 39 pixels.
+  // The frame's header gives a size that is not a multiple of the macroblock's: rows of 39 pixels.
   Bytes frame = Read_File("tile-48x48-q50.jpg");
   frame[163 + 1] = 36, frame[165 + 1] = 39;
   Window window(39, 36);
@@ -41,7 +41,7 @@ TEST_F(DllTest, ComesBackAfterBeingMinimisedAndCovered) {
 }
 
 TEST_F(DllTest, TheScreenLeadsToTheFormExpected) {
-  // A client taller than 4:3 is filled by DirectDraw, and keeps its white foot in the GDI form.
+  // DirectDraw fills a client area that is taller than 4:3; the GDI form leaves its lower part white.
   Window window(96, 128);
   Open(96, 64, window.handle);
   Push(Read_File("tile-96x64-q40.jpg"));
@@ -59,32 +59,34 @@ TEST_F(DllTest, TheScreenLeadsToTheFormExpected) {
 
 TEST_F(DllTest, ThePluginShowsItsStreamPixelForPixel) {
   const Window window(96, 64);
-  Bytes stream;  // Short, for the emulated PC takes seconds for a picture by DirectDraw.
+  Bytes stream;  // Short: a picture by DirectDraw takes the emulated PC seconds.
   for (int i = 0; i < 8; ++i) Append(&stream, Read_File(i == 4 ? "tile-64x48-q75.jpg" : "tile-96x64-q40.jpg"));
   PluginPage shown;
   shown.Show(window.handle);
   shown.Feed(stream);
   decoder = static_cast<JdecDecoder*>(shown.page.instance.pdata);
   EXPECT_EQ(Differing_Pixels(window.handle), 0);
-  decoder = nullptr;  // The page's.
+  decoder = nullptr;  // The page frees it.
   shown.Close();
 }
 
 TEST(Dll, ComesAndGoesWithoutLeavingObjects) {
-  std::array<DWORD, 3> early = {};
+  HandleCounts early = {};
   Window window(96, 64);
-  for (int round = 0; round < 16; ++round) {
-    Library dll;
-    JdecDecoder* const decoder = dll.JDEC_New(96, 64);
-    ASSERT_EQ(dll.JDEC_Draw_Init(decoder, window.handle), 1);
-    dll.JDEC_Free(decoder);
-    if (round == 3) early = Handle_Counts();
+  for (int round = 0; round < 6; ++round) {
+    {
+      Library dll;
+      JdecDecoder* const decoder = dll.JDEC_New(96, 64);
+      ASSERT_EQ(dll.JDEC_Draw_Init(decoder, window.handle), 1);
+      dll.JDEC_Free(decoder);
+    }
+    if (round == 1) early = Count_Handles();
   }
-  for (size_t kind : {0, 1}) EXPECT_LE(Handle_Counts()[kind], early[kind] + 4);
+  Expect_None_Left(early, 4);
 }
 
 #ifdef __i386__
-/** Calls an operation with the stack at 4 bytes past a multiple of 16, as callers of old compilers do. */
+/** Calls an operation with the stack 4 bytes past a multiple of 16, as code of old compilers does. */
 __attribute__((noinline)) int32_t Call_Misaligned(int32_t(__cdecl* operation)(JdecDecoder*), JdecDecoder* decoder) {
   int32_t result;
   asm volatile("movl %%esp, %%ebx\n andl $-16, %%esp\n subl $8, %%esp\n pushl %2\n call *%1\n movl %%ebx, %%esp"

@@ -1,4 +1,4 @@
-// The DLL, loaded by name as its callers do, and a real window with what its user would see of it.
+// The DLL, loaded by name as its callers do, and a real window whose pixels are read from the screen.
 #pragma once
 
 #include "velarto.h"
@@ -26,7 +26,7 @@ Function Find_Export(HMODULE library, const char* name) {
 }
 #define FIND(name) decltype(&::name) name = Find_Export<decltype(&::name)>(module, #name)
 
-/** The DLL to test: the one built, or one kept to fewer kernel levels. */
+/** The DLL to test: the one built, or one limited to lower kernel levels. */
 inline const char* Library_Name() {
   const char* const name = std::getenv("VELARTO_DLL");
   return name ? name : "velarto.dll";
@@ -72,7 +72,7 @@ inline void Pump_Messages(DWORD milliseconds) {
   } while (GetTickCount() - start < milliseconds);
 }
 
-/** A visible window of white with that procedure: in its parent's client area, or above all others on the screen. */
+/** A visible white window with that procedure: in its parent's client area, or on top of all others on the screen. */
 inline HWND Make_Window(WNDPROC procedure, HWND parent, int left, int top, int width, int height) {
   WNDCLASSA type = {};
   type.lpfnWndProc = procedure;
@@ -136,7 +136,7 @@ inline uint8_t Keep_Bits(uint8_t value, int bits) {
   return static_cast<uint8_t>(level << (8 - bits) | level >> (2 * bits - 8));
 }
 
-/** What a screen of this depth shows of pixels: with 16 bits 5-6-5, where the GDI form brings only five bits of green. */
+/** What a screen of this depth shows of pixels: with 16 bits 5-6-5, where the GDI form supplies only five bits of green. */
 inline Bytes As_Shown(Bytes pixels, bool directDraw) {
   if (Screen_Depth() != 16) return pixels;
   for (size_t i = 0; i < pixels.size(); i += 4) {
@@ -163,10 +163,31 @@ inline Bytes Read_File(const std::string& name) {
 
 inline void Append(Bytes* bytes, const Bytes& more) { bytes->insert(bytes->end(), more.begin(), more.end()); }
 
-/** How many GDI objects, user objects and handles the process has. */
-inline std::array<DWORD, 3> Handle_Counts() {
-  const HANDLE process = GetCurrentProcess();
-  DWORD handles = 0;
-  GetProcessHandleCount(process, &handles);
-  return {GetGuiResources(process, GR_GDIOBJECTS), GetGuiResources(process, GR_USEROBJECTS), handles};
+struct HandleCounts {
+  DWORD gdi, windows, kernel;
+};
+
+/** How many GDI objects and kernel handles the process has, and top-level windows this thread. Wine 8's own counts are always 0;
+ *  but its GetObjectType takes an index for a handle, and kernel handles are small multiples of 4 everywhere. */
+inline HandleCounts Count_Handles() {
+  HandleCounts counts = {GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS), 0, 0};
+  if (counts.gdi == 0) {
+    for (UINT_PTR index = 1; index < 0x4000; ++index) counts.gdi += GetObjectType(reinterpret_cast<HGDIOBJ>(index)) != 0;
+  }
+  const auto count = [](HWND, LPARAM sum) CALLBACK -> BOOL { return ++*reinterpret_cast<DWORD*>(sum); };
+  EnumThreadWindows(GetCurrentThreadId(), count, reinterpret_cast<LPARAM>(&counts.windows));
+  for (UINT_PTR handle = 4; handle < 0x2000; handle += 4) {
+    DWORD flags;
+    counts.kernel += GetHandleInformation(reinterpret_cast<HANDLE>(handle), &flags) != 0;
+  }
+  return counts;
+}
+
+/** Expects that the loads of the DLL since early have left nothing each; single objects may be Wine's, made when first needed.
+ * The compiler's own thread library leaves three kernel handles each time that a DLL with it is unloaded. */
+inline void Expect_None_Left(const HandleCounts& early, DWORD loads) {
+  const HandleCounts late = Count_Handles();
+  EXPECT_LT(late.gdi, early.gdi + loads);
+  EXPECT_LT(late.windows, early.windows + loads);
+  EXPECT_LT(late.kernel, early.kernel + (3 + 1) * loads);
 }

@@ -1,5 +1,5 @@
-// Each overlay of the real DLL, read back from the screen: in the DirectDraw form it lies over the picture, in the GDI form there
-// is the picture alone, and the exported picture never holds any of it.
+// Each overlay of the real DLL, read back from the screen: the DirectDraw form shows it over the picture, the GDI form
+// shows the picture alone, and the exported picture never contains it.
 #include "windows/dll.h"
 
 #include <functional>
@@ -8,7 +8,7 @@ namespace {
 
 enum Ink { None, Red, Blue, DarkBlue };
 
-/** Small pictures, for the emulated screen is slow. */
+/** Small pictures: the emulated PC draws slowly. */
 struct OverlayTest : DllTest {
   const int Width = 96, Height = 64;
   Window window{Width, Height};
@@ -23,10 +23,10 @@ struct OverlayTest : DllTest {
     ASSERT_EQ(Differing_Pixels(window.handle), 0);
   }
   void TearDown() override {
-    dll.JDEC_enable_MD(decoder, 1);  // The rectangle mode is the process's.
+    dll.JDEC_enable_MD(decoder, 1);  // All decoders of the process share the rectangle mode.
     DllTest::TearDown();
   }
-  /** The pixels that are not the picture with that ink over it; on 8 bits inks are the nearest colours there are. */
+  /** How many pixels differ from the picture with that ink over it; the GDI form has no ink. */
   int Wrong_Pixels(const std::function<Ink(int x, int y)>& ink) {
     Bytes expected = Expected();
     const Bytes inks[] = {{}, As_Shown({0, 0, 255, 0}, true), As_Shown({255, 0, 0, 0}, true), As_Shown({64, 0, 0, 0}, true)};

@@ -1,4 +1,4 @@
-// The plug-in in a page, as its browser has it.
+// The plug-in in a page, as a browser loads it.
 #pragma once
 
 #include "apps/host/browser.h"
@@ -21,12 +21,12 @@ struct PluginPage {
     Page_Close(&page);
     Plugin_Unload(&plugin);
   }
-  /** Brings bytes to the plug-in as offered, the messages running between the pieces. */
+  /** Delivers bytes in the sizes that the plug-in asks for, and dispatches messages between the pieces. */
   void Feed(const Bytes& bytes) {
     for (size_t at = 0; at < bytes.size();) {
       const int32_t taken = Page_Deliver(&page, std::span(bytes).subspan(at));
       at += static_cast<size_t>(taken);
-      ASSERT_TRUE(taken > 0 && taken <= 8192) << taken << " at " << at << ", though the messages have run";
+      ASSERT_TRUE(taken > 0 && taken <= 8192) << taken << " at " << at << ", though messages were dispatched";
       for (MSG message; PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE);) DispatchMessageA(&message);
     }
   }

@@ -1,8 +1,7 @@
 #!/usr/bin/env bash
-# run_all.sh FOLDER: runs the Windows programs of a build in the emulated PC: the DLL in its DirectDraw and in its GDI form, on screens of
-# 32 and 16 bits, in its GDI form on one of 8 bits, where Wine has no 3D to offer, and with the kernels of lower levels; the plug-in in a page
-# and in the host; a client in C; the kernels in 32 bits; and the platform tests, where Windows' own operations are the judge. Ends with a
-# closing line.
+# run_all.sh FOLDER: runs the Windows programs of a build under Wine (cmake/windows-run.sh): the DLL in its DirectDraw and in its GDI form, on
+# screens of 32 and 16 bits, in its GDI form on one of 8 bits, where Wine has no 3D, and with the kernels of lower levels; the plug-in in a page
+# and in the host; a client in C; the kernels in 32 bits; and the platform tests on Windows' own operations. Ends with a closing line.
 set -uo pipefail
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 folder=$1
@@ -10,21 +9,22 @@ root=$here/../..
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
+# Two run at a time: those that take longest come first.
 cat >"$work/commands" <<'END'
 VELARTO_FORM=ddraw windows_tests.exe
-VELARTO_FORM=gdi WINE_D3D_CONFIG=renderer=no3d windows_tests.exe
-platform_tests.exe
-kernels_tests.exe
-VELARTO_DLL=velarto-sse2.dll VELARTO_FORM=gdi WINE_D3D_CONFIG=renderer=no3d windows_tests.exe
-VELARTO_DLL=velarto-plain.dll VELARTO_FORM=gdi WINE_D3D_CONFIG=renderer=no3d windows_tests.exe
-velarto.exe info street.vlr
-velarto.exe info --cpu plain street.vlr
-WINE_D3D_CONFIG=renderer=no3d shell_tests.exe
-WINE_D3D_CONFIG=renderer=no3d velarto-host.exe --quit --size 320x240 long.vlr
-client.exe
 depth=16 VELARTO_FORM=ddraw windows_tests.exe
 depth=16 VELARTO_FORM=gdi WINE_D3D_CONFIG=renderer=no3d windows_tests.exe
 depth=8 VELARTO_FORM=gdi windows_tests.exe
+WINE_D3D_CONFIG=renderer=no3d shell_tests.exe
+platform_tests.exe
+VELARTO_FORM=gdi WINE_D3D_CONFIG=renderer=no3d windows_tests.exe
+VELARTO_DLL=velarto-sse2.dll VELARTO_FORM=gdi WINE_D3D_CONFIG=renderer=no3d windows_tests.exe
+VELARTO_DLL=velarto-plain.dll VELARTO_FORM=gdi WINE_D3D_CONFIG=renderer=no3d windows_tests.exe
+kernels_tests.exe
+WINE_D3D_CONFIG=renderer=no3d velarto-host.exe --quit --size 320x240 long.vlr
+velarto.exe info street.vlr
+velarto.exe info --cpu plain street.vlr
+client.exe
 END
 [ -z "${VELARTO_EXPECT_LEVELS:-}" ] || sed -i "s/^kernels_tests/VELARTO_EXPECT_LEVELS=$VELARTO_EXPECT_LEVELS &/" "$work/commands"
 
@@ -39,10 +39,10 @@ mkdir -p "$work/tests"
 cp -r "$root/tests/data" "$work/tests/data"
 data+=(--data "$work/tests")
 for file in "$root"/tests/data/tile-*.jpg "$root/samples/street.vlr"; do data+=(--data "$file"); done
-"$root/cmake/windows-vm.sh" run --timeout "${VELARTO_WINDOWS_TIMEOUT:-2400}" "${data[@]}" "$folder" "$work/commands" | grep --line-buffered -v '^speed=' | tee "$work/output"
+"$root/cmake/windows-run.sh" run --timeout "${VELARTO_WINDOWS_TIMEOUT:-2400}" "${data[@]}" "$folder" "$work/commands" | grep --line-buffered -v '^speed=' | tee "$work/output"
 status=${PIPESTATUS[0]}
 
-# GoogleTest's own counts; each other program, and one of GoogleTest that ends badly without telling, counts once, by how it exits.
+# GoogleTest's own counts. Any other program counts as one test by its exit status, as does a GoogleTest program that crashes.
 read -r passed failed < <(awk '
   /^== command / {counted = bad = 0}
   /^\[  PASSED  \]/ {passed += $4; counted = 1}

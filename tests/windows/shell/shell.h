@@ -1,4 +1,4 @@
-// The plug-in in a browser's page on Windows: registry, window, and a user who clicks in the dialogs that hold the page up.
+// The plug-in in a browser's page on Windows: registry, window, and a user who clicks in its modal dialogs.
 #pragma once
 
 #include "windows/page.h"
@@ -23,7 +23,7 @@ inline void Set_Value(HKEY root, const char* path, const char* name, DWORD type,
   RegCloseKey(key);
 }
 
-/** A value's bytes, as the registry holds them; nothing if it isn't there. */
+/** A value's bytes as they are in the registry; nothing if it isn't there. */
 inline std::optional<Bytes> Value(HKEY root, const char* path, const char* name) {
   HKEY key = nullptr;
   Bytes data(4096);
@@ -35,7 +35,7 @@ inline std::optional<Bytes> Value(HKEY root, const char* path, const char* name)
   return there ? std::optional(data) : std::nullopt;
 }
 
-/** A text as the registry holds it. */
+/** A text as it is in the registry. */
 inline Bytes Text(const std::string& text) { return Bytes(text.c_str(), text.c_str() + text.size() + 1); }
 inline Bytes Number(DWORD number) {
   const auto* const first = reinterpret_cast<const uint8_t*>(&number);
@@ -44,17 +44,17 @@ inline Bytes Number(DWORD number) {
 
 /* ---- The user ------------------------------------------------------------------------------------------------------------- */
 
-/** What the user does next; each step is tried again until it has worked. */
+/** What the user does next; each step is repeated until it works. */
 inline std::deque<std::function<bool()>> steps;
 
 inline void CALLBACK Try_Step(HWND, UINT, UINT_PTR timer, DWORD) {
-  // Started anew afterwards: a timer always due would keep dialogs from being shown, which waits for an idle moment.
+  // Set again afterwards: a dialog is shown when no message is left, and a timer that is always due would prevent that.
   KillTimer(nullptr, timer);
   if (!steps.empty() && steps.front()()) steps.pop_front();
   SetTimer(nullptr, 0, 50, Try_Step);
 }
 
-/** A dialog of this thread with that title that is to be seen, or null. */
+/** A visible dialog of this thread with that title, or null. */
 inline HWND Find_Dialog(const char* title) {
   const auto fits = [](HWND dialog) {
     return IsWindowVisible(dialog) && GetWindowThreadProcessId(dialog, nullptr) == GetCurrentThreadId();
@@ -66,13 +66,13 @@ inline HWND Find_Dialog(const char* title) {
 }
 inline HWND Find_Menu() { return Find_Dialog(""); }
 
-/** The field of the file dialog that takes the name, in either of its styles. */
+/** The name field of the file dialog, in either of its styles. */
 inline HWND Name_Field(HWND dialog) {
   const HWND combo = GetDlgItem(dialog, 0x47C);
   return combo ? combo : GetDlgItem(dialog, 0x480);
 }
 
-/** Steps: press a button of the menu; answer the file dialog with a path, or with null cancel it. */
+/** Steps: press a button of the menu; answer the file dialog with a path, or cancel it with null. */
 inline void Then_Press(int button) {
   steps.push_back([=] {
     const HWND menu = Find_Menu();

@@ -1,4 +1,4 @@
-// Recording through the menu and the system's file dialog, and what tooltip and cursor tell of it.
+// Recording through the menu and the system's file dialog, and how tooltip and cursor show it.
 #include "windows/shell/shell.h"
 
 #include <regex>
@@ -94,7 +94,7 @@ TEST_F(ShellRecordingTest, AFileHoldsTheStreamFromItsFirstFrameStartOn) {
   EXPECT_EQ(Signs(), "Right click to record. 101");
   Feed(frame);
   EXPECT_TRUE(Read_File("velarto-recorded.vlr") == Bytes(stream.begin() + 100, stream.end()));
-  // Another one replaces it, and ends with its instance.
+  // A second recording replaces the file, and ends with its instance.
   Start_Recording("velarto-recorded.vlr");
   Feed(frame);
   Close();
