@@ -1,6 +1,5 @@
-// What is handed out of a decoder, on a screen of any depth or none: raster, palette, BMP and JPEG files, into buffers of any
-// size.
-#include "fuzz/machine.h"
+// What a decoder gives its caller, on a screen of any depth or none: raster, palette, BMP and JPEG files, in buffers of any size.
+#include "fuzz/run.h"
 
 static Bytes Export(uint32_t mask, Input input) {
   const uint8_t flags = input.Byte();
