@@ -1,11 +1,11 @@
-# The library with its decoders, windows and exports, and the programs. Included by CMakeLists.txt.
+# The library with decoders, windows and exports, and the programs. CMakeLists.txt includes this file.
 
-# What all of it is compiled with: our own folder for includes, and on Windows what a DLL of ours has to keep to.
+# Options of all of this code: the include folders, and on Windows what the DLL needs.
 add_library(velarto_options INTERFACE)
 target_include_directories(velarto_options INTERFACE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
 target_link_libraries(velarto_options INTERFACE velarto_flags)
 if(WIN32)
-  # Nothing beside the system's own DLLs may be needed; on 32 bits callers' stacks are aligned to 4 bytes only.
+  # The DLL must need only DLLs of the system; on 32 bits callers align their stacks only to 4 bytes.
   target_link_options(velarto_options INTERFACE -static)
   if(CMAKE_SIZEOF_VOID_P EQUAL 4)
     target_compile_options(velarto_codec_objects PRIVATE -mstackrealign)
@@ -14,13 +14,13 @@ if(WIN32)
   endif()
 endif()
 
-# The library's code beside the codec. A file added to one of the folders belongs to it.
+# The library's code outside the codec. A file added to one of the folders belongs to it.
 set(library_sources ${decoder_sources})
 foreach(folder platform display overlay api plugin)
   file(GLOB folder_sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/${folder}/*.cpp)
   list(APPEND library_sources ${folder_sources})
 endforeach()
-# How the library is attached is the business of the library alone: tool and tests do that themselves.
+# These attach the shared library when it is loaded; tool and tests attach by a call.
 list(FILTER library_sources EXCLUDE REGEX "/attach_(windows|elsewhere)\\.cpp$")
 file(GLOB resource_files CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/resources/*.bmp ${PROJECT_SOURCE_DIR}/resources/*.cur
   ${PROJECT_SOURCE_DIR}/resources/texts.h)
@@ -29,7 +29,7 @@ add_library(velarto_objects OBJECT ${library_sources})
 target_link_libraries(velarto_objects PUBLIC velarto_options Threads::Threads PRIVATE velarto_library_flags)
 set(library_objects $<TARGET_OBJECTS:velarto_objects> $<TARGET_OBJECTS:velarto_codec_objects> ${kernels_allowed})
 
-# The system below it: Windows' own libraries, elsewhere the portable window system.
+# The system: Windows' own libraries, on other platforms the portable window system.
 if(WIN32)
   add_library(velarto_system INTERFACE)
   target_link_libraries(velarto_system INTERFACE ddraw dxguid gdi32 user32 advapi32 comctl32 comdlg32)
@@ -40,13 +40,13 @@ else()
   set(resource_data ${PROJECT_SOURCE_DIR}/platform/portable/resource_data.S)
   set_source_files_properties(${resource_data} PROPERTIES OBJECT_DEPENDS "${resource_files}"
     INCLUDE_DIRECTORIES ${PROJECT_SOURCE_DIR})
-  # Its vectors never leave the file, so that it doesn't matter how 32-bit processors without SSE would pass them.
+  # Its vectors are not passed to other files, so it doesn't matter how 32-bit processors without SSE would pass them.
   set_source_files_properties(${PROJECT_SOURCE_DIR}/platform/portable/pixel_mix.cpp PROPERTIES COMPILE_OPTIONS -Wno-psabi)
   add_library(velarto_system OBJECT ${portable_sources} ${resource_data})
   target_link_libraries(velarto_system PUBLIC velarto_options Threads::Threads Freetype::Freetype PRIVATE velarto_library_flags)
   endif()
 
-# What the tool and the tests link: with the internal operations.
+# What the tool and the tests link, with the internal operations.
 add_library(velarto_core STATIC ${library_objects})
 target_link_libraries(velarto_core PUBLIC velarto_objects velarto_system)
 
@@ -74,7 +74,7 @@ if(NOT WIN32)
   target_link_options(velarto_library PRIVATE -Wl,--no-undefined)
 endif()
 
-# The same library kept to each level below the highest, so that those can be tested through the exports: levels/plain, levels/sse2.
+# The same library limited to each lower kernel level, to test those through the exports: levels/plain, levels/sse2.
 if(VELARTO_TESTS)
   set(lower_levels ${velarto_levels})
   list(POP_BACK lower_levels)
