@@ -1,5 +1,4 @@
-# awk -f api/exports_doc.awk include/velarto.h api/exports.list: prints doc/exports.md, or fails and says where header and list
-# differ.
+# awk -f api/exports_doc.awk include/velarto.h api/exports.list: writes doc/exports.md, or tells where header and list differ and fails.
 
 function complain(text) {
   print "exports: " text >"/dev/stderr"
@@ -17,14 +16,14 @@ function first_sentence(text) {
   return text
 }
 
-# The name as all families have it: without prefix, underscores and case.
+# The name without what the families spell differently.
 function bare(name) {
   sub(/^(vb_JDEC|JDEC|decoder)_/, "", name)
   gsub(/_/, "", name)
   return tolower(name)
 }
 
-# What the header says about an export, or that it is the JDEC_ operation of the same name.
+# What the header says of an export, or that it is the JDEC_ operation of the same name.
 function meaning(name, other) {
   if (said[name] != "") return said[name]
   other = main_name[bare(name)]
@@ -60,7 +59,7 @@ file == 1 && /^[A-Za-z].*VELARTO_(CDECL|STDCALL) [A-Za-z_0-9]+\(/ {
   doc = ""
   next
 }
-# A docstring belongs to the line right after it.
+# A docstring belongs to what follows it at once.
 file == 1 { doc = "" }
 
 # ---- The list ------------------------------------------------------------------------------------------------------------
@@ -81,15 +80,13 @@ END {
   if (!count) complain("no list")
   if (wrong) exit 1
   print "# The exports\n"
-  print "`./run exports` makes this page from [api/exports.list](../api/exports.list) and the docstrings in"
-  print "[include/velarto.h](../include/velarto.h), which also document arguments, ownership and results. The"
-  print "same list makes the `.def` file of `velarto.dll` and the version script of `libvelarto.so`."
+  print "`./run exports` makes this page of [api/exports.list](../api/exports.list) and the docstrings in"
+  print "[include/velarto.h](../include/velarto.h), where arguments, ownership and results stand; the same list makes the `.def` file of"
+  print "`velarto.dll` and the version script of `libvelarto.so`."
   print ""
-  print "On 32-bit Windows the " count " names are exported undecorated, under these ordinals. There each argument"
-  print "and result has 32 bits, except the results of `NP_`, which have 16. On Linux the names are the same;"
-  print "ordinals and conventions have no meaning there."
+  print "On 32-bit Windows the " count " names are exported undecorated, under these ordinals. Each argument and result takes 32 bits there, but the"
+  print "results of `NP_`, which have 16. On Linux the names are the same, and ordinals and conventions mean nothing."
   print ""
-  print "\"As\" names the operation that does the same: those of `vb_` lack its status word, those of `decoder_`"
-  print "check for a null decoder."
+  print "\"As\" another operation: under `vb_` without that one's status word, under `decoder_` with a guard against a null decoder."
   printf "%s", page
 }
