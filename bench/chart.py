@@ -1,4 +1,4 @@
-"""Draws the speed beside libjpeg-turbo from a file of results. Usage: bench/chart.py RESULTS.jsonl CHART.svg"""
+"""Draws the speed compared with libjpeg-turbo from a file of results. Usage: bench/chart.py RESULTS.jsonl CHART.svg"""
 
 import json
 import math
@@ -39,7 +39,7 @@ def axis(left, scale, most, bottom):
 
 
 def panel(left, title, matches, level, sizes, most):
-    """A row for each size: every match a dot, and the means."""
+    """A row for each size: a dot for every match, and the means."""
     scale, bottom = PANEL / most, TOP + ROW * len(sizes)
     parts = [text(left, TOP - 22, title, 15, weight="bold")] + axis(left, scale, most, bottom)
     for row, (width, height) in enumerate(sizes):

@@ -1,4 +1,4 @@
-// Converters and dithering of every level: a row of 640 pixels in the cache, and whole rasters with and without it.
+// Converters and dithering at every level: a row of 640 pixels in the cache, and whole rasters written through or past the cache.
 #include "kernels/cpu.h"
 #include "pixel/arena.h"
 #include "pixel/color_tables.h"
@@ -50,8 +50,8 @@ void Dither(benchmark::State& state, DitherRowKernel kernel) {
   Count_Pixels(state, Width);
 }
 
-/** A raster of 24 bits from planes of which the rows at work are in the cache, as when the decoder converts right behind the
- *  transform; `read` adds what a reader of the whole raster then takes. */
+/** A raster of 24 bits, from rows of planes that are in the cache, as when the decoder converts right after the transform. `read`
+ *  adds the time to read the whole raster afterwards. */
 void Whole_Raster(benchmark::State& state, ConvertRowsKernel kernel, void (*endStream)(), bool read) {
   JDEC_Init();
   const auto width = (int32_t)state.range(0), height = (int32_t)state.range(1);

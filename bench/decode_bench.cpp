@@ -1,4 +1,4 @@
-// Kernels of decoding alone, a picture's row of 640 pixels at a time, on data as photographs bring it.
+// The kernels of decoding, a row of 640 pixels at a time, on data like that of photographs.
 #include "bench/levels.h"
 #include "decode/decoder.h"
 #include "decode/quant.h"
@@ -16,7 +16,7 @@ namespace {
 
 constexpr int32_t Width = 640, BlocksInRow = Width / 8;
 
-/** Blocks as they are at quality 50: a third have DC alone, most of the rest a few low frequencies. */
+/** Blocks as they are at quality 50: a third have only DC, most others a few low frequencies. */
 std::vector<int32_t> Natural_Blocks() {
   std::vector<int32_t> blocks(BlocksInRow * 64);
   uint32_t state = 1;
@@ -72,7 +72,7 @@ void Unstuff(benchmark::State& state, UnstuffKernel kernel) {
   state.counters["bytes"] = benchmark::Counter((double)scene.count, benchmark::Counter::kIsIterationInvariantRate);
 }
 
-/** All strips of the scene, over and over into the same blocks. */
+/** Decodes all strips of the scene into the same blocks. */
 void Decode_Strips(benchmark::State& state, DecodeStripKernel kernel) {
   JDEC_Init();
   CodedScene scene;
@@ -89,7 +89,7 @@ void Decode_Strips(benchmark::State& state, DecodeStripKernel kernel) {
   JDEC_Exit();
 }
 
-/** The scene's fourth strip; the time has the copying of its coefficients in it, which the kernel zeroes. */
+/** The scene's fourth strip. The time includes copying its coefficients, because the kernel zeroes them. */
 void Transform_Strip(benchmark::State& state, TransformStripKernel kernel) {
   JDEC_Init();
   CodedScene scene;

@@ -1,4 +1,4 @@
-// Kernels of the encoder alone: rows of 640 pixels that stay in the cache, as smooth and as rough as photographs.
+// The kernels of the encoder, on rows of 640 pixels that stay in the cache, as smooth or as rough as photographs.
 #include "bench/levels.h"
 #include "bench/random.h"
 #include "decode/decoder.h"
@@ -27,7 +27,7 @@ void To_Planes(benchmark::State& state, ToPlanesKernel kernel) {
   Count_Pixels(state, 2 * Width);
 }
 
-/** Slopes, with noise of that size in every second block. */
+/** Slopes, with noise of that amplitude in every second block. */
 void Fill_Rows(uint8_t** rows, int32_t width, int32_t height, int32_t noise) {
   Random random;
   for (int32_t y = 0; y < height; ++y) {

@@ -34,10 +34,10 @@ struct BitWriter {
   }
 };
 
-/** What the values behind the codes are. */
+/** The bits of the values that follow the codes. */
 enum class Values : uint8_t { Zeros, Ones, Mixed, Random };
 
-/** The next symbol of a block at scan position k, which may end it. */
+/** Gives the next symbol of a block, at scan position k; it may end the block. */
 using NextSymbol = uint8_t (*)(Random* random, uint32_t block, int32_t k);
 
 Bytes Coded(size_t most, int32_t dcSize, Values values, NextSymbol next) {
@@ -69,27 +69,27 @@ Bytes Coded(size_t most, int32_t dcSize, Values values, NextSymbol next) {
   return writer.bytes;
 }
 
-/** Bytes over and over. */
+/** A pattern, repeated. */
 Bytes Repeated(size_t count, const Bytes& pattern) {
   Bytes body(count);
   for (size_t i = 0; i < count; ++i) body[i] = pattern[i % pattern.size()];
   return body;
 }
 
-/** Random bytes, with FF as many times in 256. */
-Bytes Stuffed(size_t count, uint32_t times, uint8_t behind) {
+/** Random bytes; `times` in 256 are FF, followed by `next`. */
+Bytes Stuffed(size_t count, uint32_t times, uint8_t next) {
   Random random{5};
   Bytes body(count);
   for (size_t i = 0; i < count; ++i) {
     body[i] = static_cast<uint8_t>(random.Next());
     if (random.Below(256) >= times || i + 1 == count) continue;
     body[i] = 0xFF;
-    body[++i] = behind;
+    body[++i] = next;
   }
   return body;
 }
 
-/** Runs of FF of any length up to that, a byte behind each. */
+/** Runs of up to `longest` FF, with a random byte after each. */
 Bytes Runs_Of_FF(size_t count, uint32_t longest) {
   Random random{6};
   Bytes body(count, 0xFF);
@@ -106,7 +106,7 @@ Bytes Damaged(Bytes good, uint32_t oneIn) {
   return good;
 }
 
-/** Plain bytes, whatever they decode to. */
+/** Bodies made of bytes, whatever they decode to. */
 std::vector<HostileBody> Byte_Bodies(size_t count, const Bytes& good) {
   return {{"random", 90, Random_Bytes(count, 7)},
           {"random, coarse", 1, Random_Bytes(count, 8)},
@@ -128,7 +128,7 @@ std::vector<HostileBody> Byte_Bodies(size_t count, const Bytes& good) {
           {"half a good one", 90, Bytes(good.begin(), good.begin() + static_cast<ptrdiff_t>(good.size() / 2))}};
 }
 
-/** The symbols by their place in the code, shortest first. */
+/** One of the symbols number `first` to `last` - 1, counted from the shortest code on. */
 uint8_t Any_Of(Random* random, uint32_t block, uint32_t first, uint32_t last) {
   return (block % 6 < 4 ? acLumaValues : acChromaValues)[first + random->Below(last - first)];
 }
@@ -151,7 +151,7 @@ uint8_t Run_To_The_Last(Random*, uint32_t, int32_t k) { return k < 49 ? 0xF0 : 0
 uint8_t Past_The_End(Random*, uint32_t, int32_t k) { return k < 60 ? 0x31 : 0xFA; }
 uint8_t One_Beyond_The_Middle(Random*, uint32_t, int32_t k) { return k < 29 ? 0xC1 : 0; }
 
-/** Codes, most of which no encoder puts side by side. */
+/** Bodies made of codes, most of them in orders that no encoder writes. */
 std::vector<HostileBody> Coded_Bodies(size_t count) {
   return {{"longest codes", 90, Coded(count, 11, Values::Mixed, Longest)},
           {"longest codes, coarse", 1, Coded(count, 11, Values::Mixed, Longest)},

@@ -1,4 +1,4 @@
-/* A kernel's benchmark at each level of this processor: a new level or kernel wants no list of its own here. */
+/* A kernel's benchmark at each level of this processor; a new level or kernel needs no list here. */
 #pragma once
 
 #include "kernels/kernels.h"
@@ -7,8 +7,8 @@
 #include <benchmark/benchmark.h>
 #include <string>
 
-/** Registers "NAME/LEVEL" for each level that has a kernel of its own for this entry of the record. `run` is given that kernel.
- *  Gives true, for the variable that calls it. */
+/** Registers "NAME/LEVEL" for each level that has its own kernel for this entry of the record. `run` gets that kernel.
+ *  Returns true, to initialise the variable that calls it. */
 template <typename Kernel, typename Run>
 bool Bench_Levels(const char* name, Kernel Kernels::*entry, Run run) {
   Kernel below = nullptr;

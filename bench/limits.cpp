@@ -1,5 +1,5 @@
-// What a stream can cost: the memory of the largest pictures that a head can announce, and the time of frames made to be slow
-// beside the slowest good frame of the same size. SECURITY.md has the bounds; ends with 1 where one is broken.
+// What a stream can cost: the memory of the largest pictures that a header can announce, and the time of frames made to be slow,
+// compared with the slowest good frame of the same size. SECURITY.md has the bounds. Exit code 1 if one is broken.
 #include "bench/hostile_bodies.h"
 #include "bench/picture_size.h"
 #include "decode/decoder.h"
@@ -20,15 +20,15 @@
 
 namespace {
 
-/** Times that of a good frame which a hostile one may take. */
+/** The time that a hostile frame may take, as a multiple of a good frame's. */
 constexpr double MostTimes = 2;
-/** Bytes of memory that a decoder may take: of its largest picture, and beside it. */
+/** Bytes that a decoder may take: for each pixel of the largest picture, and besides. */
 constexpr double MostBytesAPixel = 16, MostBytesBeside = 4e6;
 
-/** Above this share of what a frame may take one that was measured in passing is measured well. */
+/** A frame above this share of the bound is measured again, with more rounds. */
 constexpr double WorthALook = 0.6;
 constexpr int32_t FewRounds = 3, ManyRounds = 9;
-/** Of a picture that takes long. */
+/** Pictures of more pixels are measured with fewer rounds. */
 constexpr int32_t ManyPixels = 1 << 20;
 
 struct NamedFrame {
@@ -36,8 +36,12 @@ struct NamedFrame {
   Bytes bytes;
 };
 
-/** A picture of slopes with noise on them in its upper rows, and the rest grey. */
-Bytes Picture(PictureSize size, int32_t noise, int32_t noisyRows) {
+struct Size {
+  int32_t width, height;
+};
+
+/** A picture of slopes with noise in the upper rows; the remaining rows are grey. */
+Bytes Picture(Size size, int32_t noise, int32_t noisyRows) {
   const int32_t pitch = 3 * size.width;
   Bytes pixels(static_cast<size_t>(pitch) * static_cast<size_t>(size.height), 128);
   const Bytes random = Random_Bytes(1 << 20, 7);
@@ -49,7 +53,7 @@ Bytes Picture(PictureSize size, int32_t noise, int32_t noisyRows) {
   return pixels;
 }
 
-/** What the encoder makes of it as a JPEG image at the highest quality whose frame is short enough; nothing when none is. */
+/** The picture as a JPEG image at the highest quality whose frame is short enough; empty if there is none. */
 Bytes Encoded(JdecDecoder* encoder, const Bytes& pixels) {
   Bytes out(FrameStoreSize);
   int32_t length = 0;
@@ -60,20 +64,20 @@ Bytes Encoded(JdecDecoder* encoder, const Bytes& pixels) {
   return out;
 }
 
-/** The same at the qualities above our encoder's best, which a camera may use. */
+/** The same at qualities above our encoder's best, which a camera may use. */
 Bytes Encoded_Finely(JdecDecoder* encoder, const Bytes& pixels) {
   JdecCodec* const codec = encoder->codec;
   for (int32_t quality = 100; quality > 90; --quality) {
     Codec_Set_Quality(codec, quality);
-    codec->quality = 90;  // So that the encoder, which asks for its best, keeps these tables.
+    codec->quality = 90;  // So that the encoder, which sets its best quality, keeps these tables.
     if (!Codec_Transform_RGB888(codec, 100, pixels.data(), false) || Codec_Encode_Store(codec, true) == 0) continue;
     return {codec->frame->data, codec->frame->data + codec->frame->length};
   }
   return {};
 }
 
-/** Of the largest picture no whole frame fits: of as many rows as fit, under a head that tells the whole size. */
-void Add_Short_Frame(PictureSize size, std::vector<NamedFrame>* frames) {
+/** No whole frame of the largest picture fits: adds one of fewer rows, with the full size in its header. */
+void Add_Short_Frame(Size size, std::vector<NamedFrame>* frames) {
   const int32_t rows = size.height - 32;
   JdecDecoder* const encoder = JDEC_New(size.width, rows);
   Bytes frame =
@@ -86,9 +90,8 @@ void Add_Short_Frame(PictureSize size, std::vector<NamedFrame>* frames) {
   frames->push_back({"grey, its end missing", frame});
 }
 
-/** Good frames, as slow as good frames come: noise as strong as it can be, all over the picture or in as many rows as a frame has
- * bytes for. */
-std::vector<NamedFrame> Good_Frames(PictureSize size) {
+/** Good frames, as slow as they can be: the strongest noise, all over the picture or in as many rows as a frame has bytes for. */
+std::vector<NamedFrame> Good_Frames(Size size) {
   std::vector<NamedFrame> frames;
   JdecDecoder* const encoder = JDEC_New(size.width, size.height);
   JDEC_Draw_Init(encoder, nullptr);
@@ -109,7 +112,7 @@ std::vector<NamedFrame> Good_Frames(PictureSize size) {
   return frames;
 }
 
-/** The same with fill bytes ahead of the end marker, as JPEG allows them. */
+/** The same with fill bytes before the end marker, as JPEG allows. */
 Bytes Filled(const Bytes& jfif, size_t length) {
   Bytes filled(jfif.begin(), jfif.end() - 2);
   filled.resize(std::max(length, jfif.size()) - 1, 0xFF);
@@ -123,7 +126,7 @@ double Thread_Seconds() {
   return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
 }
 
-/** Of a frame that follows its like. */
+/** Seconds of a frame that follows the same frame. */
 double Seconds_Of(JdecDecoder* decoder, const Bytes& frame) {
   const int32_t times = decoder->width * decoder->height < 100000 ? 4 : 1;
   const auto push = [&] { return JDEC_Receive_Data(decoder, static_cast<int32_t>(frame.size()), frame.data(), nullptr); };
@@ -144,7 +147,7 @@ double Median_Seconds(JdecDecoder* decoder, const Bytes& frame, int32_t rounds) 
   return Median(seconds);
 }
 
-/** Median of the ratios of two frames that take turns. */
+/** Median of the ratios of two frames that are decoded in turn. */
 double Ratio(JdecDecoder* decoder, const Bytes& frame, const Bytes& good, int32_t rounds) {
   std::vector<double> ratios;
   for (int32_t i = 0; i < rounds; ++i) {
@@ -174,7 +177,7 @@ std::vector<NamedFrame> Hostile_Frames(PictureSize size, const Bytes& good) {
 
 struct Measured {
   const NamedFrame* frame;
-  double ratio, filledRatio;  ///< To the slowest good frame as it is; to the same with as many bytes.
+  double ratio, filledRatio;  ///< To the slowest good frame; to that frame filled to as many bytes.
 };
 
 void Print(PictureSize size, const NamedFrame& frame, double seconds) {
@@ -182,8 +185,8 @@ void Print(PictureSize size, const NamedFrame& frame, double seconds) {
               seconds * 1e3);
 }
 
-/** Prints the good frames and gives the slowest. */
-const NamedFrame* Slowest(JdecDecoder* decoder, PictureSize size, const std::vector<NamedFrame>& good, double* most) {
+/** Prints the good frames and returns the slowest. */
+const NamedFrame* Slowest(JdecDecoder* decoder, Size size, const std::vector<NamedFrame>& good, double* most) {
   const NamedFrame* slowest = nullptr;
   for (const NamedFrame& frame : good) {
     const double seconds = Median_Seconds(decoder, frame.bytes, ManyRounds);
@@ -194,7 +197,7 @@ const NamedFrame* Slowest(JdecDecoder* decoder, PictureSize size, const std::vec
   return slowest;
 }
 
-/** A frame whose bytes are more than the good one needs may take the time of those bytes. */
+/** A frame with more bytes than the good one may also take the time to handle those bytes. */
 Measured Measure(JdecDecoder* decoder, const NamedFrame& frame, const Bytes& good, double goodSeconds) {
   double ratio =
       Median_Seconds(decoder, frame.bytes, decoder->width * decoder->height < ManyPixels ? FewRounds : 1) / goodSeconds;
@@ -203,8 +206,8 @@ Measured Measure(JdecDecoder* decoder, const NamedFrame& frame, const Bytes& goo
   return {&frame, ratio, Ratio(decoder, frame.bytes, Filled(good, frame.bytes.size()), ManyRounds)};
 }
 
-/** Prints the slowest of the hostile frames. */
-bool Compare_Times(PictureSize size, size_t shown) {
+/** Prints the slowest hostile frames; false if one breaks the bound. */
+bool Compare_Times(Size size, size_t shown) {
   const std::vector<NamedFrame> good = Good_Frames(size);
   JdecDecoder* const decoder = JDEC_New(size.width, size.height);
   JDEC_Draw_Init(decoder, nullptr);
@@ -230,8 +233,8 @@ bool Compare_Times(PictureSize size, size_t shown) {
   return held;
 }
 
-/** Memory of a decoder that a short frame has brought to that size. */
-bool Measure_Memory(PictureSize size, HWND window) {
+/** Measures the memory of a decoder after a short frame has set its size; false if it breaks the bound. */
+bool Measure_Memory(Size size, HWND window) {
   const int64_t before = Resident_Bytes();
   JdecDecoder* const decoder = JDEC_New(16, 16);
   JDEC_Draw_Init(decoder, window);
@@ -267,8 +270,8 @@ bool Measure_Level(const NamedKernelLevel& level, HWND window, size_t shown) {
 
 }  // namespace
 
-/** limits [LEVEL] [ROWS]: at the best level of the processor, or at one, or at "all"; that many of the slowest frames of a size.
- */
+/** limits [LEVEL] [ROWS]: measures the best level of the processor, the given one, or "all"; prints so many of the slowest frames
+ *  of each size. */
 int main(int count, char** words) {
   JDEC_Init();
   const TestWindow window(32);

@@ -1,6 +1,6 @@
-"""Everything that ./run bench measures, into a table, a file of results and a chart.
+"""All that ./run bench measures, as a table, a file of results and a chart.
 
-Usage: bench/measure.py BUILD [--quick] [--levels LEVEL,LEVEL]. A whole run writes bench/results/PROCESSOR.jsonl and doc/speed.svg,
+Usage: bench/measure.py BUILD [--quick] [--levels LEVEL,LEVEL]. A full run writes bench/results/PROCESSOR.jsonl and doc/speed.svg,
 a quick one quick.jsonl and quick.svg in BUILD."""
 
 import argparse
@@ -13,9 +13,9 @@ import sys
 import chart
 import tool
 
-HOME = pathlib.Path(__file__).resolve().parent.parent
-RECORDING = HOME / "samples/street.vlr"
-# Photographs of the package lomiri-wallpapers-16.04, by Aitzol Berasategi (CC-BY-4.0), Clemens Engelhardt (CC0-1.0) and Sander
+ROOT = pathlib.Path(__file__).resolve().parent.parent
+RECORDING = ROOT / "samples/street.vlr"
+# Photographs from the package lomiri-wallpapers-16.04, by Aitzol Berasategi (CC-BY-4.0), Clemens Engelhardt (CC0-1.0) and Sander
 # Klootwijk (CC-BY-SA-4.0).
 PHOTOGRAPHS = {
     "mountains": "picosdeeuropa_by_Aitzol_Berasategi.jpg",
@@ -33,7 +33,7 @@ def processor():
 
 
 def kernels(build, quick):
-    """Each kernel at each level."""
+    """Times each kernel at each level."""
     path = build / "kernels.json"
     command = [build / "kernels_bench", f"--benchmark_min_time={0.02 if quick else 0.1}", f"--benchmark_out={path}",
                "--benchmark_out_format=json"]
@@ -43,7 +43,7 @@ def kernels(build, quick):
 
 
 def frames(build, quick, levels):
-    """Whole frames beside the peers."""
+    """Times whole frames, of velarto and of the peers."""
     path = build / "compare.jsonl"
     command = [build / "compare", "--recording", RECORDING, "--lines", path, "--photo"]
     command += [f"{name}=/usr/share/backgrounds/{file}" for name, file in PHOTOGRAPHS.items()]
@@ -57,10 +57,10 @@ def frames(build, quick, levels):
 
 
 def main():
-    parser = argparse.ArgumentParser(prog="./run bench", description="Measures velarto, beside its peers.")
+    parser = argparse.ArgumentParser(prog="./run bench", description="Measures velarto and its peers.")
     parser.add_argument("build", type=pathlib.Path, help=argparse.SUPPRESS)
-    parser.add_argument("--quick", action="store_true", help="a short look, which leaves the files of the repository alone")
-    parser.add_argument("--levels", metavar="LEVEL,LEVEL", help="kernel levels that take part: plain, sse2, avx2 (all)")
+    parser.add_argument("--quick", action="store_true", help="a short run that changes no file of the repository")
+    parser.add_argument("--levels", metavar="LEVEL,LEVEL", help="kernel levels to measure: plain, sse2, avx2 (default: all)")
     options = parser.parse_args()
     print(processor(), flush=True)
     kernel_records = kernels(options.build, options.quick)
@@ -69,7 +69,7 @@ def main():
     sys.stdout.flush()
     records += tool.measure(options.build, RECORDING, options.quick)
     name = re.sub("[^a-z0-9]+", "-", processor().lower()).strip("-")
-    results, drawing = HOME / f"bench/results/{name}.jsonl", HOME / "doc/speed.svg"
+    results, drawing = ROOT / f"bench/results/{name}.jsonl", ROOT / "doc/speed.svg"
     if options.quick:
         results, drawing = options.build / "quick.jsonl", options.build / "quick.svg"
     results.parent.mkdir(exist_ok=True)

@@ -1,5 +1,5 @@
-// A picture from the decoder's raster into the pixels of the window, on the portable screen: both forms of the display, each
-// depth, at the window's own size, at half and at twice that.
+// Presentation of a raster in a window of the portable screen: both forms of the display, each depth, at the picture's own size,
+// at half and at twice that.
 #include "display/present.h"
 #include "pixel/arena.h"
 #include "platform/portable/desktop.h"
@@ -11,7 +11,7 @@
 
 namespace {
 
-/** Colours as photographs have them: slopes with a little noise. On a screen of 8 bits they are indices of the palette. */
+/** Colours like those of photographs: slopes with a little noise. On a screen of 8 bits they are palette indices. */
 JdecRaster* Natural_Raster(int32_t width, int32_t height, int32_t bits) {
   JdecRaster* const raster = Raster_New(width, height, bits);
   uint32_t state = 1;
@@ -25,7 +25,7 @@ JdecRaster* Natural_Raster(int32_t width, int32_t height, int32_t bits) {
   return raster;
 }
 
-/** Shows one picture of that size again and again; the window is scale / 2 times as large. */
+/** Presents one picture of that size repeatedly; the window is scale / 2 times as large. */
 void Present(benchmark::State& state, int32_t bits, bool gdi, int32_t width, int32_t height, int32_t scale) {
   ScreenSetup setup = Screen_Of_Depth(bits);
   setup.width = setup.height = 4096;
@@ -60,7 +60,7 @@ void Register_All() {
               "Present/" + std::to_string(height) + (gdi ? "/gdi/" : "/directdraw/") + std::to_string(bits) + "/" + scales[scale];
           const auto run = [=](benchmark::State& state) { Present(state, bits, gdi, width, height, scale); };
           auto* const made = benchmark::RegisterBenchmark(name.c_str(), run)->ArgName("layer")->Arg(0);
-          if (!gdi && scale == 2) made->Arg(1);  // Under the motion-area layer, which a colour key keeps clear.
+          if (!gdi && scale == 2) made->Arg(1);  // With the motion-area layer over it, which a colour key makes transparent.
           made->Unit(benchmark::kMicrosecond);
         }
       }

@@ -1,4 +1,4 @@
-"""The tool from end to end, beside FFmpeg's programs on the same streams: pictures to files, pictures to a window, and memory."""
+"""The whole tool and FFmpeg's programs on the same streams: pictures to files, pictures to a window, and memory."""
 
 import contextlib
 import json
@@ -14,7 +14,7 @@ QUIET = {"stdout": subprocess.DEVNULL, "stderr": subprocess.DEVNULL}
 
 
 def timed(command, environment=None):
-    """Seconds by the clock and of processor time that a program takes, children included."""
+    """Runs a program. Gives the seconds by the clock and of processor time, children included."""
     start = time.monotonic()
     process = subprocess.Popen(command, stdin=subprocess.DEVNULL, env=environment, **QUIET)
     _, status, usage = os.wait4(process.pid, 0)
@@ -26,7 +26,7 @@ def timed(command, environment=None):
 
 
 def side_by_side(ours, theirs, turns, environment=None, between=lambda: None):
-    """Runs both in turn. Medians of seconds by the clock and of processor time, and of their ratios, turn by turn."""
+    """Runs both in turn. Gives the medians of seconds by the clock, of processor time, and of the ratios in each turn."""
     times = []
     for turn in range(turns):
         pair = {}
@@ -44,13 +44,13 @@ def side_by_side(ours, theirs, turns, environment=None, between=lambda: None):
 
 @contextlib.contextmanager
 def virtual_screen():
-    """The environment of programs that show something on a screen that nobody sees, drawn by the processor."""
+    """The environment for programs that show something on a virtual screen, drawn by the processor."""
     reading, writing = os.pipe()
     server = subprocess.Popen(["Xvfb", "-displayfd", str(writing), "-screen", "0", "1400x900x24", "-nolisten", "tcp"],
                               pass_fds=[writing], **QUIET)
     os.close(writing)
-    with os.fdopen(reading) as told:
-        display = told.readline().strip()
+    with os.fdopen(reading) as pipe:
+        display = pipe.readline().strip()
     try:
         yield os.environ | {"DISPLAY": f":{display}", "SDL_VIDEODRIVER": "x11", "SDL_RENDER_DRIVER": "software"}
     finally:
@@ -59,7 +59,7 @@ def virtual_screen():
 
 
 def export(tool, stream, turns):
-    """All pictures of a stream as BMP files, in memory."""
+    """Times the export of all pictures of a stream to BMP files, in memory."""
     folder = pathlib.Path(tempfile.mkdtemp(dir="/dev/shm" if os.path.isdir("/dev/shm") else None))
     pattern = folder / "%04d.bmp"
     ours = [tool, "export", stream, "-o", pattern]
@@ -77,9 +77,9 @@ def export(tool, stream, turns):
 
 
 def view(tool, stream, frames, turns, environment):
-    """A stream in a window: as fast as it goes, and at a camera's rate."""
+    """Times a stream in a window: as fast as possible, and at a camera's rate."""
     shown = [tool, "view", stream, "--frames", str(frames), "--fps"]
-    # ffplay waits 10 ms behind each picture however fast it is asked to be; the window of ffmpeg doesn't.
+    # ffplay waits 10 ms after each picture, whatever rate it is given; the window of ffmpeg doesn't.
     unpaced = ["ffmpeg", "-v", "error", "-threads", "1", "-f", "mjpeg", "-i", stream, "-vsync", "passthrough", "-pix_fmt", "bgr24",
                "-f", "sdl2", "stream"]
     paced = ["ffplay", "-v", "error", "-threads", "1", "-f", "mjpeg", "-framerate", "50", "-autoexit", "-noframedrop", stream]
@@ -87,11 +87,11 @@ def view(tool, stream, frames, turns, environment):
 
 
 def peak_memory(command, stream):
-    """Kilobytes at most that a program had in memory when it had been given all of a stream, on its standard input."""
+    """Peak memory of a program in kilobytes, after it was given all of a stream on its standard input."""
     process = subprocess.Popen(command, stdin=subprocess.PIPE, **QUIET)
     process.stdin.write(stream.read_bytes())
     process.stdin.flush()
-    time.sleep(0.3)  # For what is in the pipe still.
+    time.sleep(0.3)  # For what is still in the pipe.
     status = pathlib.Path(f"/proc/{process.pid}/status").read_text()
     process.stdin.close()
     if process.wait() != 0:
@@ -112,13 +112,13 @@ def memory(tool, stream):
 
 
 def stages(tool, stream):
-    """How fast the tool itself says that it decodes, and the shares of the stages."""
-    told = subprocess.run([tool, "bench", stream, "--json"], check=True, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
-    return json.loads(told.stdout)
+    """The tool's own figures: frames a second, and the shares of the stages."""
+    output = subprocess.run([tool, "bench", stream, "--json"], check=True, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
+    return json.loads(output.stdout)
 
 
 def measure(build, recording, quick):
-    """Runs all of it, prints it, and gives the results as records."""
+    """Runs and prints all of this, and gives the results as records."""
     tool, turns, frames = build / "velarto", 2 if quick else 5, 100 if quick else 300
     streams = {}
     for width, height in ((640, 480), (1280, 720)):
@@ -139,10 +139,10 @@ def measure(build, recording, quick):
 
 
 def report(records):
-    print("\nThe tool from its start to its end: seconds by the clock, of processor time")
+    print("\nThe whole tool: seconds by the clock, of processor time")
     for record in records:
         if record["type"] == "memory":
-            print("Memory at most: " + ", ".join(f"{name} {size / 1024:.1f} MB" for name, size in record["KB"].items()))
+            print("Peak memory: " + ", ".join(f"{name} {size / 1024:.1f} MB" for name, size in record["KB"].items()))
             continue
         if record["type"] == "stages":
             shares = ", ".join(f"{name} {share * 100:.0f} %" for name, share in record["shares"].items())

@@ -1,4 +1,4 @@
-# An include folder that holds some folders of the project and no others: what is compiled against it can't include anything else.
+# Makes an include folder with only the given folders of the project, so that code compiled against it can't include others.
 function(velarto_wall variable)
   set(wall ${PROJECT_BINARY_DIR}/wall)
   file(MAKE_DIRECTORY ${wall})

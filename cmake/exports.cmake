@@ -1,5 +1,5 @@
-# From the one list of exports: a .def file for Windows, a version script elsewhere.
-# A line of the list is: ordinal name convention; # starts a comment.
+# Makes the .def file for Windows, or the version script for other platforms, from the list of exports. A line of the list has
+# ordinal, name and calling convention; # starts a comment.
 function(velarto_exports target list)
   set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${list})
   file(STRINGS ${list} lines REGEX "^[0-9]")

@@ -20,7 +20,7 @@ foreach(folder platform display overlay api plugin)
   file(GLOB folder_sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/${folder}/*.cpp)
   list(APPEND library_sources ${folder_sources})
 endforeach()
-# How the library is attached is the business of the library alone: tool and tests do that themselves.
+# These attach the shared library when it is loaded; tool and tests attach by a call.
 list(FILTER library_sources EXCLUDE REGEX "/attach_(windows|elsewhere)\\.cpp$")
 file(GLOB resource_files CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/resources/*.bmp ${PROJECT_SOURCE_DIR}/resources/*.cur
   ${PROJECT_SOURCE_DIR}/resources/dialogs.h ${PROJECT_SOURCE_DIR}/resources/texts.h)
@@ -29,7 +29,7 @@ add_library(velarto_objects OBJECT ${library_sources})
 target_link_libraries(velarto_objects PUBLIC velarto_options Threads::Threads PRIVATE velarto_library_flags)
 set(library_objects $<TARGET_OBJECTS:velarto_objects> $<TARGET_OBJECTS:velarto_codec_objects> ${kernels_allowed})
 
-# The system below it: Windows' own libraries, elsewhere the portable layer. velarto_system_rig is the layer as tests and fuzzers
+# The system: Windows' own libraries, on other platforms the portable layer. velarto_system_rig is the layer as tests and fuzzers
 # need it, with what platform/portable/rig.h controls; linked beside velarto_core it takes the place of the one in there.
 if(WIN32)
   add_library(velarto_system INTERFACE)
@@ -44,7 +44,7 @@ else()
   set(resource_data ${layer}/window/resource_data.S)
   set_source_files_properties(${resource_data} PROPERTIES OBJECT_DEPENDS "${resource_files}"
     INCLUDE_DIRECTORIES ${PROJECT_SOURCE_DIR})
-  # Its vectors never leave the file, so that it doesn't matter how 32-bit processors without SSE would pass them.
+  # Its vectors are not passed to other files, so it doesn't matter how 32-bit processors without SSE would pass them.
   set_source_files_properties(${layer}/paint/pixel_mix.cpp PROPERTIES COMPILE_OPTIONS -Wno-psabi)
   add_library(velarto_system OBJECT ${layer_sources} ${resource_data})
   add_library(velarto_system_rig OBJECT EXCLUDE_FROM_ALL ${layer_sources} ${rig_sources} ${resource_data})
@@ -54,7 +54,7 @@ else()
   endforeach()
 endif()
 
-# What the tool and the tests link: with the internal operations.
+# What the tool and the tests link, with the internal operations.
 add_library(velarto_core STATIC ${library_objects})
 target_link_libraries(velarto_core PUBLIC velarto_objects velarto_system)
 
@@ -83,7 +83,7 @@ if(NOT WIN32)
   target_link_options(velarto_library PRIVATE -Wl,--no-undefined -Wl,-Bsymbolic)
 endif()
 
-# The same library kept to each level below the highest, so that those can be tested through the exports: levels/plain, levels/sse2.
+# The same library limited to each lower kernel level, to test those through the exports: levels/plain, levels/sse2.
 if(VELARTO_TESTS)
   set(lower_levels ${velarto_levels})
   list(POP_BACK lower_levels)

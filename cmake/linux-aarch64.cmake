@@ -1,4 +1,4 @@
-# 64-bit ARM Linux, run under emulation: the cross compiler and its C library. For the codec, which needs nothing else.
+# 64-bit ARM Linux, under emulation: the cross compiler and its C library, which is all that the codec needs.
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR aarch64)
 set(CMAKE_C_COMPILER aarch64-linux-gnu-gcc)

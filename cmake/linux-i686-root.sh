@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Lays the 32-bit font library and what it needs out in a folder, by an apt of its own state: this machine's packages stay as they are.
+# Unpacks the 32-bit font library and what it needs in a folder. apt works on a separate state; this machine's packages don't
+# change.
 # usage: linux-i686-root.sh FOLDER
 set -euo pipefail
 folder=$1
@@ -21,7 +22,7 @@ Dir::Etc::SourceList "/dev/null";
 Dir::Etc::SourceParts "$state/parts";
 END
 export APT_CONFIG=$state/apt.conf
-apt-get update -qq || echo "some lists are not to be had; trying without" >&2
+apt-get update -qq || echo "some package lists can't be fetched; trying without them" >&2
 (cd "$state/debs" && apt-get download -qq libfreetype6 libfreetype-dev libpng16-16 zlib1g libbrotli1)
 for package in "$state"/debs/*.deb; do dpkg-deb -x "$package" "$folder"; done
 touch "$folder/complete"

@@ -1,5 +1,5 @@
-# 32-bit Linux, run under emulation: the cross compiler's C library, and beside it the libraries that cmake/linux-i686-root.sh has laid
-# out. No package of another architecture is installed.
+# 32-bit Linux, under emulation: the cross compiler's C library, and the libraries that cmake/linux-i686-root.sh has unpacked. No
+# package of another architecture is installed.
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR i686)
 set(CMAKE_C_COMPILER i686-linux-gnu-gcc)
@@ -11,7 +11,7 @@ set(FREETYPE_LIBRARY ${velarto_root}/lib/i386-linux-gnu/libfreetype.so.6)
 set(FREETYPE_INCLUDE_DIRS ${velarto_root}/include/freetype2)
 set(FREETYPE_INCLUDE_DIR_ft2build ${FREETYPE_INCLUDE_DIRS})
 set(FREETYPE_INCLUDE_DIR_freetype2 ${FREETYPE_INCLUDE_DIRS})
-# What the font library needs in turn is found where the programs run.
+# The libraries that the font library needs are found when the programs run.
 set(CMAKE_EXE_LINKER_FLAGS_INIT -Wl,--allow-shlib-undefined)
 set(CMAKE_SHARED_LINKER_FLAGS_INIT -Wl,--allow-shlib-undefined)
 set(CMAKE_CROSSCOMPILING_EMULATOR qemu-i386 -cpu max -L /usr/i686-linux-gnu

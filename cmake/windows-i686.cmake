@@ -1,4 +1,4 @@
-# 32-bit Windows by mingw-w64, with the POSIX thread model that the C++ library's threads need.
+# 32-bit Windows, by mingw-w64, with the POSIX thread model that the C++ library's threads need.
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR i686)
 set(CMAKE_C_COMPILER i686-w64-mingw32-gcc-posix)

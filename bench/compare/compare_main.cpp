@@ -1,4 +1,4 @@
-// velarto beside libjpeg-turbo and FFmpeg: whole frames, one thread, in turn, in one program.
+// velarto, libjpeg-turbo and FFmpeg: whole frames, on one thread, in turn, in one program.
 #include "apps/velarto/output.h"
 #include "apps/velarto/stream.h"
 #include "bench/compare/ffmpeg.h"
@@ -18,7 +18,7 @@ struct Options {
 static const std::vector<PictureSize> allSizes = {{320, 240}, {640, 480}, {1280, 720}, {1920, 1072}},
                                       quickSizes = {{320, 240}, {640, 480}};
 static const std::vector<int32_t> allQualities = {30, 50, 80}, quickQualities = {50};
-/** Pictures of a subject that take turns. */
+/** Pictures of a subject, used in turn. */
 static constexpr size_t PictureCount = 4;
 
 static bool Hold_Matches(const Options& options, const Gallery& gallery, Results* results, std::string* error) {
@@ -43,7 +43,7 @@ static bool Hold_Matches(const Options& options, const Gallery& gallery, Results
   return true;
 }
 
-/** Writes frames of the street's wall one after another. */
+/** Writes a stream of frames of the street. */
 static bool Write_Stream(const Options& options, const Gallery& gallery, std::string* error) {
   const size_t distinct = std::min(options.frames, gallery.street.size());
   std::vector<std::vector<uint8_t>> frames;
@@ -88,18 +88,18 @@ int main(int argc, char** argv) {
   Output_Open();
   Options options;
   options.levels = Kernel_Names();
-  CLI::App app("velarto beside libjpeg-turbo and FFmpeg");
-  app.add_option("--photo", options.photographs, "Photographs, NAME=FILE each (JPEG, PPM, BMP), larger than 2100x1200");
+  CLI::App app("Compares the speed of velarto, libjpeg-turbo and FFmpeg");
+  app.add_option("--photo", options.photographs, "Photographs, each as NAME=FILE (JPEG, PPM, BMP), larger than 2100x1200");
   app.add_option("--recording", options.recording, "The sample recording")->required();
-  app.add_option("--levels", options.levels, "Kernel levels that take part (all of this processor)")
+  app.add_option("--levels", options.levels, "Kernel levels to measure (all of this processor)")
       ->delimiter(',')
       ->check(CLI::IsMember(Kernel_Names()));
-  app.add_option("--lines", options.lines, "Also write the results to this file, a JSON object a line");
-  app.add_flag("--quick", options.quick, "A short look");
-  app.add_option("--stream", options.stream, "Measure nothing; write a stream of the street to this file");
+  app.add_option("--lines", options.lines, "Also write the results to this file, one JSON object a line");
+  app.add_flag("--quick", options.quick, "A short run");
+  app.add_option("--stream", options.stream, "Don't measure; write a stream of the street to this file");
   app.add_option("--width", options.width, "... of this width (640)");
   app.add_option("--height", options.height, "... and height (480)");
-  app.add_option("--frames", options.frames, "... and so many frames (300)");
+  app.add_option("--frames", options.frames, "... and this many frames (300)");
   CLI11_PARSE(app, argc, argv);
   return Output_Finish(Run(options));
 }

@@ -14,7 +14,7 @@ double Processor_Seconds() {
   return static_cast<double>(used.tv_sec) + static_cast<double>(used.tv_nsec) * 1e-9;
 }
 
-/** Seconds that the work took; below 0 when it failed. */
+/** Seconds that the work took; negative if it failed. */
 static double Run_Timed(const Contestant& contestant, size_t frame, SecondsClock clock) {
   if (contestant.prepare) contestant.prepare(frame);
   const double start = clock();

@@ -1,4 +1,4 @@
-/* Ways to do the same work, timed side by side. */
+/* Several ways to do the same work, timed in turn. */
 #pragma once
 
 #include <cstddef>
@@ -8,23 +8,23 @@
 
 struct Contestant {
   std::string name;
-  std::function<bool(size_t frame)> run;        ///< What is timed: the work on one of the frames. False: it could not be done.
-  std::function<void(size_t frame)> prepare{};  ///< May be empty: called ahead of each run, not timed.
+  std::function<bool(size_t frame)> run;        ///< The timed work, on one of the frames. False: it failed.
+  std::function<void(size_t frame)> prepare{};  ///< May be empty: called before each run, not timed.
 };
 
-/** Seconds, an entry a round. */
+/** Seconds, one entry for each round. */
 using Times = std::vector<double>;
 
 /** A clock in seconds. */
 using SecondsClock = double (*)();
-/** The clock on the wall. */
+/** Seconds by the clock. */
 double Wall_Seconds();
-/** Processor time of the calling thread: what others do on the machine doesn't show in it. */
+/** Processor time of the calling thread; other work on the machine has little effect on it. */
 double Processor_Seconds();
 
-/** Rounds until `seconds` have passed, a dozen at least: each has every contestant work once on the same frame, the next one of
- *  `frames` with each round, and begins with another contestant, so that none always finds the caches as the same other one left
- *  them. A first pass over all frames isn't counted. False, with *failed naming the contestant, when one can't do the work. */
+/** Runs rounds until `seconds` have passed, at least 12. In a round every contestant works once on the same frame; the next round
+ *  takes the next of `frames` and begins with another contestant, so that none always finds the caches as the same other one left
+ *  them. A first pass over all frames isn't counted. False if a contestant fails; *failed has its name. */
 bool Contest_Run(const std::vector<Contestant>& contestants, size_t frames, double seconds, SecondsClock clock,
                  std::vector<Times>* times, std::string* failed);
 

@@ -8,7 +8,7 @@ extern "C" {
 
 #include <cstring>
 
-/** What both directions need. */
+/** What decoder and encoder both need. */
 struct FfmpegParts {
   AVCodecContext* context = nullptr;
   AVFrame* frame = nullptr;
@@ -44,7 +44,7 @@ void FfmpegRelease::operator()(FfmpegEncoder* encoder) const {
 void FfmpegRelease::operator()(AVPacket* packet) const { av_packet_free(&packet); }
 
 const char* Ffmpeg_Version() {
-  av_log_set_level(AV_LOG_ERROR);  // It warns of the very format that such frames have.
+  av_log_set_level(AV_LOG_ERROR);  // It would warn of the pixel format that such frames have.
   return av_version_info();
 }
 
@@ -81,7 +81,7 @@ PacketHolder Ffmpeg_Packet(std::span<const uint8_t> jpeg) {
   return packet;
 }
 
-/** The picture's rows from the top: the last one in memory, and the way to the next. */
+/** The picture's top row, the last one in memory, and the distance to the next. */
 static uint8_t* Top_Row(const Picture& picture, int* pitch) {
   *pitch = -3 * picture.width;
   return const_cast<uint8_t*>(&picture.pixels[3 * static_cast<size_t>(picture.width) * static_cast<size_t>(picture.height - 1)]);

@@ -1,4 +1,4 @@
-/* FFmpeg's codec for such frames and its conversion of pixels, one thread each. */
+/* FFmpeg's codec for such frames and its pixel conversion, on one thread. */
 #pragma once
 
 #include "apps/velarto/picture.h"
@@ -19,19 +19,19 @@ using FfmpegDecoderHolder = std::unique_ptr<FfmpegDecoder, FfmpegRelease>;
 using FfmpegEncoderHolder = std::unique_ptr<FfmpegEncoder, FfmpegRelease>;
 using PacketHolder = std::unique_ptr<AVPacket, FfmpegRelease>;
 
-/** A decoder for frames of that size. Null on failure, as with the encoder. */
+/** A decoder for frames of that size. Null on failure; the encoder too. */
 FfmpegDecoderHolder Ffmpeg_Decoder_New(int32_t width, int32_t height);
 
-/** The frame as the decoder takes it without copying it once more. */
+/** The frame in a packet, which the decoder takes without another copy. */
 PacketHolder Ffmpeg_Packet(std::span<const uint8_t> jpeg);
 
-/** Decodes to planes and converts those into *picture, which has the frame's size. */
+/** Decodes to planes and converts them into *picture, which has the frame's size. */
 bool Ffmpeg_Decode(FfmpegDecoder* decoder, const AVPacket* packet, Picture* picture);
 
-/** scale: what it calls the quality, 1 (best) to 31; the codes are the fixed ones of our frames, not made for each picture. */
+/** scale: its quality scale, 1 (best) to 31. It uses the fixed codes of our frames, not optimised ones. */
 FfmpegEncoderHolder Ffmpeg_Encoder_New(int32_t width, int32_t height, int32_t scale);
 
-/** Converts the picture into planes and compresses those. Gives the bytes of the frame, 0 on failure. */
+/** Converts the picture to planes and compresses them. Returns the bytes of the frame, 0 on failure. */
 size_t Ffmpeg_Encode(FfmpegEncoder* encoder, const Picture& picture);
 
 /** The scale at which the frame's size comes nearest to `bytes`; 0 on failure. */

@@ -10,8 +10,8 @@
 
 using Bytes = std::vector<uint8_t>;
 
-/** Mean difference of samples that two decoders of the same frame may show: their transforms round differently; and what is read
- *  from the tables as their quality can be one off, which changes a bright picture more. */
+/** Allowed mean difference of samples between two decoders of the same frame: their transforms round differently. The quality
+ * that is read from the tables can be off by one, which changes a bright picture more. */
 static constexpr double RoundingOnly = 3, QualityOff = 8;
 
 const char* Work_Name(Work work) { return work == Work::Decode ? "decode" : "encode"; }
@@ -55,7 +55,7 @@ static bool Near(const Picture& picture, const Picture& expected, double allowed
   return false;
 }
 
-/** velarto once for each level, as it does with frames or pictures one after another. */
+/** Adds velarto once for each level. */
 static void Add_Levels(const MatchOptions& options, const std::function<bool(size_t)>& run,
                        std::vector<Contestant>* contestants) {
   for (const NamedKernelLevel& level : options.levels) {
@@ -63,7 +63,7 @@ static void Add_Levels(const MatchOptions& options, const std::function<bool(siz
   }
 }
 
-/** Has each do the work on the first frame. */
+/** Lets each contestant work on the first frame. */
 static bool Try_All(const std::vector<Contestant>& contestants, std::string* error) {
   for (const Contestant& contestant : contestants) {
     if (contestant.prepare) contestant.prepare(0);
@@ -116,7 +116,7 @@ static MatchEnd Match_Decoding(const Subject& subject, int32_t quality, const Ma
   return Run_Match(contestants, frames.size(), options, match, error);
 }
 
-/** Decodes what the encoders have made of the first picture. */
+/** Decodes the first picture of both encoders and compares the results. */
 static bool Check_Encoded(const Subject& subject, const Bytes& own, const Bytes& theirs, std::string* error) {
   const Turbo turbo;
   Picture byUs = subject.pictures[0], byThem = byUs;

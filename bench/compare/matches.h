@@ -1,4 +1,4 @@
-/* velarto's whole roads beside those of its peers, on the same frames. */
+/* Complete decoding and encoding by velarto and by its peers, on the same frames. */
 #pragma once
 
 #include "bench/compare/contest.h"
@@ -11,26 +11,26 @@ enum class Work { Decode, Encode };
 const char* Work_Name(Work work);
 
 struct MatchOptions {
-  std::vector<NamedKernelLevel> levels;  ///< At which velarto takes part, each in every round.
-  double seconds = 0.25;                 ///< Of a match, at least.
-  bool ffmpeg = true;                    ///< The second peer takes part too.
+  std::vector<NamedKernelLevel> levels;  ///< velarto runs at each of these, in every round.
+  double seconds = 0.25;                 ///< Least duration of a match.
+  bool ffmpeg = true;                    ///< FFmpeg takes part too.
 };
 
 /** Who took part, and how long each took. */
 struct Match {
   std::vector<std::string> names;  ///< velarto's levels in the order of the options, then the peers.
   std::vector<Times> times;
-  std::vector<size_t> bytes;  ///< Size of the first frame: the one decoded, or the one that each has made.
-  int32_t scale = 0;          ///< Encoding: FFmpeg's own measure of quality.
+  std::vector<size_t> bytes;  ///< Size of the first frame: decoded, or made by each.
+  int32_t scale = 0;          ///< Encoding: FFmpeg's quality scale.
 };
 
-/** What became of a match; what Frames_Make has to say too. TooLong: a frame doesn't fit a frame store. */
+/** Result of a match, and of Frames_Make. TooLong: a frame doesn't fit a frame store. */
 enum class MatchEnd { Held, TooLong, Failed };
 
-/** Holds a match on the pictures of a subject. quality: that of the frames' tables, 10 to 90. Each side's result is looked at
- * once. Failed, with *error, when someone can't do the work or results differ by more than rounding. */
+/** Holds a match on the pictures of a subject. quality: that of the frames' tables, 10 to 90. The results of all sides are
+ * compared once. Failed, with *error, when one side fails or results differ by more than rounding. */
 MatchEnd Match_Hold(Work work, const Subject& subject, int32_t quality, const MatchOptions& options, Match* match,
                     std::string* error);
 
-/** Frames of the fixed JFIF form, one a picture, made by libjpeg-turbo. */
+/** Frames of the fixed JFIF form, one for each picture, made by libjpeg-turbo. */
 MatchEnd Frames_Make(const Subject& subject, int32_t quality, std::vector<std::vector<uint8_t>>* frames, std::string* error);

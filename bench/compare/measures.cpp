@@ -10,7 +10,7 @@
 
 using Bytes = std::vector<uint8_t>;
 
-/** The camera's usual quality, and how many frames take turns. */
+/** A camera's usual quality, and how many frames are used in turn. */
 static constexpr int32_t UsualQuality = 50;
 static constexpr size_t FrameCount = 4;
 
@@ -49,7 +49,7 @@ bool Measure_Growth(const Results& results, const Gallery& gallery, double secon
   return true;
 }
 
-/** Frames a second that so many threads decode together, and frames a second of processor time. */
+/** Frames that all threads decode in a second, and in a second of processor time. */
 struct Throughput {
   double frames, framesOfProcessor;
 };
@@ -84,8 +84,8 @@ bool Measure_Threads(const Results& results, const Gallery& gallery, double seco
   std::vector<std::string> names;
   const std::string& name = First_Name(gallery, &names);
   kernels = Kernels_Select(results.levels.back().mask);
-  std::fprintf(results.text, "\nTwo threads with a decoder each, beside one, at quality %d, on %u processors\n", UsualQuality,
-               std::thread::hardware_concurrency());
+  std::fprintf(results.text, "\nTwo threads with a decoder each, compared with one, at quality %d, on %u processors\n",
+               UsualQuality, std::thread::hardware_concurrency());
   for (const PictureSize& size : {PictureSize{640, 480}, {1920, 1072}}) {
     std::vector<Bytes> frames;
     const Subject subject = Subject_Make(gallery, name, size.width, size.height, FrameCount);
@@ -119,7 +119,7 @@ static std::vector<uint32_t> Window_Colors(HWND window) {
   return colors;
 }
 
-/** All of the frame but its last byte. */
+/** Gives the decoder all of the frame but its last byte. */
 static void Push_Ahead(JdecDecoder* decoder, const Bytes& frame) {
   JDEC_Receive_Data(decoder, static_cast<int32_t>(frame.size()) - 1, frame.data(), nullptr);
 }
@@ -128,7 +128,7 @@ static bool Push_Last(JdecDecoder* decoder, const Bytes& frame) {
   return JDEC_Receive_Data(decoder, 1, &frame.back(), nullptr) == 1;
 }
 
-/** Is a frame in the window's pixels when the last byte's call is back? */
+/** True if the window has each frame's pixels as soon as the call with its last byte returns. */
 static bool Shown_At_Once(JdecDecoder* decoder, HWND window, const std::vector<Bytes>& frames) {
   std::vector<uint32_t> before = Window_Colors(window);
   for (const Bytes& frame : frames) {

@@ -1,4 +1,4 @@
-/* Measures that are no rows of the table: growth with the picture, two threads, the delay to the window. All at the best of the
+/* Measurements outside the table: growth with the picture size, two threads, the delay to the window. All at the highest of the
  * levels. */
 #pragma once
 
@@ -7,10 +7,11 @@
 /** Nanoseconds a pixel from 160x112 to 1920x1072, decoding and encoding, of velarto and of libjpeg-turbo. */
 bool Measure_Growth(const Results& results, const Gallery& gallery, double seconds, std::string* error);
 
-/** Frames that two threads with a decoder each decode, as a multiple of what one does in the same time; and twice what one second
- *  of processor time brings them, beside one thread: how much they hinder each other on a machine that others use as well. */
+/** Frames that two threads decode, with a decoder each, as a multiple of those of one thread in the same time. Also twice the
+ * ratio of frames in a second of processor time, which shows how much the threads slow each other down even on a machine that is
+ * busy with other work. */
 bool Measure_Threads(const Results& results, const Gallery& gallery, double seconds, std::string* error);
 
-/** From the last byte of a frame given to the decoder until the window's pixels are the picture's, beside decoding alone. A
- * window of 640x480 on a screen of 32 bits, DirectDraw form. */
+/** Time from the last byte of a frame until the window has its pixels, compared with decoding alone. The window has 640x480
+ * pixels, on a screen of 32 bits, in the DirectDraw form. */
 bool Measure_Delay(const Results& results, const Gallery& gallery, double seconds, std::string* error);

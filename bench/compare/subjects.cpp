@@ -9,11 +9,11 @@
 #include <cstring>
 
 static constexpr const char *StreetName = "street", *HarbourName = "harbour";
-/** Part of a photograph that a picture shows; the rest is room to move in. */
+/** Part of a photograph that a picture shows; the view moves in the remainder. */
 static constexpr double ShownPart = 0.95;
 
-/** `count` averages of a line of samples, `step` apart in both lines: each of `length / count` samples, parts of samples
- *  included, from the position `start` on. */
+/** Writes `count` averages of a line of samples, from the position `start` on: each of `length / count` samples, parts of samples
+ *  included. Samples lie `step` apart in both lines. */
 static void Shrink_Line(const float* from, size_t step, double start, double length, float* to, size_t count) {
   const double width = length / static_cast<double>(count);
   for (size_t i = 0; i < count; ++i) {
@@ -31,7 +31,7 @@ struct Part {
   double x, y, width, height;
 };
 
-/** The part of the picture, counted from its first row in memory, in another size. */
+/** A part of the picture, scaled. Rows count from the first one in memory. */
 static Picture Shrunk(const Picture& picture, const Part& part, int32_t width, int32_t height) {
   const auto fullWidth = static_cast<size_t>(picture.width), fullHeight = static_cast<size_t>(picture.height);
   const auto columns = static_cast<size_t>(width), rows = static_cast<size_t>(height);
@@ -60,7 +60,7 @@ static Picture Photograph_View(const Picture& photograph, int32_t width, int32_t
   return Shrunk(photograph, part, width, height);
 }
 
-/** A wall of frames of the recording, each in another moment. */
+/** A wall of frames of the recording, each from another moment. */
 static Picture Street_Wall(const std::vector<Picture>& frames, int32_t width, int32_t height, size_t number) {
   Picture wall;
   Picture_Allot(&wall, width, height);

@@ -1,7 +1,7 @@
-"""The fault matrix of doc/robustness.md: velarto beside FFmpeg and GStreamer on the same faulty bytes.
+"""The fault matrix of doc/robustness.md: velarto, FFmpeg and GStreamer on the same faulty bytes.
 
-Usage: bench/faults/matrix.py BUILD. Runs every row, writes the section anew, and fails if velarto lost a frame that the rules let it
-keep, or ended otherwise than the row's words say."""
+Usage: bench/faults/matrix.py BUILD. Runs every row, rewrites the section, and fails if velarto loses a frame that the rules let
+it keep, or ends otherwise than the row says."""
 
 import datetime
 import os
@@ -10,6 +10,7 @@ import platform
 import random
 import sys
 import tempfile
+import textwrap
 import time
 
 import programs
@@ -17,24 +18,23 @@ import scenes
 import servers
 import streams
 
-HOME = pathlib.Path(__file__).resolve().parent.parent.parent
-PAGE = HOME / "doc/robustness.md"
+ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
+PAGE = ROOT / "doc/robustness.md"
 BEGIN, END = "<!-- ./run faults: begin -->", "<!-- ./run faults: end -->"
 FORMS = ("compact", "prefixed", "jfif")
 
-# Fault, what velarto does, and why intact frames are lost where they are.
+# Fault, what velarto does, and where an intact frame is lost.
 STREAM_ROWS = {
-    "garbage": ("Garbage between frames, up to 4 KB ahead of each", "Passed over",
-                "the start behind a single FF is not looked at"),
-    "truncated": ("Each 10th frame truncated", "Decoded with what comes next in its place", "its announced bytes, in JFIF those up to the "
-                  "next end marker, take in the next frame's start"),
-    "holed": ("Each 10th frame holed: 100 to 1000 bytes missing", "Decoded, wrong behind the hole",
-              "its announced bytes take in the next frame's start"),
-    "overwritten": ("Each 10th frame overwritten: 50 bytes of its coded data", "Decoded, wrong from there on", ""),
-    "heads": ("Each 10th head damaged: a bit of markers, length or size", "Passed over, or decoded at the size that it tells",
-              "a head that announces more takes in what follows"),
-    "joined": ("Joined mid-frame", "The rest of the frame is passed over", ""),
-    "claim": ("700 bytes that claim 65500x65500 ahead of each 10th frame", "Passed over, with a line for each", ""),
+    "garbage": ("Garbage before each frame, up to 4 KB", "Skipped", "its start directly follows a single FF"),
+    "truncated": ("Each 10th frame truncated", "Decoded, with the bytes that follow in place of the missing ones",
+                  "the announced bytes before it, in JFIF those up to the next end marker, include its start"),
+    "holed": ("Each 10th frame with 100 to 1000 bytes missing", "Decoded, wrong after the gap",
+              "the announced bytes before it include its start"),
+    "overwritten": ("Each 10th frame with 50 bytes of its coded data overwritten", "Decoded, wrong from there on", ""),
+    "headers": ("Each 10th header with a wrong bit in markers, length or size", "Skipped, or decoded at the size in the header",
+                "a damaged header before it announces bytes that include its start"),
+    "joined": ("Joined mid-frame", "The remainder of that frame is skipped", ""),
+    "claim": ("700 bytes that claim 65500x65500 before each 10th frame", "Skipped, with a message for each", ""),
 }
 
 
@@ -62,7 +62,7 @@ class Matrix:
         """The pictures of the sample recording, as frames of each form."""
         pictures = self.work / "pictures"
         pictures.mkdir()
-        programs.run([self.tool, "export", HOME / "samples/street.vlr", "-o", pictures / "%04d.bmp"])
+        programs.run([self.tool, "export", ROOT / "samples/street.vlr", "-o", pictures / "%04d.bmp"])
         for form in FORMS:
             path = self.stream(form, b"")
             programs.run([self.tool, "make", "--form", form, "-o", path, *sorted(pictures.iterdir())])
@@ -72,7 +72,7 @@ class Matrix:
             programs.learn(peer, path, len(self.frames["jfif"]), "jfif")
 
     def add(self, fault, happens, intact, allowed, ours, theirs):
-        """Adds a row. ours: a result, or one for each form; theirs: one for each peer, None where there is nothing to run."""
+        """Adds a row. ours: a result, or one for each form; theirs: one for each peer, None where nothing comparable can be run."""
         results = [ours if isinstance(ours, list) else [ours]] + [[result] if result else None for result in theirs]
         self.rows.append([fault, happens, intact, allowed, *map(cell, results)])
         print(" | ".join(map(str, self.rows[-1])), flush=True)
@@ -94,7 +94,7 @@ class Matrix:
             ours.append(result)
         theirs = [programs.judge(peer, path, whole) for peer in self.peers]
         if allowed != intact:
-            happens += "; where frames are lost, " + reason
+            happens += "; an intact frame is lost where " + reason
         self.add(fault, happens, intact[-1], "/".join(map(str, allowed)), ours, theirs)
 
     def endless_row(self, megabytes=400):
@@ -107,7 +107,7 @@ class Matrix:
         self.add(fault, "The start is given up after 512000 bytes", len(frames), len(frames), results[0], results[1:])
 
     def http_row(self, fault, happens, answer, lost=(), message=None, code=0):
-        """The frames in a multipart body. lost: those that the rules of HTTP take."""
+        """The frames in a multipart body. lost: those that the rules of HTTP don't let a receiver find."""
         everyone = range(len(self.frames["jfif"]))
         results = []
         for decoder in (self.velarto, *self.peers):
@@ -121,13 +121,13 @@ class Matrix:
     def http_rows(self):
         frames = self.frames["jfif"]
         body = servers.parts(frames)
-        self.http_row("Multipart without a first boundary", "What stands ahead of the first boundary is no part: one frame",
+        self.http_row("Multipart without a first boundary", "What comes before the first boundary is no part: one frame is lost",
                       servers.response(servers.parts(frames, first_boundary=False)), lost=[0])
         for by, size, happens in ((100, "large", "The boundary decides, not the length"),
-                                  (-100, "small", "The frame is shown cut short, then up to the boundary")):
+                                  (-100, "small", "The frame is shown truncated, then up to the boundary")):
             self.http_row(f"Content-Length of each 10th part 100 bytes too {size}", happens,
                           servers.response(servers.parts(frames, length=servers.wrong_length(by))))
-        self.http_row("Content-Length of the response too large: it ends early", "The frames, then an error and exit code 1",
+        self.http_row("Content-Length of the response too large: it ends early", "All frames, then an error and exit code 1",
                       servers.response(body, f"Content-Length: {len(body) + 1000}\r\n"), message="transfer closed with", code=1)
         self.http_row("Content-Length missing, of parts and response", "The boundary ends a part",
                       servers.response(servers.parts(frames, length=lambda index, size: None)))
@@ -149,7 +149,7 @@ class Matrix:
 
 
 def cell(results):
-    """Frames that are right, memory, processor time, and how a program ended if not well."""
+    """Correct frames, memory, processor time, and how a program ended if not with success."""
     if not results:
         return "–"
     counts = "/".join("–" if result.right is None else str(len(result.right)) for result in results)
@@ -170,9 +170,9 @@ def processor():
 def section(matrix):
     versions = [programs.first_line([matrix.tool, "--version"]), " ".join(programs.first_line(["ffmpeg", "-version"]).split()[:3]),
                 programs.first_line(["gst-launch-1.0", "--version"])]
-    head = ["Fault", "What velarto does", "Intact frames", "The rules keep", "velarto", "FFmpeg", "GStreamer"]
-    lines = [f"Made by `./run faults` on {datetime.date.today()} in {matrix.seconds:.0f} s: {processor()}; {'; '.join(versions)}.", "",
-             "| " + " | ".join(head) + " |", "|---" * len(head) + "|"]
+    header = ["Fault", "What velarto does", "Intact frames", "The rules keep", "velarto", "FFmpeg", "GStreamer"]
+    made = f"Made by `./run faults` on {datetime.date.today()} in {matrix.seconds:.0f} s: {'; '.join([processor(), *versions])}."
+    lines = [*textwrap.wrap(made, 100), "", "| " + " | ".join(header) + " |", "|---" * len(header) + "|"]
     lines += ["| " + " | ".join(map(str, row)) + " |" for row in matrix.rows]
     return "\n".join(lines)
 
@@ -182,8 +182,8 @@ def main():
     os.environ["LC_ALL"] = "C"
     matrix.run()
     page = PAGE.read_text()
-    before, rest = page.split(BEGIN)
-    PAGE.write_text(before + BEGIN + "\n" + section(matrix) + "\n" + END + rest.split(END)[1])
+    before, after = page.split(BEGIN)
+    PAGE.write_text(before + BEGIN + "\n" + section(matrix) + "\n" + END + after.split(END)[1])
     for failure in matrix.failures:
         print("faults:", failure, file=sys.stderr)
     print(f"{len(matrix.rows)} rows, {len(matrix.failures)} failures, written to {PAGE}")

@@ -1,6 +1,6 @@
-// Memory that can't be had: each allocation of some work fails in turn, once or from there on. After that the next good frame
-// must show as ever, and nothing may be left alive. A line for each work: its name, its allocations, runs, and how many of those
-// came to their result all the same.
+// Failing allocations: in each kind of work every allocation fails in turn, alone or with all that follow. After that the next
+// good frame must be shown as usual, and no object may be left alive. Prints a line for each kind of work: its name, its
+// allocations, its runs, and how many runs succeeded in spite of the failure.
 #include "platform/portable/rig.h"
 #include "tests/support/window.h"
 #include "velarto.h"
@@ -26,7 +26,7 @@ Bytes Good_Frame(int32_t width, int32_t height, int32_t withMarkers) {
   return frame;
 }
 
-/** Frames, a window to show them in where there is one, and what is seen when all goes well. */
+/** Frames, the window that shows them, if any, and the pixels that are seen without a failure. */
 struct Ground {
   Bytes small = Good_Frame(SmallWidth, SmallHeight, 0), large = Good_Frame(Width, Height, 1);
   Bytes pixels = Bytes(static_cast<size_t>(Width) * static_cast<size_t>(Height) * 3);
@@ -38,7 +38,7 @@ void Push(JdecDecoder* decoder, const Bytes& frame) {
   JDEC_Receive_Data(decoder, static_cast<int32_t>(frame.size()), frame.data(), nullptr);
 }
 
-/** The picture as a BMP file and the pixels of the window; empty for a picture of another size. */
+/** The picture as a BMP file, then the pixels of the window; empty for a picture of another size. */
 Bytes Seen(JdecDecoder* decoder, HWND window) {
   int32_t width = 0, height = 0, pitch = 0;
   JDEC_get_size(decoder, &width, &height);
@@ -56,7 +56,7 @@ JdecDecoder* Start(const Ground& ground) {
   return decoder;
 }
 
-/* The works. Each starts anew, gives its decoder, null if there is none, and says whether it came to its result. */
+/* The kinds of work. Each makes and returns a decoder, null on failure, and says whether it succeeded. */
 
 JdecDecoder* Receive(Ground* ground, bool* done) {
   JdecDecoder* const decoder = Start(*ground);
@@ -107,7 +107,7 @@ constexpr FaultTask works[] = {{"receive", Receive, 0},         {"decode", Decod
                                {"show in 16 bits", Decode, 16}, {"show in 8 bits", Decode, 8}, {"export", Export, 0},
                                {"compress", Compress, 0}};
 
-/** One run in which allocations fail from the `after`-th on, that many of them. */
+/** One run in which `times` allocations fail, from number `after` on. */
 bool Run_Once(const FaultTask& work, Ground* ground, int32_t after, int32_t times, bool* done) {
   const int32_t alive = Rig_Objects_Alive();
   *done = false;
@@ -127,7 +127,7 @@ bool Run_Once(const FaultTask& work, Ground* ground, int32_t after, int32_t time
   return false;
 }
 
-/** What is seen without a failure, which also has happen what happens once a process. Gives the number of allocations. */
+/** Stores what is seen without a failure, and returns the number of allocations. What happens once in a process happens here. */
 int32_t Learn(const FaultTask& work, Ground* ground) {
   JdecDecoder* const decoder = Start(*ground);
   Push(decoder, ground->large);
@@ -147,7 +147,7 @@ bool Run_Work(const FaultTask& work, Ground* ground) {
     for (const int32_t times : {1, INT32_MAX}) {
       bool done = false;
       good &= Run_Once(work, ground, site, times, &done);
-      good &= done || site < sites;  // Behind the last one nothing fails.
+      good &= done || site < sites;  // After the last one nothing fails.
       ++runs;
       results += done;
     }

@@ -1,4 +1,4 @@
-"""velarto and its peers at work on a stream: what they decode right, how they end, and what it costs them."""
+"""Runs velarto and its peers on a stream: which frames they decode correctly, how they end, and what it costs."""
 
 import collections
 import hashlib
@@ -16,7 +16,7 @@ import time
 # exit: the code, or None for a program that had to be stopped; right: indices of the good frames that it decoded.
 Result = collections.namedtuple("Result", "exit text memory seconds right", defaults=(frozenset(),))
 MOST_SECONDS = 30
-MOST_MEMORY = 3 << 20  # Kilobytes of address space: a program that wants more doesn't take the machine with it.
+MOST_MEMORY = 3 << 20  # Kilobytes of address space: a program that wants more must not bring down the machine.
 LIVE_TIME = 25  # Seconds for a program to notice that a connection is dead.
 
 
@@ -26,7 +26,7 @@ def child_of(pid):
 
 
 def stop_child(process, number=signal.SIGINT):
-    """Asks the measured program to end, or kills it, so that what it used is told still."""
+    """Asks the measured program to end, or kills it, so that GNU time still reports what it used."""
     try:
         os.kill(child_of(process.pid), number)
     except (FileNotFoundError, ProcessLookupError):
@@ -34,8 +34,8 @@ def stop_child(process, number=signal.SIGINT):
 
 
 def start(command, most_file=None, environment=None, stdin=subprocess.DEVNULL):
-    """A program under limits. GNU time stands between, as a process starts with the peak memory of the one that it was forked
-    from, and an interpreter is larger than velarto."""
+    """Starts a program under limits, through GNU time: a process inherits the peak memory of the one that forks it, and this
+    interpreter is larger than velarto."""
     limits = f"ulimit -v {MOST_MEMORY};" + (f"trap '' XFSZ; ulimit -f {most_file // 512};" if most_file else "")
     notes = tempfile.NamedTemporaryFile()
     output = tempfile.TemporaryFile()
@@ -46,7 +46,7 @@ def start(command, most_file=None, environment=None, stdin=subprocess.DEVNULL):
 
 
 def finish(process, limit=MOST_SECONDS):
-    """Waits for the program, which is stopped when the time is up, first politely."""
+    """Waits for the program. When the time is up it is asked to end, then killed."""
     timers = [threading.Timer(limit, stop_child, [process]), threading.Timer(limit + 5, stop_child, [process, signal.SIGKILL])]
     began = time.monotonic()
     for timer in timers:
@@ -64,7 +64,7 @@ def finish(process, limit=MOST_SECONDS):
 
 
 def feed(process, chunks):
-    """Writes to a program from a thread of its own; it may go away."""
+    """Writes to a program from a separate thread; the program may end before it has read everything."""
     def write():
         try:
             for chunk in chunks:
@@ -77,15 +77,15 @@ def feed(process, chunks):
 
 
 def hashes(folder):
-    """Of the files in order of their names' numbers."""
+    """Hashes of the files, in the order of the numbers in their names."""
     files = sorted(folder.iterdir(), key=lambda file: int(file.stem))
     return [hashlib.md5(file.read_bytes()).hexdigest() for file in files]
 
 
 # ---- Decoders --------------------------------------------------------------------------------------------------------
 
-# command(source, folder): decodes a source, a path or an address or "-", to files in the folder; pictures(folder): a hash for each
-# picture; good: by form, index of a good frame by the hash that the program's own picture of it has.
+# command(source, folder): decodes a source (a path, an address or "-") to files in the folder. pictures(folder): a hash for each
+# picture. good: for each form, the index of a good frame by the hash of the program's own picture of it.
 Decoder = collections.namedtuple("Decoder", "name command pictures good")
 
 
@@ -115,7 +115,7 @@ def gstreamer():
 
 
 def decode(decoder, source, chunks=None, limit=MOST_SECONDS):
-    """How the program ended, and the hashes of its pictures. chunks: what it gets on its standard input."""
+    """How the program ended, and the hashes of its pictures. chunks: bytes for its standard input."""
     folder = pathlib.Path(tempfile.mkdtemp())
     try:
         process = start(decoder.command(source, folder), stdin=subprocess.PIPE if chunks is not None else subprocess.DEVNULL)
@@ -127,7 +127,7 @@ def decode(decoder, source, chunks=None, limit=MOST_SECONDS):
 
 
 def learn(decoder, source, count, form):
-    """The program's own pictures of the undamaged stream are the measure of what it decodes later."""
+    """Keeps the program's own pictures of the undamaged stream, with which later ones are compared."""
     result, found = decode(decoder, source)
     if len(found) != count or len(set(found)) != count:
         raise SystemExit(f"faults: {decoder.name} doesn't decode the undamaged {form} stream: {result}")
@@ -135,7 +135,7 @@ def learn(decoder, source, count, form):
 
 
 def judge(decoder, source, intact, form="jfif", **how):
-    """Which of the intact frames the program decodes right."""
+    """Runs the program; result.right has the intact frames that it decodes correctly."""
     result, found = decode(decoder, source, **how)
     return result._replace(right=frozenset({decoder.good[form].get(picture) for picture in found} & set(intact)))
 
@@ -145,7 +145,7 @@ def first_line(command):
 
 
 def run(command):
-    """A program that must succeed."""
+    """Runs a program that must succeed."""
     result = finish(start(command))
     if result.exit != 0:
         raise SystemExit(f"faults: {command[:2]} failed: {result.text}")
@@ -155,8 +155,8 @@ def run(command):
 def cut(tool, path):
     """The frames of a stream, as the tool finds them."""
     data, frames = path.read_bytes(), []
-    told = subprocess.run([tool, "info", "--json", path], check=True, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
-    for line in told.stdout.splitlines()[:-1]:
+    output = subprocess.run([tool, "info", "--json", path], check=True, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
+    for line in output.stdout.splitlines()[:-1]:
         frame = json.loads(line)
         frames.append(data[frame["offset"]:frame["offset"] + frame["bytes"]])
     assert b"".join(frames) == data

@@ -16,21 +16,21 @@ FILE_LIMIT = 700 * 1024
 
 
 def half_open(matrix):
-    """The server goes silent behind 40 frames; a second connection to it gets the others."""
-    fault = "Half-open connection: silence behind 40 frames"
+    """The server goes silent after 40 frames; a second connection to it gets the others."""
+    fault = "Half-open connection: silence after 40 frames"
     frames = matrix.frames["jfif"]
-    first, rest = servers.response(servers.parts(frames[:40])) + [None], servers.response(servers.parts(frames[40:]))
+    first, second = servers.response(servers.parts(frames[:40])) + [None], servers.response(servers.parts(frames[40:]))
     first[0] = first[0].removesuffix(b"--frame--\r\n")
     recording = matrix.work / "half-open.jfif"
     results = {}
 
     def record():
-        with servers.Server(first, rest) as server:
+        with servers.Server(first, second) as server:
             command = [matrix.tool, "record", server.address, "-o", recording, "--frames", str(len(frames))]
             results["record"] = programs.finish(programs.start(command))
 
     def decode(decoder):
-        with servers.Server(first, rest) as server:
+        with servers.Server(first, second) as server:
             results[decoder.name] = programs.judge(decoder, server.address, range(len(frames)), limit=programs.LIVE_TIME)
 
     works = [threading.Thread(target=record)]
@@ -45,14 +45,14 @@ def half_open(matrix):
     matrix.check(fault, export.exit == 1 and "no data for 10 seconds" in export.text and len(export.right) == 40, export)
     ours = results["record"]._replace(right=programs.judge(matrix.velarto, recording, range(len(frames))).right)
     matrix.check(fault, ours.exit == 0 and len(ours.right) == len(frames), ours)
-    matrix.add(fault, "`record` connects anew after 10 s; `export` ends with what it has and exit code 1", len(frames), len(frames),
+    matrix.add(fault, "`record` reconnects after 10 s; `export` ends with the frames that it has and exit code 1", len(frames), len(frames),
                ours, [results[peer.name] for peer in matrix.peers])
 
 
 # ---- A client that doesn't read --------------------------------------------------------------------------------------
 
 def live_frames(matrix, port):
-    """What another client gets meanwhile: numbers of the frames in their order."""
+    """The frames that another client gets meanwhile, as a list of their numbers."""
     known = {frame: index for index, frame in enumerate(matrix.frames["jfif"])}
     numbers, held = [], b""
     with socket.create_connection(("127.0.0.1", port), 5) as client:
@@ -76,8 +76,8 @@ def silent_client(port):
     return client
 
 
-def beside_silence(matrix, command):
-    """Has a camera serve a client that doesn't read and one that does. Right are the frames that came without a gap before them."""
+def with_silent_client(matrix, command):
+    """Lets a camera serve a client that doesn't read and one that does. Frames count as right if none is missing before them."""
     with socket.create_server(("127.0.0.1", 0)) as free:
         port = free.getsockname()[1]
     process = programs.start([word.replace("PORT", str(port)) for word in map(str, command)])
@@ -91,15 +91,15 @@ def beside_silence(matrix, command):
 
 
 def slow_reader(matrix):
-    fault = f"Slow reader: a client of the camera that reads nothing, beside one that does ({RATE} frames a second)"
+    fault = f"Slow reader: one client of the camera reads nothing, another one does ({RATE} frames a second)"
     pictures = matrix.work / "live"
     pictures.mkdir()
     for index, frame in enumerate(matrix.frames["jfif"]):
         (pictures / f"{index:04}.jpg").write_bytes(frame)
     stream = matrix.stream("jfif", b"".join(matrix.frames["jfif"]))
-    ours = beside_silence(matrix, [matrix.tool, "camera", stream, "--fps", str(RATE), "--port", "0", "--raw-port", "PORT"])
-    theirs = beside_silence(matrix, ["gst-launch-1.0", "-q", "multifilesrc", f"location={pictures}/%04d.jpg", "loop=true",
-                                     f"caps=image/jpeg,framerate={RATE}/1", "!", "tcpserversink", "host=127.0.0.1", "port=PORT"])
+    ours = with_silent_client(matrix, [matrix.tool, "camera", stream, "--fps", str(RATE), "--port", "0", "--raw-port", "PORT"])
+    theirs = with_silent_client(matrix, ["gst-launch-1.0", "-q", "multifilesrc", f"location={pictures}/%04d.jpg", "loop=true",
+                                         f"caps=image/jpeg,framerate={RATE}/1", "!", "tcpserversink", "host=127.0.0.1", "port=PORT"])
     matrix.check(fault, ours.exit == 0 and len(ours.right) == SLOW_FRAMES, ours)
     matrix.add(fault, "The other client misses nothing", SLOW_FRAMES, SLOW_FRAMES, ours, [None, theirs])
 
@@ -127,7 +127,7 @@ def disk_full(matrix):
     matrix.check(fault, ours.right == set(range(fitting)), f"{fitting} {ours}")
     device = programs.finish(programs.start([matrix.tool, "record", stream, "-o", "/dev/full"]))
     matrix.check(fault, device.exit == 1 and "can't write /dev/full: No space left on device" in device.text, device)
-    matrix.add(fault, "Says so; the file ends with the last frame that fits", len(frames), fitting, ours, results[1:])
+    matrix.add(fault, "Reports it; the file ends with the last frame that fits", len(frames), fitting, ours, results[1:])
 
 
 # ---- A display that goes away ----------------------------------------------------------------------------------------
@@ -137,12 +137,13 @@ def on_lost_display(command):
     server = subprocess.Popen(["Xvfb", "-displayfd", str(writing), "-screen", "0", "800x600x24", "-nolisten", "tcp"], pass_fds=[writing],
                               stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
     os.close(writing)
-    with os.fdopen(reading) as told:
-        display = told.readline().strip()
+    with os.fdopen(reading) as pipe:
+        display = pipe.readline().strip()
     environment = os.environ | {"DISPLAY": f":{display}", "SDL_VIDEODRIVER": "x11", "SDL_RENDER_DRIVER": "software"}
     process = programs.start(command, environment=environment)
     time.sleep(3)
-    shown = process.poll() is None
+    # Without collecting its exit code, which finish() does.
+    shown = os.waitid(os.P_PID, process.pid, os.WEXITED | os.WNOHANG | os.WNOWAIT) is None
     server.kill()
     server.wait()
     return shown, programs.finish(process, limit=10)._replace(right=None)
@@ -155,9 +156,10 @@ def display_lost(matrix):
                 ["gst-launch-1.0", "-q", "multifilesrc", f"location={stream}", "loop=true", "!", "jpegdec", "!", "videoconvert", "!",
                  "ximagesink"]]
     results = [on_lost_display(command) for command in commands]
-    shown, ours = results[0]
-    matrix.check(fault, shown and ours.exit == 1 and re.search("connection to .*broken|fatal IO error", ours.text), ours)
-    matrix.add(fault, "Ends at once, says that the connection to the display is broken, exit code 1", "–", "–", ours,
+    ours = results[0][1]
+    matrix.check(fault, all(shown for shown, _ in results), "a program ended before its display did")
+    matrix.check(fault, ours.exit == 1 and re.search("connection to .*broken|fatal IO error", ours.text), ours)
+    matrix.add(fault, "Ends at once, reports that the connection to the display is broken, exit code 1", "–", "–", ours,
                [result for _, result in results[1:]])
 
 
@@ -170,7 +172,7 @@ def memory(matrix):
     matrix.check(fault, result.exit == 0 and len(lines) == 7, result)
     runs = sum(int(line[2]) for line in lines)
     sites = ", ".join(f"{line[1]} to {line[0]}" for line in lines)
-    happens = f"The call says no, or does without; then the next frame shows, nothing is left alive. Allocations: {sites}. Each fails " \
-              "once, and with all behind it"
+    happens = f"The call fails, or does without the memory; then the next frame is shown, and no object is left alive. Allocations: " \
+              f"{sites}. Each fails once alone, and once with all that follow"
     ours = result._replace(right=frozenset(range(runs)) if result.exit == 0 else frozenset())
     matrix.add(fault, happens, runs, runs, ours, [None, None])

@@ -1,18 +1,18 @@
-"""Servers of cameras and proxies with faults, each on a port of its own and on threads of this process."""
+"""HTTP servers with the faults of cameras and proxies, each on its own port and on threads of this process."""
 
 import socket
 import threading
 
-HEAD = "HTTP/1.1 200 OK\r\nContent-Type: multipart/x-mixed-replace;boundary=frame\r\n"
+HEADER = "HTTP/1.1 200 OK\r\nContent-Type: multipart/x-mixed-replace;boundary=frame\r\n"
 
 
 def parts(frames, first_boundary=True, length=lambda index, size: size):
-    """A multipart body. length: what the head of a part says of its size; None for nothing."""
+    """A multipart body. length: the Content-Length of a part; None for no such line."""
     text = []
     for index, frame in enumerate(frames):
-        told = length(index, len(frame))
+        stated = length(index, len(frame))
         text.append((b"--frame\r\n" if index > 0 or first_boundary else b"") + b"Content-Type: image/jpeg\r\n" +
-                    (b"" if told is None else b"Content-Length: %d\r\n" % told) + b"\r\n" + frame + b"\r\n")
+                    (b"" if stated is None else b"Content-Length: %d\r\n" % stated) + b"\r\n" + frame + b"\r\n")
     return b"".join(text) + b"--frame--\r\n"
 
 
@@ -20,13 +20,13 @@ def wrong_length(by):
     return lambda index, size: size + by if index % 10 == 9 else size
 
 
-def response(body, head=""):
-    return [(HEAD + head + "\r\n").encode() + body]
+def response(body, fields=""):
+    return [(HEADER + fields + "\r\n").encode() + body]
 
 
 def chunked(body, size=1000):
-    """Chunks that cut frames anywhere."""
-    text = (HEAD + "Transfer-Encoding: chunked\r\n\r\n").encode()
+    """A response in chunks, which cut frames anywhere."""
+    text = (HEADER + "Transfer-Encoding: chunked\r\n\r\n").encode()
     for at in range(0, len(body), size):
         piece = body[at:at + size]
         text += b"%x\r\n%s\r\n" % (len(piece), piece)
@@ -34,8 +34,8 @@ def chunked(body, size=1000):
 
 
 class Server:
-    """Answers each connection with the next of its answers, the last one again and again. An answer is a list of bytes, and ends with
-    None if the connection then goes silent instead of ending."""
+    """Gives each connection the next of its answers, and all further ones the last. An answer is a list of bytes. None at its end
+    means that the connection goes silent instead of ending."""
 
     def __init__(self, *answers):
         self.answers = list(answers)

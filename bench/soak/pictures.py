@@ -1,4 +1,4 @@
-"""What the cameras of the soak send: pictures that carry their number, and pictures of changing sizes."""
+"""The pictures that the cameras of the soak send: some carry a number, some change their size."""
 
 import json
 import pathlib
@@ -15,12 +15,12 @@ SIZES = ((320, 240, "compact"), (160, 128, "prefixed"), (640, 480, "jfif"))
 
 
 def number_places():
-    """Where the number is read: the middle of a square for each bit, white if it is set, and of another for each, black if so."""
+    """The pixels that hold the number: the middle of a square for each bit, white if it is set, then of an inverse one."""
     return [(28 + 24 * place, 222) for place in range(2 * BITS)]
 
 
 def picture(width, height, number):
-    """A PPM picture: slopes that wander, and at 320 by 240 the number in squares at the lower edge."""
+    """A PPM picture: moving slopes, and at 320 by 240 the number in squares at the lower edge."""
     wave = [abs((x * 3) % 510 - 255) for x in range(2 * width)]
     rows = []
     for y in range(height):
@@ -37,7 +37,7 @@ def picture(width, height, number):
 
 
 def make(tool, folder, form, pictures, name):
-    """A recording of those pictures."""
+    """Makes a recording of those pictures."""
     names = []
     for number, content in enumerate(pictures):
         names.append(folder / f"{number}.ppm")
@@ -53,7 +53,7 @@ def numbered(tool, folder):
 
 
 def changing(tool, folder):
-    """Ten pictures of each size, each size in another form."""
+    """Makes a recording of ten pictures of each size, each size in another form."""
     path = folder / "changing.vlr"
     with open(path, "wb") as file:
         for width, height, form in SIZES:
@@ -63,13 +63,13 @@ def changing(tool, folder):
 
 
 class Arrivals:
-    """A plain client of the numbered camera, on a thread: notes when each frame's last byte came. Those that chaos cut or changed
-    there are not recognised."""
+    """A plain client of the numbered camera, on its own thread: notes when each frame's last byte arrives. Frames whose end chaos
+    cut or changed are not recognised."""
 
     def __init__(self, tool, recording, port):
         content = pathlib.Path(recording).read_bytes()
-        told = subprocess.run([tool, "info", "--json", recording], check=True, capture_output=True, text=True).stdout
-        frames = [json.loads(line) for line in told.splitlines()]
+        output = subprocess.run([tool, "info", "--json", recording], check=True, capture_output=True, text=True).stdout
+        frames = [json.loads(line) for line in output.splitlines()]
         ends = [content[frame["offset"]:][:frame["bytes"]][-32:] for frame in frames if frame["type"] == "frame"]
         assert len(set(ends)) == COUNT
         self.numbers = {end: number for number, end in enumerate(ends)}

@@ -1,4 +1,4 @@
-"""The programs that run throughout: what they hold of memory, handles and threads, second by second."""
+"""The programs that run throughout: their memory, handles and threads, second by second."""
 
 import math
 import os
@@ -7,11 +7,11 @@ import statistics
 
 MEMORY, HANDLES, THREADS = "memory", "handles", "threads"
 MOST_GROWTH = 0.01
-MOST_DELAY = 20  # Milliseconds, a quarter of a frame's time: nothing may wait in a queue that didn't at the start.
+MOST_DELAY = 20  # Milliseconds, a quarter of a frame's time: no queue may be longer than at the start.
 
 
 class Program:
-    """A program that must stay as it is."""
+    """A program that runs throughout, with what was measured of it."""
 
     def __init__(self, name, process):
         self.name, self.process = name, process
@@ -25,8 +25,8 @@ class Program:
                                    THREADS: len(os.listdir(folder / "task"))}))
 
     def between(self, what, start, end):
-        """What was sampled between two moments: the mean of the memory, which comes and goes with what there is to do; the median
-        of the numbers, which are others for moments only, while something is started anew."""
+        """What was sampled between two moments: the mean of the memory, which varies with the work; the median of the numbers,
+        which differ only for moments, while something restarts."""
         found = [sample[what] for now, sample in self.samples if start <= now < end]
         return statistics.mean(found) if what == MEMORY else statistics.median(found)
 
@@ -37,13 +37,13 @@ class Program:
 
 
 def flaws(program, first, last):
-    """What isn't as it was: `first` and `last` are (start, end) in seconds."""
+    """What differs between two spans: `first` and `last` are (start, end) in seconds."""
     found = []
     growth = program.between(MEMORY, *last) / program.between(MEMORY, *first) - 1
     if abs(growth) > MOST_GROWTH:
         found.append(f"memory {100 * growth:+.2f} %")
     found += [what for what in (HANDLES, THREADS) if program.between(what, *first) != program.between(what, *last)]
-    # NaN is not good enough either.
+    # NaN fails too.
     if program.delays and not program.delay(*last) - program.delay(*first) < MOST_DELAY:
         found.append("delay")
     return found

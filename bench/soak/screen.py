@@ -1,4 +1,4 @@
-"""A virtual screen whose pixels can be read as they are shown, and the windows on it."""
+"""A virtual screen whose pixels can be read, and the windows on it."""
 
 import mmap
 import os
@@ -12,7 +12,7 @@ QUIET = {"stdout": subprocess.DEVNULL, "stderr": subprocess.DEVNULL}
 
 
 class Screen:
-    """Xvfb keeps its pixels in a file, in the xwd format; that file is mapped here."""
+    """Xvfb keeps its pixels in a file, in the xwd format, which is mapped here."""
 
     def __init__(self, folder, width, height):
         reading, writing = os.pipe()
@@ -20,13 +20,13 @@ class Screen:
         command = ["Xvfb", "-displayfd", str(writing), "-fbdir", folder, "-screen", "0", size, "-nolisten", "tcp"]
         self.server = subprocess.Popen(command, pass_fds=[writing], **QUIET)
         os.close(writing)
-        with os.fdopen(reading) as told:
-            display = told.readline().strip()
+        with os.fdopen(reading) as pipe:
+            display = pipe.readline().strip()
         self.environment = os.environ | {"DISPLAY": f":{display}", "SDL_VIDEODRIVER": "x11"}
         with open(folder / "Xvfb_screen0", "rb") as file:
             self.pixels = mmap.mmap(file.fileno(), 0, prot=mmap.PROT_READ)
-        head = struct.unpack(">25I", self.pixels[:100])
-        self.start, self.pitch = head[0] + 12 * head[19], head[12]
+        header = struct.unpack(">25I", self.pixels[:100])
+        self.start, self.pitch = header[0] + 12 * header[19], header[12]
 
     def xdotool(self, *words):
         words = [str(word) for word in words]
@@ -41,7 +41,7 @@ class Screen:
 
 
 class Window:
-    """The window of a viewer, at a place and size of its own."""
+    """The window of a viewer, with its place and size."""
 
     def __init__(self, screen, process, place, size=(pictures.WIDTH, pictures.HEIGHT)):
         self.screen, self.place, self.size = screen, place, size

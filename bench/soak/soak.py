@@ -1,8 +1,8 @@
 """Cameras with chaos, eight viewers and recordings for a long time: is everything at the end as it was at the start?
 
-Usage: bench/soak/soak.py TOOL FOLDER MINUTES. Leaves a picture of the screen, the samples and what the programs said in FOLDER.
-Fails if a program ended, if memory after warm-up isn't the same within 1 %, if handles or threads aren't the same, or if pictures
-come later than at the start."""
+Usage: bench/soak/soak.py TOOL FOLDER MINUTES. Leaves a picture of the screen, the samples and the programs' messages in FOLDER.
+Fails if a program ends by itself, if memory after warm-up isn't the same within 1 %, if handles or threads aren't the same, or if
+pictures come later than at the start."""
 
 import pathlib
 import random
@@ -45,13 +45,13 @@ class Soak:
         return process
 
     def stay(self, name, *words):
-        """A program that runs throughout."""
+        """Starts a program that runs throughout."""
         program = programs.Program(name, self.start(name, *words))
         self.programs.append(program)
         return program
 
     def end(self, process, how=signal.SIGTERM, code=0):
-        """Ends one that was started, and looks how it ended."""
+        """Ends a program, and checks how it ended."""
         process.send_signal(how)
         if process.wait(20) != code:
             raise SystemExit(f"soak: {' '.join(map(str, process.args[1:]))} ended with {process.returncode}")
@@ -62,8 +62,8 @@ class Soak:
 
     def addresses(self, process):
         """The camera's /stream, /mjpeg and plain port."""
-        told = [process.stdout.readline().strip() for _ in range(5)]
-        return {"raw": told[4], "stream": told[1], "mjpeg": told[2]}
+        lines = [process.stdout.readline().strip() for _ in range(5)]
+        return {"raw": lines[4], "stream": lines[1], "mjpeg": lines[2]}
 
     # ---- What runs
 
@@ -91,7 +91,7 @@ class Soak:
     # ---- What happens
 
     def restart_viewer(self):
-        """Ends the eighth viewer, by its key or by force, and starts another."""
+        """Ends the eighth viewer, by its key or by force, and starts another one."""
         if self.passer and self.done["viewers"] % 2:
             self.passer[1].press("q")
             self.end(self.passer[0], 0)
@@ -106,8 +106,8 @@ class Soak:
         path = self.work / "recording.vlr"
         if self.recording:
             self.end(self.recording, signal.SIGINT)
-            told = subprocess.run([self.tool, "info", path], check=True, capture_output=True, text=True).stdout
-            if told.count("\n") < FRAMES:
+            output = subprocess.run([self.tool, "info", path], check=True, capture_output=True, text=True).stdout
+            if output.count("\n") < FRAMES:
                 raise SystemExit("soak: too few frames were recorded")
         self.recording = self.start("recording", "record", self.harbour["stream"], "-o", path)
         self.done["recordings"] += 1
@@ -135,7 +135,7 @@ class Soak:
         self.done["full screens"] += 1
 
     def watch_delay(self):
-        """Looks at the numbered pictures for two seconds: each that comes up is compared with its arrival at a plain client."""
+        """Watches the numbered pictures for two seconds, and compares the time of each with its arrival at a plain client."""
         shown = [window.number() for _, window in self.viewers]
         end = time.monotonic() + 2
         while time.monotonic() < end:
@@ -146,14 +146,14 @@ class Soak:
                     continue
                 shown[place] = number
                 delay = now - self.arrivals.times.get(number, -1e9)
-                # What arrived longer ago was another picture of the same number, and this one was spoiled on its way.
+                # An older arrival belongs to an earlier picture of this number; this one was damaged on its way.
                 if delay < pictures.COUNT / FRAMES - 0.1:
                     program.delays.append((now - self.begun, delay))
 
     # ---- The run
 
     def tick(self, until):
-        """Samples each second until then."""
+        """Takes samples each second until then."""
         while True:
             for program in self.programs:
                 if program.process.poll() is not None:

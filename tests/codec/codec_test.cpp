@@ -1,5 +1,5 @@
-// The codec by itself, without a decoder or a window: what a program has that links velarto_codec alone, on each processor that it
-// is built for.
+// The codec by itself, without a decoder or a window: what a program has that links velarto_codec alone, on each processor that
+// it is built for.
 #include "decode/framing.h"
 #include "decode/picture_decode.h"
 #include "pixel/compress.h"
@@ -26,7 +26,9 @@ int32_t Decode_Next(CodecPtr* codec, const uint8_t* stream, int32_t count) {
   stream += start;
   count -= start;
   const FrameForm form = isJfif ? FrameForm::Jfif : hasPrefix ? FrameForm::Prefixed : FrameForm::Compact;
-  const auto length = isJfif ? Find_EOI(stream, count) + 2 : hasPrefix ? (int32_t)Prefixed_Length(stream) : Compact_Length(stream);
+  const auto length = isJfif      ? Find_EOI(stream, count) + 2
+                      : hasPrefix ? (int32_t)Prefixed_Length(stream)
+                                  : Compact_Length(stream);
   FrameHeader header = {};
   if (length > count || !Read_Frame_Header(stream, length, form, &header)) return -1;
   if (!*codec || (*codec)->width != header.width || (*codec)->height != header.height) {

@@ -1,5 +1,5 @@
-// Sequences of calls over all three families of exports, on two decoders or none, while memory fails: whatever the order, nothing
-// breaks and nothing is left behind.
+// Sequences of calls over all three families of exports, on two decoders or none, while allocations fail. In any order nothing
+// breaks, and nothing stays alive.
 #include "fuzz/run.h"
 
 namespace {
@@ -33,7 +33,7 @@ void Compress(Caller* c) {
   }
 }
 
-/** Has bytes of the input decoded, on one of the ways. */
+/** Decodes bytes of the input by one of the calls that take them. */
 void Feed(Caller* c, uint8_t which) {
   const Bytes bytes = which & 8 ? Next_Frame(&c->input) : c->input.Some(c->input.Byte());
   const auto length = (int32_t)bytes.size();

@@ -1,5 +1,4 @@
-// Pictures to frames: every level writes the same bytes, what was written decodes to the coefficients that were encoded, and each
-// frame of the picture decodes to the same one.
+// Pictures to frames: every level writes the same bytes, and a frame decodes to the coefficients that were encoded.
 #include "decode/decoder.h"
 #include "decode/huffman_decode.h"
 #include "fuzz/run.h"
@@ -23,7 +22,7 @@ static Bytes Compress(uint32_t mask, const Still& still, uint8_t failure = 0) {
   return frame;
 }
 
-/** The blocks that a frame carries. */
+/** The coefficients of all blocks that a frame carries. */
 static std::vector<int32_t> Coefficients(const JdecCodec& codec) {
   std::vector<int32_t> all;
   const auto add = [&](int32_t** plane, int32_t rows, int32_t blocks) {
@@ -59,7 +58,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   still.pixels.resize((size_t)still.width * still.height * 3);
   for (size_t i = 0; i < still.pixels.size() && !drawn.empty(); ++i) still.pixels[i] = drawn[i % drawn.size()];
   if (flags & 8)
-    return Compress(mask, still, drawn.empty() ? uint8_t{0} : drawn[0]), 0;  // What is allocated is not the same at all levels.
+    return Compress(mask, still, drawn.empty() ? uint8_t{0} : drawn[0]), 0;  // The levels don't allocate the same blocks.
   const Bytes frame = Compress(mask, still);
   if (mask != KernelPlain) REQUIRE(frame == Compress(KernelPlain, still));
   Round_Trip(mask, still);

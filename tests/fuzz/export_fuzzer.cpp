@@ -1,5 +1,4 @@
-// What is handed out of a decoder, on a screen of any depth or none: raster, palette, BMP and JPEG files, into buffers of any
-// size.
+// What a decoder gives its caller, on a screen of any depth or none: raster, palette, BMP and JPEG files, in buffers of any size.
 #include "fuzz/run.h"
 
 static Bytes Export(uint32_t mask, Input input) {

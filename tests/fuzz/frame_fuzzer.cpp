@@ -1,11 +1,11 @@
-// One frame of each form around the same body: the levels agree on its picture and its hidden text, bit for bit, and so do the
-// forms that carry the quality as it is.
+// One frame of each form around the same body: all levels decode the same picture and hidden text, bit for bit, and so do both
+// forms that carry the quality number itself.
 #include "decode/framing.h"
 #include "fuzz/run.h"
 
-/** What stays the same for all kernels and forms. */
+/** What is the same for all levels and forms. */
 struct Around {
-  Bytes before;  // A frame that the decoder has had.
+  Bytes before;  // An earlier frame.
   bool hook;
   uint8_t failure;
 };
@@ -42,10 +42,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const Bytes frame = Make_Frame(form, width, height, quality, body);
   Bytes both = around.before;
   both.insert(both.end(), frame.begin(), frame.end());
-  if (Announced_Pixels(both.data(), both.size()) > MostAnnounced) return 0;  // In a body may stand another head.
+  if (Announced_Pixels(both.data(), both.size()) > MostAnnounced) return 0;  // A body may contain another header.
   const Bytes picture = Decode(mask, around, frame);
   if (mask != KernelPlain && body.size() % 4 == 0) REQUIRE(picture == Decode(KernelPlain, around, frame));
-  // A search is not begun with fewer bytes, and in what another frame has left behind it may start elsewhere.
+  // With fewer bytes no search begins; among the remaining bytes of another frame it may start elsewhere.
   if (form == FrameForm::Prefixed && around.before.empty() && body.size() >= LeastSearchBytes - CompactHeadSize) {
     REQUIRE(picture == Decode(mask, around, Make_Frame(FrameForm::Compact, width, height, quality, body)));
   }

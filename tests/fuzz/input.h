@@ -1,4 +1,4 @@
-/* What the fuzzers make of an input: numbers, chunks and frames, read from its beginning on. Behind its end all is 0. */
+/* What the fuzzers read from an input: numbers, chunks and frames. After its end all is 0. */
 #pragma once
 
 #include "decode/frame_header.h"
@@ -20,7 +20,7 @@ struct Input {
     const int32_t low = Byte();
     return low | Byte() << 8;
   }
-  /** Any number, most often a small one; the extremes as well. */
+  /** Any number: most often a small one, sometimes an extreme. */
   int32_t Number() {
     const uint8_t kind = Byte();
     if (kind < 128) return kind;
@@ -37,7 +37,7 @@ struct Input {
   }
 };
 
-/** Pixels that the heads in a stream announce: large pictures would keep a fuzzer from everything else. */
+/** Pixels that the headers in a stream announce. Large pictures would take most of a fuzzer's time. */
 inline uint64_t Announced_Pixels(const uint8_t* data, size_t size) {
   uint64_t pixels = 0;
   const auto word = [&](size_t at, int low) { return (uint64_t)(data[at + low] | data[at + 1 - low] << 8); };
@@ -69,7 +69,7 @@ inline Bytes Make_Frame(FrameForm form, int32_t width, int32_t height, int32_t q
   return frame;
 }
 
-/** A frame of the next bytes: form, size of at most 48 by 48, quality, length, body. */
+/** A frame from the next bytes: form, size of at most 48 by 48, quality, length, body. */
 inline Bytes Next_Frame(Input* input) {
   const uint8_t form = input->Byte();
   const int32_t width = input->Byte() % 48 + 1, height = input->Byte() % 48 + 1, quality = input->Byte();

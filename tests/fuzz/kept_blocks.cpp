@@ -1,6 +1,5 @@
-// Large blocks of the library's heap, had from the system once: a decoder's stores mapped and unmapped for each input would be
-// most of what a fuzzer does. A kept block can't be touched, and of several of a size the one that was freed first is given out
-// again.
+// Keeps large heap blocks of the library for the next input: without this a fuzzer would spend most of its time mapping and
+// unmapping a decoder's stores. A kept block is poisoned. Of several blocks of a size the one freed first is used again first.
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>

@@ -1,5 +1,5 @@
-// Overlay calls with any argument, on pictures, windows and screens of any size and depth. The levels agree on what the window
-// shows, and nothing is written around a surface.
+// Overlay calls with any argument, on pictures, windows and screens of any size and depth. All levels show the same in the
+// window, and nothing is written outside a surface.
 #include "decode/decoder.h"
 #include "display/context.h"
 #include "fuzz/run.h"

@@ -1,4 +1,4 @@
-// A browser that calls the plug-in in any order, with any settings in the registry, messages to its window, and steps that fail.
+// A browser that calls the plug-in in any order, with any registry settings, messages to its window, and steps that fail.
 #include "fuzz/run.h"
 #include "platform/module.h"
 #include "plugin/attach.h"
@@ -26,7 +26,7 @@ void Pump() {
   for (int i = 0; i < 50 && PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE); ++i) DispatchMessageA(&message);
 }
 
-/** Values of some type and length under the names that are looked at. */
+/** Sets values of some type and length under the names that the plug-in reads. */
 void Draw_Registry(Input* input) {
   constexpr const char* names[] = {"Decoder_Speed",           "Mouse_LButton",
                                    "Mouse_RButton",           "MaxConnectionsPer1_0Server",
@@ -57,7 +57,7 @@ void Write(Browser* browser, NPP instance) {
 }
 
 void Message(Browser* browser, uint8_t detail) {
-  // Those that open the menu wait for its user.
+  // Without those that open the menu, which would wait for a user.
   constexpr UINT messages[] = {WM_PAINT,      WM_COMMAND, WM_SETCURSOR, EndStreamMessage,
                                GetUrlMessage, WM_APP,     WM_MOUSEMOVE, WM_COMMAND};
   const auto word = (WPARAM)(detail & 8 ? StartRecordingCommand : StopRecordingCommand);

@@ -1,7 +1,7 @@
-// Any bytes through the polling path, in chunks and into buffers of any size. What it hands out are the frames of the stream.
+// Any bytes through the polling path, in chunks and into buffers of any size. It gives the frames of the stream.
 #include "fuzz/run.h"
 
-/** Takes the stream apart; gives all frames and the last picture, one behind the other. */
+/** Polls the whole stream; returns all frames, then the last picture. */
 static Bytes Decode(uint32_t mask, Input input) {
   const Run run(mask);
   const uint8_t flags = input.Byte();

@@ -1,7 +1,7 @@
 // Any bytes through the pushing path, in chunks of any size.
 #include "fuzz/run.h"
 
-/** Decodes the stream and gives the last picture. */
+/** Decodes the stream and returns the last picture. */
 static Bytes Decode(uint32_t mask, Input input) {
   const Run run(mask);
   const uint8_t flags = input.Byte();

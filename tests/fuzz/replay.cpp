@@ -1,4 +1,4 @@
-// A fuzzer as a plain program, with any compiler: runs the inputs in the files and folders that it is given.
+// A fuzzer as a plain program, for any compiler: runs the inputs in the given files and folders.
 #include "fuzz/run.h"
 
 #include <filesystem>
@@ -9,7 +9,7 @@ static int files = 0;
 static void Replay(const std::filesystem::path& path) {
   std::ifstream file(path, std::ios::binary);
   const Bytes input(std::istreambuf_iterator<char>(file), {});
-  std::fprintf(stderr, "%s\n", path.string().c_str());  // The last one told is the one that broke it.
+  std::fprintf(stderr, "%s\n", path.string().c_str());  // If the program breaks, the last line names the input.
   LLVMFuzzerTestOneInput(input.data(), input.size());
   ++files;
 }

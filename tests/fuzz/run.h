@@ -1,4 +1,4 @@
-/* What fuzzers run with: kernels of a level, a screen with a window, steps that fail; and what must hold after an input. */
+/* The surroundings of a run: kernels of a level, a screen with a window, steps that fail, and what must hold afterwards. */
 #pragma once
 
 #include "fuzz/input.h"
@@ -15,7 +15,7 @@
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size);
 
 [[noreturn]] inline void Finding(const char* file, int line, const char* condition) {
-  std::fprintf(stderr, "%s:%d: not so: %s\n", file, line, condition);
+  std::fprintf(stderr, "%s:%d: false: %s\n", file, line, condition);
   std::abort();
 }
 #define REQUIRE(condition) ((condition) ? (void)0 : Finding(__FILE__, __LINE__, #condition))
@@ -27,7 +27,7 @@ inline void Let_Memory_Fail(uint8_t drawn) {
   if (drawn & 1) Rig_Fail(RigStep::Memory, drawn >> 2, drawn & 2 ? 1 : INT32_MAX);
 }
 
-/** A run of the library with kernels of that level, to be constructed first. After it nothing may be left alive. */
+/** A run of the library with kernels of that level; to be constructed first. When it ends, no object may be left alive. */
 struct Run {
   const bool started = JDEC_Init() != 0;
   const int32_t alive = Rig_Objects_Alive();
@@ -77,7 +77,7 @@ struct FuzzWindow {
   FuzzWindow(const FuzzWindow&) = delete;
   FuzzWindow& operator=(const FuzzWindow&) = delete;
 
-  /** One more, which the caller destroys. */
+  /** Makes another window, which the caller destroys. */
   HWND Another() const { return Make(101, 64); }
 
   Bytes Pixels() const {
@@ -87,8 +87,8 @@ struct FuzzWindow {
   }
 };
 
-/** Gives the input to `run` with kernels of a drawn level; then, if its size is a multiple of `oneIn`, with the plain ones too,
- *  which must come to the same. */
+/** Gives the input to `run` at the level that it selects. If its size is a multiple of `oneIn`, the plain kernels must give the
+ *  same result. */
 inline void Compare_With_Plain(const uint8_t* data, size_t size, size_t oneIn, Bytes (*run)(uint32_t mask, Input input)) {
   Input input = {data, size};
   const uint32_t mask = Draw_Level(&input);
@@ -96,7 +96,7 @@ inline void Compare_With_Plain(const uint8_t* data, size_t size, size_t oneIn, B
   if (mask != KernelPlain && size % oneIn == 0) REQUIRE(result == run(KernelPlain, input));
 }
 
-/** The current picture as a BMP file, in memory that ends where it does. */
+/** The current picture as a BMP file, in a buffer of exactly its size. */
 inline Bytes Picture_Of(JdecDecoder* decoder) {
   uint8_t none = 0;
   Bytes bmp((size_t)JDEC_get_decompressed_bitmap_ex2(decoder, &none, 1));

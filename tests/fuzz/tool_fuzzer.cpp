@@ -1,5 +1,5 @@
-// What the tool parses itself: multipart bodies, parts, picture files, addresses, options of overlays, and the walk along a
-// stream's frames. Where a stream is cut must not matter.
+// What the tool parses: multipart bodies, parts, picture files, addresses, options of overlays, and the frames of a stream. Where
+// the bytes are cut into chunks must not matter.
 #include "apps/velarto/overlays.h"
 #include "apps/velarto/picture_file.h"
 #include "apps/velarto/sources/multipart.h"
@@ -11,7 +11,7 @@
 
 namespace {
 
-/** Bytes that announce a picture so large that reading it, as it may be, takes seconds. */
+/** True for bytes that announce a legal picture so large that reading it takes seconds. */
 bool Jpeg_Too_Large(const Bytes& bytes) {
   for (size_t i = 0; i + 9 < bytes.size(); ++i) {
     if (bytes[i] != 0xFF || bytes[i + 1] < 0xC0 || bytes[i + 1] > 0xCF) continue;
@@ -20,7 +20,7 @@ bool Jpeg_Too_Large(const Bytes& bytes) {
   return false;
 }
 
-/** The bodies of the parts and their lengths, the body coming in chunks. */
+/** The bodies of the parts and their lengths, read in chunks. */
 Bytes Parts(Input input, size_t chunk, const std::string& boundary) {
   Multipart multipart;
   multipart.boundary = boundary;
@@ -35,7 +35,7 @@ Bytes Parts(Input input, size_t chunk, const std::string& boundary) {
   return all;
 }
 
-/** Place, form and head of each frame; with the bytes in chunks. */
+/** Offset, form, size, quality and length of each frame, read in chunks. */
 std::vector<int64_t> Frames(Input input, size_t chunk) {
   FrameWalk walk;
   std::vector<int64_t> all;
@@ -66,7 +66,7 @@ void Read_Part(uint32_t mask, const Bytes& bytes) {
   PartConverter converter;
   Bytes stream;
   if (Jpeg_Too_Large(bytes) || !Part_To_Frame(&converter, bytes, &stream)) return;
-  // A search begins with that many bytes, more than the shortest frames have.
+  // A search needs this many bytes, more than the shortest frames have.
   stream.resize(stream.size() + LeastSearchBytes);
   FrameWalk walk;
   WalkedFrame frame;
@@ -80,7 +80,7 @@ void Read_Address(const std::string& name) {
   REQUIRE(title.size() <= name.size() || name == "-");
   const size_t host = title.find("://");
   if (host != std::string::npos) {
-    // Neither user nor password is shown.
+    // A title shows neither user nor password.
     REQUIRE(title.substr(host + 3, title.find_first_of("/?#", host + 3) - host - 3).find('@') == std::string::npos);
   }
   std::string boundary;
@@ -88,7 +88,7 @@ void Read_Address(const std::string& name) {
   REQUIRE(boundary.size() <= name.size() && Url_Is_Http(name) <= (name.size() >= 7) && Source_Live(name) <= !name.empty());
 }
 
-/** Words of a command line. Files that they may name are in this folder, where none of them is. */
+/** Parses words of a command line. Without slashes they can name files of the working folder only, where there are none. */
 void Read_Options(const std::string& line) {
   CLI::App app;
   OverlayOptions options;
