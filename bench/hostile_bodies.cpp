@@ -195,9 +195,9 @@ std::vector<HostileBody> Hostile_Bodies(size_t count, const Bytes& good) {
 }
 
 Bytes Compact_Frame(int32_t width, int32_t height, int32_t quality, const Bytes& body) {
-  Bytes frame(CompactHeadSize + body.size());
-  Compact_Header_Put(frame.data(), static_cast<int32_t>(body.size()), width, height, quality);
-  std::copy(body.begin(), body.end(), frame.begin() + CompactHeadSize);
+  Bytes frame(CompactHeaderSize + body.size());
+  Compact_Put_Header(frame.data(), static_cast<int32_t>(body.size()), width, height, quality);
+  std::copy(body.begin(), body.end(), frame.begin() + CompactHeaderSize);
   return frame;
 }
 
@@ -212,11 +212,11 @@ Bytes Prefixed_Frame(int32_t width, int32_t height, int32_t quality, const Bytes
 Bytes Jfif_Frame(int32_t width, int32_t height, int32_t quality, const Bytes& body) {
   uint16_t luma[64], chroma[64];
   Quant_Build(quality, luma, chroma);
-  Bytes frame(JfifHeadSize + body.size());
+  Bytes frame(JfifHeaderSize + body.size());
   JfifCursor head = {frame.data(), 0};
   JFIF_Write_Header(&head, width, height, luma, chroma);
-  std::copy(body.begin(), body.end(), frame.begin() + JfifHeadSize);
-  for (size_t i = JfifHeadSize; i + 1 < frame.size(); ++i) {
+  std::copy(body.begin(), body.end(), frame.begin() + JfifHeaderSize);
+  for (size_t i = JfifHeaderSize; i + 1 < frame.size(); ++i) {
     if (frame[i] == 0xFF && frame[i + 1] == 0xD9) frame[i + 1] = 0xD8;
   }
   if (frame.back() == 0xFF) frame.back() = 0;

@@ -159,7 +159,7 @@ double Ratio(JdecDecoder* decoder, const Bytes& frame, const Bytes& good, int32_
 
 /** The hostile frames of a size, each in one of the forms that can carry it. */
 std::vector<NamedFrame> Hostile_Frames(PictureSize size, const Bytes& good) {
-  const Bytes goodBody(good.begin() + JfifHeadSize, good.end() - 2);
+  const Bytes goodBody(good.begin() + JfifHeaderSize, good.end() - 2);
   constexpr size_t longestPrefixed = FrameStoreSize - LeastSearchBytes, longestJfif = FrameStoreSize - LeastJfifBytes;
   std::vector<NamedFrame> frames = {{"no data", Compact_Frame(size.width, size.height, 50, {})}};
   for (const size_t count : {size_t{700}, size_t{60000}, longestPrefixed}) {

@@ -56,13 +56,13 @@ int32_t Read_Frame_Header(const uint8_t* frame, int32_t length, FrameForm form, 
     return header->dataOffset >= 0 && Parse_JFIF_Header(frame, &header->width, &header->height, &header->quality);
   }
   const int32_t compact = form == FrameForm::Prefixed ? PrefixSize : 0;
-  header->dataOffset = compact + CompactHeadSize;
+  header->dataOffset = compact + CompactHeaderSize;
   if (length < header->dataOffset) return 0;
   Parse_Compact_Header(frame + compact, &header->width, &header->height, &header->quality);
   return 1;
 }
 
-int32_t Compact_Length(const uint8_t* data) { return Little_Word(data + CompactBodyLength) + CompactHeadSize; }
+int32_t Compact_Length(const uint8_t* data) { return Little_Word(data + CompactBodyLength) + CompactHeaderSize; }
 
 int64_t Prefixed_Length(const uint8_t* data) {
   const int32_t low = Compact_Length(data + PrefixSize) & 0xFFFF;
@@ -77,7 +77,7 @@ void Parse_Compact_Header(const uint8_t* data, int32_t* width, int32_t* height, 
 
 bool Prefix_Skips_Recording(const uint8_t* data) { return (data[PrefixFlags] & PrefixSkipRecording) != 0; }
 
-void Compact_Header_Put(uint8_t* data, int32_t bodyLength, int32_t width, int32_t height, int32_t quality) {
+void Compact_Put_Header(uint8_t* data, int32_t bodyLength, int32_t width, int32_t height, int32_t quality) {
   Put_Little_Word(data, 0xD8FF);
   Compact_Set_Body_Length(data, bodyLength);
   Put_Little_Word(data + CompactWidth, width);
@@ -87,8 +87,8 @@ void Compact_Header_Put(uint8_t* data, int32_t bodyLength, int32_t width, int32_
 }
 
 void Compact_Write_Head(JdecCodec* codec) {
-  Compact_Header_Put(codec->frame->data, 0, codec->width, codec->height, codec->quality);
-  codec->frame->length += CompactHeadSize;
+  Compact_Put_Header(codec->frame->data, 0, codec->width, codec->height, codec->quality);
+  codec->frame->length += CompactHeaderSize;
 }
 
 void Compact_Set_Body_Length(uint8_t* data, int32_t bodyLength) { Put_Little_Word(data + CompactBodyLength, bodyLength); }
@@ -111,7 +111,7 @@ int32_t Parse_JFIF_Header(const uint8_t* data, int32_t* width, int32_t* height, 
 }
 
 int32_t Find_Scan_Data(const uint8_t* data) {
-  for (int32_t i = 0; i < JfifHeadSize; ++i) {
+  for (int32_t i = 0; i < JfifHeaderSize; ++i) {
     if (Marker_At(data + i, 0xDA)) return i + SosSize;
   }
   return -1;

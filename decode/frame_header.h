@@ -11,11 +11,11 @@
 
 enum class FrameForm { Compact, Prefixed, Jfif };
 
-constexpr int32_t CompactHeadSize = 12;
+constexpr int32_t CompactHeaderSize = 12;
 constexpr int32_t PrefixSize = 14;
-constexpr int32_t JfifHeadSize = 623;
+constexpr int32_t JfifHeaderSize = 623;
 /** Fixed header and end marker. */
-constexpr int32_t LeastJfifBytes = JfifHeadSize + 2;
+constexpr int32_t LeastJfifBytes = JfifHeaderSize + 2;
 
 /** Size and quality of a frame, and the offset of its entropy-coded data from its first byte. */
 struct FrameHeader {
@@ -36,7 +36,7 @@ bool Compact_Head_At(const uint8_t* data);
 bool Prefix_At(const uint8_t* data);
 /** The start of a JFIF image, 10 bytes. */
 bool Jfif_Start_At(const uint8_t* data);
-/** The markers of a fixed JFIF header at their places, JfifHeadSize bytes: DQT and SOF0, and the scan's if asked. */
+/** The markers of a fixed JFIF header at their places, JfifHeaderSize bytes: DQT and SOF0, and the scan's if asked. */
 bool Jfif_Markers_At(const uint8_t* data, bool scan);
 
 /* ---- Compact and prefixed frames --------------------------------------------------------------------------------------------
@@ -54,11 +54,11 @@ bool Prefix_Skips_Recording(const uint8_t* data);
 /** Size and quality from a compact header at data. */
 void Parse_Compact_Header(const uint8_t* data, int32_t* width, int32_t* height, int32_t* quality);
 
-/** Writes a compact header, CompactHeadSize bytes; of the body's length its low 16 bits. */
-void Compact_Header_Put(uint8_t* data, int32_t bodyLength, int32_t width, int32_t height, int32_t quality);
+/** Writes a compact header, CompactHeaderSize bytes; of the body's length its low 16 bits. */
+void Compact_Put_Header(uint8_t* data, int32_t bodyLength, int32_t width, int32_t height, int32_t quality);
 
 /** Writes the compact header of the codec's size and quality to the start of its frame store, for a body without bytes, and adds
- *  CompactHeadSize to the frame's length. */
+ *  CompactHeaderSize to the frame's length. */
 void Compact_Write_Head(JdecCodec* codec);
 
 /** Stores the low 16 bits of the body's length in the compact header at data. */
@@ -82,7 +82,7 @@ struct JfifCursor {
   int32_t count;
 };
 
-/** Writes the fixed header of a JFIF frame, JfifHeadSize bytes. The quantisation tables are in natural order, entries 1 to
+/** Writes the fixed header of a JFIF frame, JfifHeaderSize bytes. The quantisation tables are in natural order, entries 1 to
  *  255. */
 void JFIF_Write_Header(JfifCursor* cursor, int32_t width, int32_t height, const uint16_t* luma, const uint16_t* chroma);
 

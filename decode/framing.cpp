@@ -11,7 +11,7 @@ struct Start {
 
 static Start Walk(const uint8_t* data, int32_t count, bool strict) {
   int32_t i = 0;
-  while (i < count - (CompactHeadSize - 1)) {
+  while (i < count - (CompactHeaderSize - 1)) {
     if (data[i] != 0xFF) {
       const void* const next = std::memchr(data + i, 0xFF, static_cast<size_t>(count - i));
       if (!next) break;

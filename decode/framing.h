@@ -6,7 +6,7 @@
 #include <cstdint>
 
 /** Prefix and compact header: with fewer bytes a search is not begun. */
-constexpr int32_t LeastSearchBytes = PrefixSize + CompactHeadSize;
+constexpr int32_t LeastSearchBytes = PrefixSize + CompactHeaderSize;
 
 /** Finds the first frame start. A JFIF start with fewer than LeastJfifBytes behind it is passed over. Gives its offset (that of
  *  the prefix for a prefixed frame) and says which form it has; or -1, with the out fields as they were. */

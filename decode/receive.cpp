@@ -203,7 +203,7 @@ int32_t VELARTO_CDECL JDEC_Receive_Data_2(JdecDecoder* decoder, const uint8_t* d
   if (!decoder || !data || length == 0 || length > static_cast<uint32_t>(StreamBufferSize - decoder->assemblyFill)) return 0;
   std::memcpy(decoder->assemblyBuffer + decoder->assemblyFill, data, length);
   decoder->assemblyFill += static_cast<int32_t>(length);
-  return std::max(JfifHeadSize - decoder->assemblyFill, 0);
+  return std::max(JfifHeaderSize - decoder->assemblyFill, 0);
 }
 
 /** Results of JDEC_Check_Decode_Frame. */

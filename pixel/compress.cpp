@@ -66,7 +66,7 @@ static void Open_Store(JdecCodec* codec, bool withMarkers) {
 /** Ends the frame after its data. Gives the frame's length; 0, with an empty store, when the frame is longer than the store. */
 static int32_t Close_Store(JdecCodec* codec, bool withMarkers) {
   JdecFrameBuffer* const frame = codec->frame;
-  const int32_t endSize = withMarkers ? LeastJfifBytes - JfifHeadSize : 0;
+  const int32_t endSize = withMarkers ? LeastJfifBytes - JfifHeaderSize : 0;
   if (frame->length > FrameStoreSize - endSize) {
     frame->length = 0;
     return 0;
@@ -76,7 +76,7 @@ static int32_t Close_Store(JdecCodec* codec, bool withMarkers) {
     JFIF_Write_EOI(&end);
     frame->length = end.count;
   } else {
-    Compact_Set_Body_Length(frame->data, frame->length - CompactHeadSize);
+    Compact_Set_Body_Length(frame->data, frame->length - CompactHeaderSize);
   }
   return frame->length;
 }
@@ -126,11 +126,11 @@ static int32_t Write_Compact(JdecCodec* codec, FILE* stream, const uint8_t* data
   int32_t width = 0, height = 0, quality = 0;
   Parse_Compact_Header(data, &width, &height, &quality);
   Codec_Set_Quality(codec, quality);
-  uint8_t scratch[JfifHeadSize];
+  uint8_t scratch[JfifHeaderSize];
   JfifCursor cursor = {scratch, 0};
   JFIF_Write_Header(&cursor, width, height, codec->lumaQuant, codec->chromaQuant);
   Write_Bytes(stream, scratch, cursor.count);
-  Write_Bytes(stream, data + CompactHeadSize, length - CompactHeadSize);
+  Write_Bytes(stream, data + CompactHeaderSize, length - CompactHeaderSize);
   cursor = {scratch, 0};
   JFIF_Write_EOI(&cursor);
   return Write_Bytes(stream, scratch, cursor.count);
@@ -142,7 +142,7 @@ int32_t Codec_Write_JFIF_File(JdecCodec* codec, FILE* stream) {
   int32_t isJfif = 0, hasPrefix = 0;
   if (Frame_Sync(frame->data, frame->length, &isJfif, &hasPrefix) != 0) return 0;
   if (isJfif) {
-    const int32_t endSize = LeastJfifBytes - JfifHeadSize;
+    const int32_t endSize = LeastJfifBytes - JfifHeaderSize;
     Write_Bytes(stream, frame->data, frame->length - endSize);
     return Write_Bytes(stream, frame->data + frame->length - endSize, endSize);
   }

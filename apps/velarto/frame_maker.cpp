@@ -8,7 +8,7 @@
 #include <cstring>
 
 /** Longest compact frame whose length fits its header. */
-static constexpr int32_t LongestCompact = 0xFFFF + CompactHeadSize;
+static constexpr int32_t LongestCompact = 0xFFFF + CompactHeaderSize;
 
 /** A JFIF header for a frame's own quality number. */
 static void Write_Header(JfifCursor* cursor, int32_t width, int32_t height, int32_t frameQuality) {
@@ -69,13 +69,13 @@ bool Frame_Make(JdecDecoder* decoder, const Picture& picture, const FrameStyle& 
 
 std::vector<uint8_t> Frame_To_Jfif(std::span<const uint8_t> frame, FrameForm form) {
   const auto compact = frame.subspan(form == FrameForm::Prefixed ? PrefixSize : 0);
-  const auto body = compact.subspan(CompactHeadSize);
+  const auto body = compact.subspan(CompactHeaderSize);
   int32_t width = 0, height = 0, quality = 0;
   Parse_Compact_Header(compact.data(), &width, &height, &quality);
   std::vector<uint8_t> jfif(LeastJfifBytes + body.size());
   JfifCursor cursor = {jfif.data(), 0};
   Write_Header(&cursor, width, height, quality);
-  std::memcpy(&jfif[JfifHeadSize], body.data(), body.size());
+  std::memcpy(&jfif[JfifHeaderSize], body.data(), body.size());
   cursor.next += body.size();
   JFIF_Write_EOI(&cursor);
   return jfif;

@@ -67,7 +67,7 @@ static bool Find_Start(FrameWalk* walk) {
       return true;
     }
     if (wanted == 0) {
-      Pass_Searched(walk, static_cast<size_t>(count - (CompactHeadSize - 1)));
+      Pass_Searched(walk, static_cast<size_t>(count - (CompactHeaderSize - 1)));
       walk->wanted = Held(*walk) + 1;
       return false;
     }
@@ -105,7 +105,7 @@ static void Read_Fields(const FrameWalk& walk, WalkedFrame* frame) {
     return;
   }
   const int32_t prefix = walk.form == FrameForm::Prefixed ? PrefixSize : 0;
-  if (length >= prefix + CompactHeadSize) Parse_Compact_Header(header + prefix, &frame->width, &frame->height, &frame->quality);
+  if (length >= prefix + CompactHeaderSize) Parse_Compact_Header(header + prefix, &frame->width, &frame->height, &frame->quality);
 }
 
 bool Walk_Next(FrameWalk* walk, WalkedFrame* frame) {

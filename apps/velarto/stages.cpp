@@ -21,7 +21,7 @@ static double Lap(Clock::time_point* mark) {
 
 static int32_t Data_Offset(const WalkedFrame& frame) {
   if (frame.form == FrameForm::Jfif) return Find_Scan_Data(frame.bytes.data());
-  return frame.form == FrameForm::Prefixed ? PrefixSize + CompactHeadSize : CompactHeadSize;
+  return frame.form == FrameForm::Prefixed ? PrefixSize + CompactHeaderSize : CompactHeaderSize;
 }
 
 static void Time_Rows(JdecCodec* codec, StageTimes* times) {

@@ -40,7 +40,7 @@ static void Round_Trip(uint32_t mask, const Still& still) {
   if (Codec_Transform_RGB888(codec, still.quality, still.pixels.data(), still.doubleRows != 0)) {
     const std::vector<int32_t> encoded = Coefficients(*codec);
     if (Codec_Encode_Store(codec, still.withMarkers != 0)) {
-      codec->frame->position = still.withMarkers ? JfifHeadSize : CompactHeadSize;
+      codec->frame->position = still.withMarkers ? JfifHeaderSize : CompactHeaderSize;
       Huff_Decode_Frame(codec, codec->coefY, codec->coefCb, codec->coefCr, codec->width, codec->height, codec->frame);
       REQUIRE(encoded == Coefficients(*codec));
     }

@@ -46,7 +46,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const Bytes picture = Decode(mask, around, frame);
   if (mask != KernelPlain && body.size() % 4 == 0) REQUIRE(picture == Decode(KernelPlain, around, frame));
   // With fewer bytes no search begins; among the remaining bytes of another frame it may start elsewhere.
-  if (form == FrameForm::Prefixed && around.before.empty() && body.size() >= LeastSearchBytes - CompactHeadSize) {
+  if (form == FrameForm::Prefixed && around.before.empty() && body.size() >= LeastSearchBytes - CompactHeaderSize) {
     REQUIRE(picture == Decode(mask, around, Make_Frame(FrameForm::Compact, width, height, quality, body)));
   }
   return 0;

@@ -56,13 +56,13 @@ inline Bytes Make_Frame(FrameForm form, int32_t width, int32_t height, int32_t q
   if (form == FrameForm::Jfif) {
     uint16_t luma[64], chroma[64];
     Quant_Build(quality, luma, chroma);
-    frame.resize(JfifHeadSize);
+    frame.resize(JfifHeaderSize);
     JfifCursor cursor = {frame.data(), 0};
     JFIF_Write_Header(&cursor, width, height, luma, chroma);
   } else {
     if (form == FrameForm::Prefixed) frame = {0xF6, 0, 0xFF, 0, 0xF9, 0x11, 0xDD, 0x22, 0, 0x33, 0x44, 0x55, 0xC5, 0x66};
-    frame.resize(frame.size() + CompactHeadSize);
-    Compact_Header_Put(&frame[frame.size() - CompactHeadSize], (int32_t)body.size(), width, height, quality);
+    frame.resize(frame.size() + CompactHeaderSize);
+    Compact_Put_Header(&frame[frame.size() - CompactHeaderSize], (int32_t)body.size(), width, height, quality);
   }
   frame.insert(frame.end(), body.begin(), body.end());
   if (form == FrameForm::Jfif) frame.insert(frame.end(), {0xFF, 0xD9});

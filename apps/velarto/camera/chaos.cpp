@@ -21,7 +21,7 @@ static bool Happens(Chaos* chaos, double probability) {
 /** Changes bytes of the entropy-coded data. */
 static void Corrupt(Chaos* chaos, FrameForm form, std::vector<uint8_t>* bytes) {
   const bool jfif = form == FrameForm::Jfif;
-  const size_t first = jfif ? JfifHeadSize : form == FrameForm::Prefixed ? LeastSearchBytes : CompactHeadSize;
+  const size_t first = jfif ? JfifHeaderSize : form == FrameForm::Prefixed ? LeastSearchBytes : CompactHeaderSize;
   const size_t end = bytes->size() - std::min<size_t>(bytes->size(), jfif ? 2 : 0);
   if (end <= first) return;
   for (size_t i = Between(chaos, 1, MostFlips); i > 0; --i) {
@@ -31,8 +31,8 @@ static void Corrupt(Chaos* chaos, FrameForm form, std::vector<uint8_t>* bytes) {
 
 /** A header that announces `length` bytes after it, at most 65535. */
 static std::vector<uint8_t> False_Compact(size_t length) {
-  std::vector<uint8_t> header(CompactHeadSize);
-  Compact_Header_Put(header.data(), static_cast<int32_t>(std::min<size_t>(length, 65535)), 320, 240, 50);
+  std::vector<uint8_t> header(CompactHeaderSize);
+  Compact_Put_Header(header.data(), static_cast<int32_t>(std::min<size_t>(length, 65535)), 320, 240, 50);
   return header;
 }
 
@@ -47,7 +47,7 @@ static std::vector<uint8_t> False_Start(Chaos* chaos, size_t room) {
     case 2: {
       uint16_t luma[64], chroma[64];
       Quant_Build(50, luma, chroma);
-      start.resize(JfifHeadSize);
+      start.resize(JfifHeaderSize);
       JfifCursor cursor = {start.data(), 0};
       JFIF_Write_Header(&cursor, 320, 240, luma, chroma);
       return start;
@@ -70,7 +70,7 @@ static void Add_Garbage(Chaos* chaos, std::vector<uint8_t>* bytes) {
   if (Happens(chaos, 0.5)) {
     const size_t place = Between(chaos, 0, garbage.size() - 1);
     const size_t room = garbage.size() - place;
-    auto start = False_Start(chaos, room > JfifHeadSize ? room - JfifHeadSize + bytes->size() : 0);
+    auto start = False_Start(chaos, room > JfifHeaderSize ? room - JfifHeaderSize + bytes->size() : 0);
     start.resize(std::min(start.size(), room));
     std::copy(start.begin(), start.end(), garbage.begin() + static_cast<std::ptrdiff_t>(place));
   }

@@ -22,11 +22,11 @@ static bool Jfif_As_Assumed(std::span<const uint8_t> part) {
   if (width % 16 != 0 || height % 16 != 0 || !Picture_Size_Allowed(width, height)) return false;
   uint16_t luma[64], chroma[64];
   Quant_Build(quality, luma, chroma);
-  uint8_t header[JfifHeadSize];
+  uint8_t header[JfifHeaderSize];
   JfifCursor cursor = {header, 0};
   JFIF_Write_Header(&cursor, width, height, luma, chroma);
   return std::equal(header, header + JfifFreeBegin, part.begin()) &&
-         std::equal(header + JfifFreeEnd, header + JfifHeadSize, part.begin() + JfifFreeEnd);
+         std::equal(header + JfifFreeEnd, header + JfifHeaderSize, part.begin() + JfifFreeEnd);
 }
 
 /** Length of the frame that the part starts with; 0 if it is incomplete. */
@@ -43,7 +43,7 @@ static size_t Frame_Length(std::span<const uint8_t> part, bool jfif) {
   Parse_Compact_Header(header, &width, &height, &quality);
   const int64_t length = compact ? Compact_Length(header) : Prefixed_Length(part.data());
   // The low half of a prefixed length wraps: the length may be less than the header's.
-  const bool whole = length >= prefix + CompactHeadSize && length <= count;
+  const bool whole = length >= prefix + CompactHeaderSize && length <= count;
   return whole && Picture_Size_Allowed(width, height) ? static_cast<size_t>(length) : 0;
 }
 
