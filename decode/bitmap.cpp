@@ -1,4 +1,4 @@
-/* The current picture for callers: the raster as it stands, or a BMP file made from the planes (velarto.h). */
+/* The current picture for callers: the raster itself, or a BMP file made from the planes (velarto.h). */
 #include "decode/decoder.h"
 #include "display/palette.h"
 #include "pixel/arena.h"
@@ -6,7 +6,7 @@
 
 #include <cstring>
 
-static constexpr int32_t BmpHeadSize = 54, BmpInfoSize = 40;
+static constexpr int32_t BmpHeaderSize = 54, BmpInfoSize = 40;
 
 static uint8_t* Put_Word(uint8_t* p, uint32_t value) {
   p[0] = static_cast<uint8_t>(value);
@@ -16,13 +16,13 @@ static uint8_t* Put_Word(uint8_t* p, uint32_t value) {
 
 static uint8_t* Put_Long(uint8_t* p, uint32_t value) { return Put_Word(Put_Word(p, value & 0xFFFF), value >> 16); }
 
-static void Put_Bmp_Head(uint8_t* p, int32_t width, int32_t height, int32_t fileSize) {
-  std::memset(p, 0, BmpHeadSize);
+static void Put_BMP_Header(uint8_t* p, int32_t width, int32_t height, int32_t fileSize) {
+  std::memset(p, 0, BmpHeaderSize);
   *p++ = 'B';
   *p++ = 'M';
   p = Put_Long(p, static_cast<uint32_t>(fileSize));
   p = Put_Long(p, 0);
-  p = Put_Long(p, BmpHeadSize);
+  p = Put_Long(p, BmpHeaderSize);
   p = Put_Long(p, BmpInfoSize);
   p = Put_Long(p, static_cast<uint32_t>(width));
   p = Put_Long(p, static_cast<uint32_t>(height));
@@ -30,7 +30,7 @@ static void Put_Bmp_Head(uint8_t* p, int32_t width, int32_t height, int32_t file
   Put_Word(p, 24);
 }
 
-/** The store of a raster begins with the bottom row. */
+/** A raster's pixels begin with the bottom row. */
 static uint8_t* Raster_Store(const JdecRaster* raster) { return raster->rows[raster->height - 1]; }
 
 static int32_t Format_Of_Depth(int32_t bitsPerPixel) {
@@ -67,7 +67,7 @@ int32_t VELARTO_CDECL JDEC_get_decompressed_bitmap_ex2(JdecDecoder* decoder, uin
   if (!decoder || !buffer || capacity == 0) return 0;
   const JdecCodec* const codec = decoder->codec;
   const int32_t pitch = codec->width * 3;
-  const int32_t size = pitch * codec->height + BmpHeadSize;
+  const int32_t size = pitch * codec->height + BmpHeaderSize;
   if (capacity < size) return size;
 
   // A raster without pixels of its own: the converter writes into the caller's buffer.
@@ -77,9 +77,9 @@ int32_t VELARTO_CDECL JDEC_get_decompressed_bitmap_ex2(JdecDecoder* decoder, uin
   auto* const raster = static_cast<JdecRaster*>(Arena_Alloc(sizeof(JdecRaster), &arena));
   auto** const table = static_cast<uint8_t**>(Arena_Alloc(rows * sizeof(uint8_t*), &arena));
   *raster = {codec->width, codec->height, 24, pitch, table};
-  uint8_t* row = buffer + BmpHeadSize;
+  uint8_t* row = buffer + BmpHeaderSize;
   for (int32_t i = codec->height - 1; i >= 0; --i, row += pitch) raster->rows[i] = row;
-  Put_Bmp_Head(buffer, codec->width, codec->height, size);
+  Put_BMP_Header(buffer, codec->width, codec->height, size);
   YCC_To_RGB24(codec->planes, raster);
   Arena_Free(raster);
   return size;

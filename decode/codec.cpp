@@ -5,8 +5,8 @@
 #include "decode/watermark.h"
 #include "pixel/arena.h"
 
-int32_t Picture_Size_Allowed(int32_t width, int32_t height) {
-  if (width < 1 || height < 1 || width > MaxPictureSide || height > MaxPictureSide) return 0;
+bool Picture_Size_Allowed(int32_t width, int32_t height) {
+  if (width < 1 || height < 1 || width > MaxPictureSide || height > MaxPictureSide) return false;
   return int64_t{width / 16} * (height / 16) <= MaxMacroblocks && int64_t{width} * height <= int64_t{MaxMacroblocks} * 256;
 }
 
@@ -14,7 +14,7 @@ int32_t** Coef_Plane_New(int32_t width, int32_t height) {
   const size_t rows = static_cast<size_t>(height / 8);
   // A row holds width * 8 words, of which those of whole blocks are used.
   const size_t rowBytes = static_cast<size_t>(width) * 8 * sizeof(int32_t);
-  // At least one byte: a plane without rows is a plane too.
+  // At least one byte, so that a plane without rows isn't null.
   auto* arena = static_cast<uint8_t*>(Arena_Alloc_Zeroed(rows * (rowBytes + sizeof(int32_t*)) + 1));
   if (!arena) return nullptr;
   auto** const table = static_cast<int32_t**>(Arena_Alloc(rows * sizeof(int32_t*), &arena));

@@ -10,8 +10,9 @@
 #include <mutex>
 
 LONG jdecInitCount = 0;
-/** Whoever starts the library, on whatever thread, finds the tables there when JDEC_Init returns. */
+/** The tables are ready when JDEC_Init returns, on whatever thread it is called. */
 static std::mutex initLock;
+
 int32_t VELARTO_CDECL JDEC_Init(void) {
   const std::lock_guard guard(initLock);
   if (++jdecInitCount == 1) Init_Global_Tables();
@@ -25,20 +26,19 @@ void VELARTO_CDECL JDEC_Exit(void) {
   jdecInitCount = 0;
 }
 
-/** Gives the decoder all that it owns, which Decoder_Release can take back however far this came. 0 when something can't be had.
- */
-static int32_t Decoder_Fill(JdecDecoder* decoder) {
+/** Allocates what the decoder owns. False without memory; Decoder_Release then frees what is there. */
+static bool Decoder_Fill(JdecDecoder* decoder) {
   decoder->codec = Codec_New(decoder->width, decoder->height);
-  if (!decoder->codec) return 0;
+  if (!decoder->codec) return false;
   Codec_Set_Quality(decoder->codec, StartQuality);
   decoder->assemblyBuffer = static_cast<uint8_t*>(Arena_Alloc(StreamBufferSize, nullptr));
   decoder->ringStart = static_cast<uint8_t*>(Arena_Alloc(StreamBufferSize, nullptr));
-  if (!decoder->assemblyBuffer || !decoder->ringStart || !Build_Rasters(decoder)) return 0;
+  if (!decoder->assemblyBuffer || !decoder->ringStart || !Build_Rasters(decoder)) return false;
   decoder->ringSize = StreamBufferSize;
   decoder->ringEnd = decoder->ringStart + StreamBufferSize;
   decoder->ringRead = decoder->ringWrite = decoder->ringStart;
   decoder->lock = CreateMutexA(nullptr, FALSE, nullptr);
-  if (!decoder->lock) return 0;
+  if (!decoder->lock) return false;
   decoder->speedState = Speed_Holder_New();
   return decoder->speedState != nullptr;
 }
@@ -81,17 +81,17 @@ void VELARTO_CDECL JDEC_Flush(JdecDecoder* decoder) {
   Redraw_Frame(decoder);
 }
 
-/** Gives the decoder a headless raster. */
-static int32_t Go_Headless(JdecDecoder* decoder) {
+/** Makes the decoder headless. False, with nothing changed, without memory for its raster. */
+static bool Decoder_Go_Headless(JdecDecoder* decoder) {
   const int32_t before = decoder->headless;
   decoder->headless = 1;
-  if (Build_Rasters(decoder)) return 1;
+  if (Build_Rasters(decoder)) return true;
   decoder->headless = before;
-  return 0;
+  return false;
 }
 
-/** Hands the decoder its display, with the draw callback that was kept for it. */
-static void Adopt_Display(JdecDecoder* decoder, JdecDisplay* display) {
+/** Stores the decoder's display and gives it the draw callback that was kept. */
+static void Decoder_Adopt_Display(JdecDecoder* decoder, JdecDisplay* display) {
   WaitForSingleObject(decoder->lock, INFINITE);
   display->drawCallback = decoder->keptCallback;
   display->drawCallbackUser = decoder->keptCallbackUser;
@@ -99,25 +99,25 @@ static void Adopt_Display(JdecDecoder* decoder, JdecDisplay* display) {
   ReleaseMutex(decoder->lock);
 }
 
-/** Gives the decoder a display for the window, and a raster of the display's depth. */
-static int32_t Show_In(JdecDecoder* decoder, HWND window) {
+/** Makes a display for the window, and a raster of the display's depth. False, with nothing changed, if one can't be made. */
+static bool Decoder_Show_In(JdecDecoder* decoder, HWND window) {
   JdecDisplay* const display = Display_Create(window, decoder->width, decoder->height);
-  if (!display) return 0;
+  if (!display) return false;
   const int32_t before = decoder->headless;
   decoder->headless = 0;
   if (decoder->codec->raster->bitsPerPixel != display->displayBits && !Build_Rasters(decoder)) {
     decoder->headless = before;
     Display_Destroy(display);
-    return 0;
+    return false;
   }
-  Adopt_Display(decoder, display);
+  Decoder_Adopt_Display(decoder, display);
   GetClientRect(window, &decoder->srcRect);
-  return 1;
+  return true;
 }
 
 int32_t VELARTO_CDECL JDEC_Draw_Init(JdecDecoder* decoder, VelartoWindow window) {
   if (!decoder || decoder->display || (window && !IsWindow(window))) return 0;
-  if (!(window ? Show_In(decoder, window) : Go_Headless(decoder))) return 0;
+  if (!(window ? Decoder_Show_In(decoder, window) : Decoder_Go_Headless(decoder))) return 0;
   decoder->window = window;
   return 1;
 }
@@ -144,7 +144,7 @@ void VELARTO_CDECL JDEC_get_size(JdecDecoder* decoder, int32_t* width, int32_t* 
 
 int32_t VELARTO_CDECL JDEC_Get_Quality(JdecDecoder* decoder) { return decoder ? decoder->codec->quality : 0; }
 
-/** Buffers of a new picture size, had before anything old is let go. */
+/** Buffers of a new picture size, allocated before the old ones are freed. */
 struct SizedBuffers {
   int32_t** coefY;
   int32_t** coefCb;
@@ -170,8 +170,8 @@ static void Codec_Exchange_Buffers(JdecCodec* codec, const SizedBuffers& buffers
   codec->planes = buffers.planes;
 }
 
-/** Takes the display of the old size away. What it calls back is kept for the new one, and may be changed meanwhile. */
-static void Begin_Size_Change(JdecDecoder* decoder) {
+/** Destroys the display of the old size. Its draw callback is kept for the new one; another thread may replace it until then. */
+static void Decoder_Begin_Size_Change(JdecDecoder* decoder) {
   WaitForSingleObject(decoder->lock, INFINITE);
   const JdecDisplay* const old = decoder->display;
   decoder->keptCallback = old ? old->drawCallback : nullptr;
@@ -183,7 +183,7 @@ static void Begin_Size_Change(JdecDecoder* decoder) {
   ReleaseMutex(decoder->lock);
 }
 
-static void End_Size_Change(JdecDecoder* decoder) {
+static void Decoder_End_Size_Change(JdecDecoder* decoder) {
   WaitForSingleObject(decoder->lock, INFINITE);
   decoder->sizeChanging = 0;
   decoder->keptCallback = nullptr;
@@ -191,27 +191,27 @@ static void End_Size_Change(JdecDecoder* decoder) {
   ReleaseMutex(decoder->lock);
 }
 
-int32_t Decoder_Change_Size(JdecDecoder* decoder, int32_t width, int32_t height) {
+bool Decoder_Change_Size(JdecDecoder* decoder, int32_t width, int32_t height) {
   // A decoder that has never had a window becomes headless with its first change.
-  const int32_t headless = decoder->window == nullptr;
+  const bool headless = decoder->window == nullptr;
   const SizedBuffers buffers = {Coef_Plane_New(width, height), Coef_Plane_New(width / 2, height / 2),
                                 Coef_Plane_New(width / 2, height / 2), Raster_New(width, height, Raster_Depth(headless)),
                                 Planes_New(width, height, 4, 1)};
   if (!buffers.coefY || !buffers.coefCb || !buffers.coefCr || !buffers.raster || !buffers.planes) {
     Sized_Buffers_Free(buffers);
-    return 0;
+    return false;
   }
   Planes_Darken(buffers.planes);
 
-  Begin_Size_Change(decoder);
+  Decoder_Begin_Size_Change(decoder);
   decoder->width = decoder->codec->width = width;
   decoder->height = decoder->codec->height = height;
   Codec_Exchange_Buffers(decoder->codec, buffers);
   if (headless) {
     decoder->headless = 1;
   } else {
-    Show_In(decoder, decoder->window);
+    Decoder_Show_In(decoder, decoder->window);
   }
-  End_Size_Change(decoder);
-  return 1;
+  Decoder_End_Size_Change(decoder);
+  return true;
 }

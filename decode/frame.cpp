@@ -7,8 +7,8 @@
 
 #include <cstring>
 
-/** Pixels for the decoder's window. */
-static PictureTarget For_Window(const JdecDecoder* decoder) {
+/** The decoder's raster, in the form that its display shows. */
+static PictureTarget Target_For_Display(const JdecDecoder* decoder) {
   const JdecCodec* const codec = decoder->codec;
   RECT client = {};
   GetClientRect(decoder->display->window, &client);
@@ -16,38 +16,38 @@ static PictureTarget For_Window(const JdecDecoder* decoder) {
   return {codec->raster, decoder->display->pixelFormat, mode, RasterRead};
 }
 
-static PictureTarget For_Frame(const JdecDecoder* decoder, int32_t draw) {
+static PictureTarget Target_For_Frame(const JdecDecoder* decoder, bool draw) {
   const JdecCodec* const codec = decoder->codec;
   if (decoder->headless) return {codec->raster, PixelRgb24, DitherNormal, RasterLeft};
-  if (draw && decoder->display) return For_Window(decoder);
+  if (draw && decoder->display) return Target_For_Display(decoder);
   return {codec->raster, NoPixels, DitherNormal, RasterLeft};
 }
 
-static FrameForm Form_Of(int32_t isJfif, int32_t extendedHeader) {
+static FrameForm Form_Of(bool isJfif, bool hasPrefix) {
   if (isJfif) return FrameForm::Jfif;
-  return extendedHeader ? FrameForm::Prefixed : FrameForm::Compact;
+  return hasPrefix ? FrameForm::Prefixed : FrameForm::Compact;
 }
 
-/** Reads the header and brings the decoder to its size. 0, with the decoder as it was, for a frame that can't be decoded. */
-static int32_t Adopt_Header(JdecDecoder* decoder, int32_t isJfif, FrameHeader* header) {
+/** Reads the header and changes the decoder to its size. False, with nothing changed, for a frame that can't be decoded. */
+static bool Adopt_Header(JdecDecoder* decoder, bool isJfif, FrameHeader* header) {
   const JdecCodec* const codec = decoder->codec;
-  const FrameForm form = Form_Of(isJfif, decoder->extendedHeader);
-  if (!Read_Frame_Header(codec->frame->data, codec->frame->length, form, header)) return 0;
-  if (!Picture_Size_Allowed(header->width, header->height)) return 0;
-  if (header->width == codec->width && header->height == codec->height) return 1;
+  const FrameForm form = Form_Of(isJfif, decoder->extendedHeader != 0);
+  if (!Read_Frame_Header(codec->frame->data, codec->frame->length, form, header)) return false;
+  if (!Picture_Size_Allowed(header->width, header->height)) return false;
+  if (header->width == codec->width && header->height == codec->height) return true;
   return Decoder_Change_Size(decoder, header->width, header->height);
 }
 
 int32_t Decode_Frame(JdecDecoder* decoder, int32_t isJfif, int32_t draw) {
   FrameHeader header{};
-  if (!Adopt_Header(decoder, isJfif, &header)) {
+  if (!Adopt_Header(decoder, isJfif != 0, &header)) {
     Watermark_Reset();
     return 0;
   }
   JdecCodec* const codec = decoder->codec;
   Codec_Set_Quality(codec, header.quality);
   codec->frame->position += header.dataOffset;
-  Decode_Picture(codec, For_Frame(decoder, draw));
+  Decode_Picture(codec, Target_For_Frame(decoder, draw != 0));
   Watermark_Publish(*codec->watermark);
   if (decoder->headless || !draw) return 1;
   if (!decoder->display) {
@@ -58,21 +58,21 @@ int32_t Decode_Frame(JdecDecoder* decoder, int32_t isJfif, int32_t draw) {
   return 1;
 }
 
-int32_t Store_Frame(JdecCodec* codec, std::span<const uint8_t> bytes) {
-  if (bytes.size() > static_cast<size_t>(FrameStoreSize)) return 0;
+bool Store_Frame(JdecCodec* codec, std::span<const uint8_t> bytes) {
+  if (bytes.size() > static_cast<size_t>(FrameStoreSize)) return false;
   JdecFrameBuffer* const frame = codec->frame;
   std::memcpy(frame->data, bytes.data(), bytes.size());
   frame->length = static_cast<int32_t>(bytes.size());
   frame->position = 0;
-  return 1;
+  return true;
 }
 
-int32_t Decode_Delimited_Frame(JdecDecoder* decoder, std::span<const uint8_t> bytes, FrameForm form, int32_t draw) {
-  if (!Store_Frame(decoder->codec, bytes)) return 0;
-  // The field belongs to the frame that may be open in the assembly buffer.
+bool Decode_Delimited_Frame(JdecDecoder* decoder, std::span<const uint8_t> bytes, FrameForm form, bool draw) {
+  if (!Store_Frame(decoder->codec, bytes)) return false;
+  // The field is that of the frame in the assembly buffer, if one is open there.
   const int32_t before = decoder->extendedHeader;
   decoder->extendedHeader = form == FrameForm::Prefixed;
-  const int32_t result = Decode_Frame(decoder, form == FrameForm::Jfif, draw);
+  const bool result = Decode_Frame(decoder, form == FrameForm::Jfif, draw) != 0;
   decoder->extendedHeader = before;
   return result;
 }
@@ -83,7 +83,7 @@ void Present_Picture(JdecDecoder* decoder) {
 
 void Redraw_Frame(JdecDecoder* decoder) {
   if (!decoder->display || decoder->headless) return;
-  const PictureTarget to = For_Window(decoder);
+  const PictureTarget to = Target_For_Display(decoder);
   Convert_Planes(to.format, decoder->codec->planes, to.raster, to.ditherMode);
   Present_Picture(decoder);
 }

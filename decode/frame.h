@@ -6,23 +6,24 @@
 
 #include <span>
 
-/** Decodes the frame in the store (length and extendedHeader set, position 0): new quality or size, planes, and, if the
- *  decoder is headless or draw is not 0, the raster; shows it if there is a display and draw is not 0. Gives 1; or 0, with
- *  the decoder as it was, for a frame shorter than its header or with a size not allowed, and 0 when it can't be shown. The
- *  process's hidden text is that of the frame afterwards, empty for a frame refused. */
+/** Decodes the frame in the store, whose length and extendedHeader are set and whose position is 0. Adopts its size and quality,
+ *  fills the planes and, if the decoder is headless or draw is not 0, the raster. With draw not 0 and a display, shows it.
+ *  Gives 1. Gives 0, with the decoder unchanged, for a frame without a whole header, a size that is not allowed, or without
+ *  memory; and 0 if draw is not 0 but there is no display. The process's hidden text becomes that of the frame, empty for a frame
+ *  that was refused. */
 int32_t Decode_Frame(JdecDecoder* decoder, int32_t isJfif, int32_t draw);
 
-/** Copies a frame into the codec's store, its header unread. Gives 1; 0 with nothing changed for more than FrameStoreSize
+/** Copies a frame into the codec's store. Its header is not read. False, with nothing changed, for more than FrameStoreSize
  *  bytes. */
-int32_t Store_Frame(JdecCodec* codec, std::span<const uint8_t> bytes);
+bool Store_Frame(JdecCodec* codec, std::span<const uint8_t> bytes);
 
-/** Decodes a frame whose bytes and form are known, as Decode_Frame does, without any search and whether frames are hidden or not.
- *  The assembly buffer and a frame open there stay as they are. Gives what Decode_Frame gives; 0 with nothing changed for more
- *  than FrameStoreSize bytes. */
-int32_t Decode_Delimited_Frame(JdecDecoder* decoder, std::span<const uint8_t> bytes, FrameForm form, int32_t draw);
+/** Decodes a frame whose bytes and form are known, as Decode_Frame does: without a search, and even if frames are hidden. The
+ *  assembly buffer and a frame that is open there stay as they are. True if Decode_Frame gives 1; false, with nothing changed,
+ *  for more than FrameStoreSize bytes. */
+bool Decode_Delimited_Frame(JdecDecoder* decoder, std::span<const uint8_t> bytes, FrameForm form, bool draw);
 
-/** Shows the raster as it is in the decoder's display, which must be there. */
+/** Shows the raster in the decoder's display, which must not be null. */
 void Present_Picture(JdecDecoder* decoder);
 
-/** Converts the planes as they are and shows them, if there is a display. */
+/** Converts the planes again and shows the result. Does nothing without a display. */
 void Redraw_Frame(JdecDecoder* decoder);

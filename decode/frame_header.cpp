@@ -31,7 +31,7 @@ static void Put_Little_Word(uint8_t* p, int32_t value) {
   p[1] = static_cast<uint8_t>(value >> 8);
 }
 
-bool Compact_Head_At(const uint8_t* data) { return Marker_At(data, 0xD8) && Marker_At(data + CompactEoi, 0xD9); }
+bool Compact_Header_At(const uint8_t* data) { return Marker_At(data, 0xD8) && Marker_At(data + CompactEoi, 0xD9); }
 
 bool Prefix_At(const uint8_t* data) {
   for (const auto& byte : prefixSignature) {
@@ -40,26 +40,26 @@ bool Prefix_At(const uint8_t* data) {
   return true;
 }
 
-bool Jfif_Start_At(const uint8_t* data) {
+bool JFIF_Start_At(const uint8_t* data) {
   static constexpr uint8_t start[10] = {0xFF, 0xD8, 0xFF, 0xE0, 0x00, 0x10, 'J', 'F', 'I', 'F'};
   return std::memcmp(data, start, sizeof start) == 0;
 }
 
-bool Jfif_Markers_At(const uint8_t* data, bool scan) {
+bool JFIF_Markers_At(const uint8_t* data, bool scan) {
   return Marker_At(data + JfifSof, 0xC0) && Marker_At(data + JfifDqt, 0xDB) && (!scan || Marker_At(data + JfifSos, 0xDA));
 }
 
-int32_t Read_Frame_Header(const uint8_t* frame, int32_t length, FrameForm form, FrameHeader* header) {
+bool Read_Frame_Header(const uint8_t* frame, int32_t length, FrameForm form, FrameHeader* header) {
   if (form == FrameForm::Jfif) {
-    if (length < LeastJfifBytes) return 0;
+    if (length < LeastJfifBytes) return false;
     header->dataOffset = Find_Scan_Data(frame);
     return header->dataOffset >= 0 && Parse_JFIF_Header(frame, &header->width, &header->height, &header->quality);
   }
   const int32_t compact = form == FrameForm::Prefixed ? PrefixSize : 0;
   header->dataOffset = compact + CompactHeaderSize;
-  if (length < header->dataOffset) return 0;
+  if (length < header->dataOffset) return false;
   Parse_Compact_Header(frame + compact, &header->width, &header->height, &header->quality);
-  return 1;
+  return true;
 }
 
 int32_t Compact_Length(const uint8_t* data) { return Little_Word(data + CompactBodyLength) + CompactHeaderSize; }
@@ -104,7 +104,7 @@ int32_t Parse_JFIF_Header(const uint8_t* data, int32_t* width, int32_t* height, 
   if (!Marker_At(data + JfifSof, 0xC0) || !Marker_At(data + JfifDqt, 0xDB)) return 0;
   *height = Big_Word(data + JfifHeight);
   *width = Big_Word(data + JfifWidth);
-  // Undoes the scaling of the first luma quantiser, which is 16 at quality 50. A zero byte is no quantiser; it gives quality 100.
+  // Undoes the scaling of the first luma quantiser, which is 16 at quality 50. A quantiser of 0 is invalid; it gives quality 100.
   const int32_t scale = data[JfifFirstQuantiser] * 100 / 16;
   *quality = scale > 100 ? 5000 / scale : (200 - scale) / 2;
   return 1;
@@ -132,7 +132,7 @@ static void JFIF_Put_Marker(JfifCursor* cursor, int32_t code) {
   JFIF_Put_Byte(cursor, code);
 }
 
-static void Put_Bytes(JfifCursor* cursor, std::span<const uint8_t> bytes) {
+static void JFIF_Put_Bytes(JfifCursor* cursor, std::span<const uint8_t> bytes) {
   for (const uint8_t byte : bytes) JFIF_Put_Byte(cursor, byte);
 }
 
@@ -140,7 +140,7 @@ static void JFIF_Write_APP0(JfifCursor* cursor) {
   static constexpr uint8_t body[] = {'J', 'F', 'I', 'F', 0, 1, 1, 0, 0, 1, 0, 1, 0, 0};
   JFIF_Put_Marker(cursor, 0xE0);
   JFIF_Put_Word(cursor, 2 + sizeof body);
-  Put_Bytes(cursor, body);
+  JFIF_Put_Bytes(cursor, body);
 }
 
 static void JFIF_Write_DQT(JfifCursor* cursor, int32_t id, const uint16_t* table) {
@@ -157,22 +157,22 @@ static void JFIF_Write_SOF(JfifCursor* cursor, int32_t width, int32_t height) {
   JFIF_Put_Byte(cursor, 8);
   JFIF_Put_Word(cursor, height);
   JFIF_Put_Word(cursor, width);
-  Put_Bytes(cursor, components);
+  JFIF_Put_Bytes(cursor, components);
 }
 
 static void JFIF_Write_DHT(JfifCursor* cursor, int32_t classAndId, const HuffCode& code) {
   JFIF_Put_Marker(cursor, 0xC4);
   JFIF_Put_Word(cursor, 19 + static_cast<int32_t>(code.values.size()));
   JFIF_Put_Byte(cursor, classAndId);
-  Put_Bytes(cursor, code.bits);
-  Put_Bytes(cursor, code.values);
+  JFIF_Put_Bytes(cursor, code.bits);
+  JFIF_Put_Bytes(cursor, code.values);
 }
 
 static void JFIF_Write_SOS(JfifCursor* cursor) {
   static constexpr uint8_t body[] = {3, 1, 0x00, 2, 0x11, 3, 0x11, 0x00, 0x3F, 0x00};
   JFIF_Put_Marker(cursor, 0xDA);
   JFIF_Put_Word(cursor, 2 + sizeof body);
-  Put_Bytes(cursor, body);
+  JFIF_Put_Bytes(cursor, body);
 }
 
 void JFIF_Write_Header(JfifCursor* cursor, int32_t width, int32_t height, const uint16_t* luma, const uint16_t* chroma) {

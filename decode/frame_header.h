@@ -1,8 +1,8 @@
-/* The headers of a frame on the wire: their fields, read and written in this place alone. Three forms:
+/* The headers of a frame on the wire. No other code reads or writes their fields. There are three forms:
  *
  *   compact   a header of 12 bytes, FF D8 .. FF D9, little-endian fields, and the entropy-coded data
  *   prefixed  a prefix of 14 bytes with a signature and the high half of the length, then a compact frame
- *   JFIF      a JPEG image whose markers all stand at fixed offsets; it ends at the first FF D9 */
+ *   JFIF      a JPEG image whose markers all have fixed offsets; it ends at the first FF D9 */
 #pragma once
 
 #include "decode/codec.h"
@@ -14,7 +14,7 @@ enum class FrameForm { Compact, Prefixed, Jfif };
 constexpr int32_t CompactHeaderSize = 12;
 constexpr int32_t PrefixSize = 14;
 constexpr int32_t JfifHeaderSize = 623;
-/** Fixed header and end marker. */
+/** The fixed header and the end marker. */
 constexpr int32_t LeastJfifBytes = JfifHeaderSize + 2;
 
 /** Size and quality of a frame, and the offset of its entropy-coded data from its first byte. */
@@ -23,41 +23,39 @@ struct FrameHeader {
   int32_t dataOffset;
 };
 
-/** Reads the header of a frame of `length` bytes. Gives 1; or 0, with *header undefined, for a frame shorter than its header or
- *  without one. The size is not checked. */
-int32_t Read_Frame_Header(const uint8_t* frame, int32_t length, FrameForm form, FrameHeader* header);
+/** Reads the header of a frame of `length` bytes. The size is not checked. False, with *header undefined, for a frame shorter
+ *  than its header, or a JFIF frame without its header's markers. */
+bool Read_Frame_Header(const uint8_t* frame, int32_t length, FrameForm form, FrameHeader* header);
 
-/* ---- Signatures. Each looks at bytes from data on that its caller must have. ------------------------------------------------
- */
+/* ---- Signatures. Each reads the stated number of bytes at data. ---------------------------------------------------------- */
 
-/** The start of a compact header, 12 bytes. */
-bool Compact_Head_At(const uint8_t* data);
+/** The markers of a compact header, 12 bytes. */
+bool Compact_Header_At(const uint8_t* data);
 /** The signature of a prefix, 14 bytes. */
 bool Prefix_At(const uint8_t* data);
 /** The start of a JFIF image, 10 bytes. */
-bool Jfif_Start_At(const uint8_t* data);
-/** The markers of a fixed JFIF header at their places, JfifHeaderSize bytes: DQT and SOF0, and the scan's if asked. */
-bool Jfif_Markers_At(const uint8_t* data, bool scan);
+bool JFIF_Start_At(const uint8_t* data);
+/** The markers DQT and SOF0 at their offsets in a fixed JFIF header, JfifHeaderSize bytes; with `scan` SOS as well. */
+bool JFIF_Markers_At(const uint8_t* data, bool scan);
 
-/* ---- Compact and prefixed frames --------------------------------------------------------------------------------------------
- */
+/* ---- Compact and prefixed frames ----------------------------------------------------------------------------------------- */
 
 /** Bytes of the compact frame whose header is at data. */
 int32_t Compact_Length(const uint8_t* data);
 
-/** Bytes of the prefixed frame at data, prefix included. The low half wraps at 65536. */
+/** Bytes of the prefixed frame at data, prefix included. The sum of the low half wraps at 65536. */
 int64_t Prefixed_Length(const uint8_t* data);
 
 /** True if the prefix at data keeps its frame out of recordings. */
 bool Prefix_Skips_Recording(const uint8_t* data);
 
-/** Size and quality from a compact header at data. */
+/** Reads size and quality from the compact header at data. */
 void Parse_Compact_Header(const uint8_t* data, int32_t* width, int32_t* height, int32_t* quality);
 
-/** Writes a compact header, CompactHeaderSize bytes; of the body's length its low 16 bits. */
+/** Writes a compact header, CompactHeaderSize bytes, with the low 16 bits of the body's length. */
 void Compact_Put_Header(uint8_t* data, int32_t bodyLength, int32_t width, int32_t height, int32_t quality);
 
-/** Writes the compact header of the codec's size and quality to the start of its frame store, for a body without bytes, and adds
+/** Writes a compact header of the codec's size and quality to the start of its frame store, with a body length of 0, and adds
  *  CompactHeaderSize to the frame's length. */
 void Compact_Write_Head(JdecCodec* codec);
 
@@ -67,16 +65,15 @@ void Compact_Set_Body_Length(uint8_t* data, int32_t bodyLength);
 /** Writes the prefix of a compact frame of `length` bytes, PrefixSize bytes, all flags 0. */
 void Prefix_Write(uint8_t* data, int64_t length);
 
-/* ---- JFIF frames ------------------------------------------------------------------------------------------------------------
- */
+/* ---- JFIF frames --------------------------------------------------------------------------------------------------------- */
 
-/** Reads size and quality of a JFIF frame of at least LeastJfifBytes. Gives 1, or 0 when its markers are not in their places. */
+/** Reads size and quality of a JFIF frame of at least LeastJfifBytes. Gives 1, or 0 if its markers are not at their offsets. */
 int32_t Parse_JFIF_Header(const uint8_t* data, int32_t* width, int32_t* height, int32_t* quality);
 
-/** Offset of the entropy-coded data of a JFIF frame of at least LeastJfifBytes, or -1. */
+/** Offset of the entropy-coded data of a JFIF frame of at least LeastJfifBytes; -1 without an SOS marker in its header. */
 int32_t Find_Scan_Data(const uint8_t* data);
 
-/** Where the next byte goes, and how many were written. */
+/** Where the next byte is written, and how many bytes were written so far. */
 struct JfifCursor {
   uint8_t* next;
   int32_t count;

@@ -2,14 +2,14 @@
 
 #include <cstring>
 
-/** What a walk over the bytes came to. */
+/** A frame start, as the search finds it. */
 struct Start {
   int32_t offset;  ///< -1 for none.
   bool isJfif, hasPrefix;
-  int32_t wanted;  ///< Bytes that a strict walk lacked at a JFIF start.
+  int32_t wanted;  ///< Bytes missing after the JFIF start at which a strict search stopped.
 };
 
-static Start Walk(const uint8_t* data, int32_t count, bool strict) {
+static Start Find_Start(const uint8_t* data, int32_t count, bool strict) {
   int32_t i = 0;
   while (i < count - (CompactHeaderSize - 1)) {
     if (data[i] != 0xFF) {
@@ -23,24 +23,24 @@ static Start Walk(const uint8_t* data, int32_t count, bool strict) {
       i += 2;
       continue;
     }
-    if (Compact_Head_At(p)) {
+    if (Compact_Header_At(p)) {
       if (i >= PrefixSize && Prefix_At(p - PrefixSize)) return {i - PrefixSize, false, true, 0};
       return {i, false, false, 0};
     }
-    if (!Jfif_Start_At(p)) {
+    if (!JFIF_Start_At(p)) {
       i += 2;
       continue;
     }
     const int32_t missing = LeastJfifBytes - (count - i);
     if (missing > 0 && strict) return {-1, false, false, missing};
-    if (missing <= 0 && Jfif_Markers_At(p, strict)) return {i, true, false, 0};
+    if (missing <= 0 && JFIF_Markers_At(p, strict)) return {i, true, false, 0};
     ++i;
   }
   return {-1, false, false, 0};
 }
 
 int32_t Frame_Sync(const uint8_t* data, int32_t count, int32_t* isJfif, int32_t* hasPrefix) {
-  const Start start = Walk(data, count, false);
+  const Start start = Find_Start(data, count, false);
   if (start.offset < 0) return -1;
   *isJfif = start.isJfif;
   *hasPrefix = start.hasPrefix;
@@ -53,14 +53,14 @@ int32_t Frame_Sync_Strict(const uint8_t* data, int32_t count, int32_t* isJfif, i
     *wanted = LeastSearchBytes;
     return -1;
   }
-  const Start start = Walk(data, count, true);
+  const Start start = Find_Start(data, count, true);
   *wanted = start.wanted;
   if (start.offset >= 0) *isJfif = start.isJfif;
   return start.offset;
 }
 
 int32_t Find_EOI(const uint8_t* data, int32_t count) {
-  // Block by block, so that the time is the same whatever the bytes are: data may be full of FF.
+  // By blocks, so that the time doesn't depend on the bytes: data may be full of FF.
   constexpr int32_t block = 64;
   int32_t i = 0;
   for (uint8_t found = 0; i < count - block; i += block) {

@@ -5,15 +5,16 @@
 
 #include <cstdint>
 
-/** Prefix and compact header: with fewer bytes a search is not begun. */
+/** Bytes of a prefix and a compact header. The receive paths don't search in fewer. */
 constexpr int32_t LeastSearchBytes = PrefixSize + CompactHeaderSize;
 
-/** Finds the first frame start. A JFIF start with fewer than LeastJfifBytes behind it is passed over. Gives its offset (that of
- *  the prefix for a prefixed frame) and says which form it has; or -1, with the out fields as they were. */
+/** Finds the first frame start and its form. A JFIF start with fewer than LeastJfifBytes from there on is skipped. Gives its
+ *  offset, for a prefixed frame that of the prefix; or -1, with the out fields unchanged. */
 int32_t Frame_Sync(const uint8_t* data, int32_t count, int32_t* isJfif, int32_t* hasPrefix);
 
-/** Finds the first frame start, but stops at a JFIF start that needs more bytes: gives -1 then and stores in `wanted` how many
- *  are missing (26 if count is below that). `wanted` is 0 in all other cases. Also asks for the SOS marker at its place. */
+/** The same, but stops at a JFIF start with fewer than LeastJfifBytes from there on: gives -1 and stores in `wanted` how many
+ *  are missing. With count below LeastSearchBytes it gives -1 and stores LeastSearchBytes. In all other cases `wanted` is 0. A
+ *  JFIF start must also have its SOS marker at the fixed offset. */
 int32_t Frame_Sync_Strict(const uint8_t* data, int32_t count, int32_t* isJfif, int32_t* wanted);
 
 /** Offset of the first FF D9, or -1. */

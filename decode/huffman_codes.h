@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <span>
 
-/** A code as the standard states it: how many codes of each length 1 to 16, and the symbols in order of their codes. */
+/** A code as in the standard: how many codes each length from 1 to 16 has, and the symbols in the order of their codes. */
 struct HuffCode {
   uint8_t bits[16];
   std::span<const uint8_t> values;
@@ -37,7 +37,7 @@ inline constexpr HuffCode dcChromaCode = {{0, 3, 1, 1, 1, 1, 1, 1, 1, 1, 1}, dcV
 inline constexpr HuffCode acLumaCode = {{0, 2, 1, 3, 3, 2, 4, 3, 5, 5, 4, 4, 0, 0, 1, 125}, acLumaValues};
 inline constexpr HuffCode acChromaCode = {{0, 2, 1, 2, 4, 4, 3, 4, 7, 5, 4, 4, 0, 1, 2, 119}, acChromaValues};
 
-/** Scan position to natural position; the 16 entries behind the 64 catch runs that pass a block's end. */
+/** Scan position to natural position. 16 more entries follow the 64, for runs that go past a block's end. */
 inline constexpr int32_t zigzagOrder[80] = {0,  1,  8,  16, 9,  2,  3,  10, 17, 24, 32, 25, 18, 11, 4,  5,  12, 19, 26, 33,
                                             40, 48, 41, 34, 27, 20, 13, 6,  7,  14, 21, 28, 35, 42, 49, 56, 57, 50, 43, 36,
                                             29, 22, 15, 23, 30, 37, 44, 51, 58, 59, 52, 45, 38, 31, 39, 46, 53, 60, 61, 54,

@@ -6,10 +6,10 @@
 
 #include <cstring>
 
-/** Words of a row of blocks over that width. */
-static size_t Row_Words(int32_t width) { return static_cast<size_t>(width / 8) * 64; }
+/** Coefficients in a row of blocks of a plane of that width. */
+static size_t Row_Size(int32_t width) { return static_cast<size_t>(width / 8) * 64; }
 
-static void Clear_Row(int32_t* row, int32_t width) { std::memset(row, 0, Row_Words(width) * sizeof *row); }
+static void Clear_Row(int32_t* row, int32_t width) { std::memset(row, 0, Row_Size(width) * sizeof *row); }
 
 void Huff_Decode_Frame(JdecCodec* codec, int32_t** coefY, int32_t** coefCb, int32_t** coefCr, int32_t width, int32_t height,
                        const JdecFrameBuffer* frame) {

@@ -4,7 +4,7 @@
 
 namespace {
 
-/** The second-level tables of a code. A code of more than 8 bits starts with at least five ones in all four codes: 8 slots do. */
+/** Second-stage tables of a code. Codes of more than 8 bits start with at least five ones in all four: 8 slots are enough. */
 constexpr int32_t MaxSlots = 8;
 
 struct LookupStore {
@@ -32,7 +32,7 @@ constexpr void Put_Code(LookupStore& store, uint32_t code, uint32_t length, uint
   }
 }
 
-/** Codes count up, and double at each step in length. */
+/** Codes of one length are consecutive; for each further bit of length the next code doubles. */
 constexpr LookupStore Huff_Build_Lookup(const HuffCode& huffCode) {
   LookupStore store{};
   uint32_t code = 0;

@@ -11,13 +11,13 @@ static void Transform_Planes(const JdecCodec* codec, int32_t width, int32_t heig
   IDCT_Plane(planes->cbRows, codec->coefCb, width / 2, height / 2, codec->chromaInverse);
 }
 
-/** Planes that are converted row by row while they are decoded. */
+/** A conversion by macroblock rows. */
 struct RowConversion {
   const JdecPlanes* planes;
   PictureTarget to;
 };
 
-static void Convert_Rows_Of(void* user, int32_t firstPair, int32_t pairs) {
+static void Convert_Taken_Rows(void* user, int32_t firstPair, int32_t pairs) {
   const auto& [planes, to] = *static_cast<const RowConversion*>(user);
   if (to.format != NoPixels) Convert_Plane_Rows(to.format, planes, to.raster, to.ditherMode, to.use, firstPair, pairs);
 }
@@ -25,7 +25,7 @@ static void Convert_Rows_Of(void* user, int32_t firstPair, int32_t pairs) {
 void Decode_Picture(JdecCodec* codec, const PictureTarget& target) {
   if (Rows_Available()) {
     RowConversion conversion = {codec->planes, target};
-    Decode_Rows(codec, {Convert_Rows_Of, &conversion});
+    Rows_Decode_Frame(codec, {Convert_Taken_Rows, &conversion});
     return;
   }
   Huff_Decode_Frame(codec, codec->coefY, codec->coefCb, codec->coefCr, codec->width, codec->height, codec->frame);

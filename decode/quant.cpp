@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-/* The tables of JPEG, Annex K, natural order. Quality 50 is these very tables. */
+/* The tables of JPEG, Annex K, in natural order. They are the tables of quality 50. */
 static constexpr uint32_t baseLumaQuant[64] = {16, 11, 10, 16, 24,  40,  51,  61,  12, 12, 14, 19, 26,  58,  60,  55,
                                                14, 13, 16, 24, 40,  57,  69,  56,  14, 17, 22, 29, 51,  87,  80,  62,
                                                18, 22, 37, 56, 68,  109, 103, 77,  24, 35, 55, 64, 81,  104, 113, 92,
@@ -36,8 +36,7 @@ void Quant_Build(int32_t quality, uint16_t* luma, uint16_t* chroma) {
   }
 }
 
-/** Quantiser times scale factor, rounded to 14 - shift fractional bits. At most (255 * 31521 + 1024) >> 11 = 3925 with shift 11.
- */
+/** Quantiser times scale factor, with 14 - shift fractional bits. At most (255 * 31521 + 1024) >> 11 = 3925 for shift 11. */
 static int32_t Scaled_Quantiser(uint16_t quant, int16_t scale, int32_t shift) {
   return (quant * scale + (1 << (shift - 1))) >> shift;
 }

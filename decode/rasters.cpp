@@ -3,7 +3,7 @@
 #include "display/context.h"
 #include "pixel/arena.h"
 
-int32_t Raster_Depth(int32_t headless) {
+int32_t Raster_Depth(bool headless) {
   if (headless) return 24;
   const HDC screen = GetDC(nullptr);
   const int32_t bits = screen ? GetDeviceCaps(screen, BITSPIXEL) * GetDeviceCaps(screen, PLANES) : 24;
@@ -11,19 +11,19 @@ int32_t Raster_Depth(int32_t headless) {
   return bits == 8 || bits == 16 || bits == 32 ? bits : 24;
 }
 
-int32_t Build_Rasters(JdecDecoder* decoder) {
-  JdecRaster* const raster = Raster_New(decoder->width, decoder->height, Raster_Depth(decoder->headless));
+bool Build_Rasters(JdecDecoder* decoder) {
+  JdecRaster* const raster = Raster_New(decoder->width, decoder->height, Raster_Depth(decoder->headless != 0));
   JdecPlanes* const planes = Planes_New(decoder->width, decoder->height, 4, 1);
   if (!raster || !planes) {
     Arena_Free(raster);
     Arena_Free(planes);
-    return 0;
+    return false;
   }
   Planes_Darken(planes);
   Free_Rasters(decoder);
   decoder->codec->raster = raster;
   decoder->codec->planes = planes;
-  return 1;
+  return true;
 }
 
 void Free_Rasters(JdecDecoder* decoder) {

@@ -3,13 +3,13 @@
 
 #include "decode/decoder.h"
 
-/** Bits per pixel that the decoder's raster must have: 24 when headless, otherwise those of the screen; 24 too when the screen
- *  has none of the known depths. */
-int32_t Raster_Depth(int32_t headless);
+/** Bits per pixel of a decoder's raster: 24 for a headless one, otherwise those of the screen, or 24 if the screen's depth is not
+ *  8, 16 or 32. */
+int32_t Raster_Depth(bool headless);
 
-/** Makes raster and planes of the decoder's size, the planes dark, and puts them into its codec in place of the old ones, which
- *  are freed. Gives 1; or 0 with nothing changed without memory. */
-int32_t Build_Rasters(JdecDecoder* decoder);
+/** Replaces the codec's raster and planes by new ones of the decoder's size, the planes dark. False, with nothing changed,
+ *  without memory. */
+bool Build_Rasters(JdecDecoder* decoder);
 
 /** Frees the codec's raster and planes and sets both to null. */
 void Free_Rasters(JdecDecoder* decoder);

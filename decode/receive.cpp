@@ -18,7 +18,7 @@ void Count_Bits(JdecDecoder* decoder, int32_t length) {
   if (now - decoder->statsTick > StatsPeriod) {
     const double bits = decoder->statsBits[decoder->statsSlot];
     const double rate = bits / (now - decoder->statsBaseTick);
-    char text[400];  // A double has at most 309 digits ahead of its point.
+    char text[400];  // A double has at most 309 digits before the decimal point.
     std::snprintf(text, sizeof text, bits / 5.0 > 10000.0 ? "%.2f Kb\n" : "%.2f bps\n", rate);
     if (decoder->display) Set_OSD_Text(decoder->display, text);
     decoder->statsTick = now;
@@ -38,7 +38,7 @@ static void Write_Chunk(JdecDecoder* decoder, int32_t length, const uint8_t* dat
     data += start;
     length -= start;
   }
-  // Both flags are those of the last frame start found, so that a chunk is written or left out as a whole.
+  // Both flags are those of the last frame start found, so that a chunk is written or skipped as a whole.
   if (decoder->extendedHeader && decoder->skipRecording) return;
   DWORD written = 0;
   if (WriteFile(decoder->recordFile, data, static_cast<DWORD>(length), &written, nullptr) &&
@@ -55,25 +55,25 @@ void Record_Chunk(JdecDecoder* decoder, int32_t length, const uint8_t* data) {
   ReleaseMutex(decoder->lock);
 }
 
-/** The bytes of assemblyBuffer still to be looked at. */
+/** The bytes of assemblyBuffer that are not yet processed. */
 struct Assembly {
   uint8_t* cursor;
-  int32_t fill;
-  int32_t endSearched;  ///< So many from the cursor on are known to hold no end marker.
+  int32_t fill;         ///< Bytes from the cursor on.
+  int32_t endSearched;  ///< Bytes from the cursor on that are known to hold no end marker.
 };
 
-static Assembly Assembly_Open(const JdecDecoder* decoder) {
+static Assembly Open_Assembly(const JdecDecoder* decoder) {
   return {decoder->assemblyBuffer, decoder->assemblyFill, decoder->endSearched};
 }
 
-static void Assembly_Advance(Assembly* assembly, int32_t count) {
+static void Advance_Assembly(Assembly* assembly, int32_t count) {
   assembly->cursor += count;
   assembly->fill -= count;
   assembly->endSearched = std::max(assembly->endSearched - count, 0);
 }
 
-/** Moves what is left to the buffer's start. */
-static void Assembly_Close(JdecDecoder* decoder, const Assembly& assembly) {
+/** Moves the bytes from the cursor on to the buffer's start. */
+static void Close_Assembly(JdecDecoder* decoder, const Assembly& assembly) {
   if (assembly.cursor != decoder->assemblyBuffer && assembly.fill != 0) {
     std::memmove(decoder->assemblyBuffer, assembly.cursor, static_cast<size_t>(assembly.fill));
   }
@@ -87,15 +87,15 @@ static void Close_Frame(JdecDecoder* decoder) {
 }
 
 static void Open_Frame(JdecDecoder* decoder, Assembly* assembly, int32_t start) {
-  Assembly_Advance(assembly, start);
+  Advance_Assembly(assembly, start);
   decoder->frameOpen = 1;
 }
 
-/** Length of the JFIF frame at the cursor, or -1 while its end isn't there. Bytes looked at before aren't looked at again, not
- * for the next start either. */
-static int32_t Jfif_Length(Assembly* assembly) {
+/** Length of the JFIF frame at the cursor, or -1 while its end isn't there. No byte is searched twice, even if this start is
+ *  given up and another one follows. */
+static int32_t JFIF_Length(Assembly* assembly) {
   const int32_t count = std::min(assembly->fill, FrameStoreSize);
-  // The last byte seen may be the first of the marker.
+  // The last byte searched may be the first of the marker.
   const int32_t from = std::clamp(assembly->endSearched - 1, 0, count);
   const int32_t end = Find_EOI(assembly->cursor + from, count - from);
   assembly->endSearched = std::max(assembly->endSearched, end < 0 ? count : from + end);
@@ -103,30 +103,30 @@ static int32_t Jfif_Length(Assembly* assembly) {
 }
 
 /** Length of the frame at the cursor; -1 for a JFIF frame whose end isn't there. */
-static int64_t Frame_Length(const JdecDecoder* decoder, Assembly* assembly, int32_t isJfif) {
-  if (isJfif) return Jfif_Length(assembly);
+static int64_t Frame_Length(const JdecDecoder* decoder, Assembly* assembly, bool isJfif) {
+  if (isJfif) return JFIF_Length(assembly);
   return decoder->extendedHeader ? Prefixed_Length(assembly->cursor) : Compact_Length(assembly->cursor);
 }
 
-/** A start whose frame can't fit the store is given up: the search goes on behind its FF D8. 1 if it was. */
-static int32_t Give_Up_Start(JdecDecoder* decoder, Assembly* assembly, int64_t length) {
-  if (length <= FrameStoreSize && !(length < 0 && assembly->fill >= FrameStoreSize)) return 0;
-  Assembly_Advance(assembly, decoder->extendedHeader ? PrefixSize + 2 : 2);
+/** Gives up a start whose frame can't fit the store: the search continues after its FF D8. True if it did. */
+static bool Give_Up_Start(JdecDecoder* decoder, Assembly* assembly, int64_t length) {
+  if (length <= FrameStoreSize && !(length < 0 && assembly->fill >= FrameStoreSize)) return false;
+  Advance_Assembly(assembly, decoder->extendedHeader ? PrefixSize + 2 : 2);
   Close_Frame(decoder);
-  return 1;
+  return true;
 }
 
 /** Moves the frame at the cursor into the frame store. */
 static void Take_Frame(JdecDecoder* decoder, Assembly* assembly) {
   JdecFrameBuffer* const frame = decoder->codec->frame;
   std::memcpy(frame->data, assembly->cursor, static_cast<size_t>(decoder->frameLength));
-  Assembly_Advance(assembly, decoder->frameLength);
+  Advance_Assembly(assembly, decoder->frameLength);
   frame->length = decoder->frameLength;
   frame->position = 0;
 }
 
-/** Decodes the frame in the store and answers a status word that asks. With decode 0 the frame is passed over. */
-static void Decode_And_Check(JdecDecoder* decoder, int32_t isJfif, int32_t decode, int32_t draw, int32_t* status) {
+/** Decodes the frame in the store, or without `decode` skips it. A status word that is not 0 is set to the check's result. */
+static void Decode_And_Check(JdecDecoder* decoder, int32_t isJfif, bool decode, int32_t draw, int32_t* status) {
   if (!decode) {
     Watermark_Reset();
     return;
@@ -135,16 +135,16 @@ static void Decode_And_Check(JdecDecoder* decoder, int32_t isJfif, int32_t decod
   if (*status != 0) *status = Watermark_Check();
 }
 
-/** What became of the bytes at the cursor. */
+/** What happened to the bytes at the cursor. */
 enum class Step { NeedBytes, NoStart, Unfinished, Taken, GivenUp };
 
-/** Finds the next frame start of the pushing path, if none is open. */
-static Step Push_Find_Start(JdecDecoder* decoder, Assembly* assembly) {
+/** Finds the next frame start for the pushing path. Step::Taken if one is at the cursor then. */
+static Step Find_Start_For_Push(JdecDecoder* decoder, Assembly* assembly) {
   if (assembly->fill < LeastSearchBytes) return Step::NeedBytes;
   int32_t isJfif = 0, hasPrefix = 0;
   const int32_t start = Frame_Sync(assembly->cursor, assembly->fill, &isJfif, &hasPrefix);
   if (start < 0) {
-    Assembly_Advance(assembly, assembly->fill);
+    Advance_Assembly(assembly, assembly->fill);
     return Step::NoStart;
   }
   Open_Frame(decoder, assembly, start);
@@ -155,17 +155,17 @@ static Step Push_Find_Start(JdecDecoder* decoder, Assembly* assembly) {
 
 static Step Push_One_Frame(JdecDecoder* decoder, Assembly* assembly, int32_t* status) {
   if (!decoder->frameOpen) {
-    const Step found = Push_Find_Start(decoder, assembly);
+    const Step found = Find_Start_For_Push(decoder, assembly);
     if (found != Step::Taken) return found;
   }
   int32_t isJfif = 0, hasPrefix = 0;
   Frame_Sync(assembly->cursor, assembly->fill, &isJfif, &hasPrefix);
-  const int64_t length = Frame_Length(decoder, assembly, isJfif);
+  const int64_t length = Frame_Length(decoder, assembly, isJfif != 0);
   if (Give_Up_Start(decoder, assembly, length)) return Step::GivenUp;
   decoder->frameLength = length < 0 ? assembly->fill + 1 : static_cast<int32_t>(length);
   if (decoder->frameLength > assembly->fill) return Step::Unfinished;
   Take_Frame(decoder, assembly);
-  Decode_And_Check(decoder, isJfif, !decoder->hidden, 1, status);
+  Decode_And_Check(decoder, isJfif, decoder->hidden == 0, 1, status);
   Close_Frame(decoder);
   return Step::Taken;
 }
@@ -179,22 +179,22 @@ int32_t VELARTO_CDECL JDEC_Receive_Data(JdecDecoder* decoder, int32_t length, co
 
   bool taken = false;
   int32_t result = length;
-  // What the frame loop leaves in the buffer is always less than the buffer, so that each slice has room.
-  for (int32_t left = length; left > 0;) {
-    const int32_t slice = std::min(left, StreamBufferSize - decoder->assemblyFill);
+  // The frame loop never leaves the buffer full, so each slice is at least one byte.
+  for (int32_t remaining = length; remaining > 0;) {
+    const int32_t slice = std::min(remaining, StreamBufferSize - decoder->assemblyFill);
     std::memcpy(decoder->assemblyBuffer + decoder->assemblyFill, data, static_cast<size_t>(slice));
     decoder->assemblyFill += slice;
     data += slice;
-    left -= slice;
+    remaining -= slice;
 
-    Assembly assembly = Assembly_Open(decoder);
+    Assembly assembly = Open_Assembly(decoder);
     Step step = Step::Taken;
     while (step == Step::Taken || step == Step::GivenUp) {
       step = Push_One_Frame(decoder, &assembly, status);
       taken |= step == Step::Taken;
     }
     result = step == Step::Unfinished ? decoder->frameLength : length;
-    Assembly_Close(decoder, assembly);
+    Close_Assembly(decoder, assembly);
   }
   return taken ? result : -1;
 }
@@ -209,8 +209,8 @@ int32_t VELARTO_CDECL JDEC_Receive_Data_2(JdecDecoder* decoder, const uint8_t* d
 /** Results of JDEC_Check_Decode_Frame. */
 enum PollCode : int32_t { PollRefused = 0, PollTaken = 1, PollNeedsBytes = 2, PollNoStart = 3, PollTooLong = 4 };
 
-/** Finds the next frame start of the polling path, if none is open. PollTaken when one stands at the cursor. */
-static PollCode Poll_Find_Start(JdecDecoder* decoder, Assembly* assembly) {
+/** Finds the next frame start for the polling path. PollTaken if one is at the cursor then. */
+static PollCode Find_Start_For_Poll(JdecDecoder* decoder, Assembly* assembly) {
   if (assembly->fill < LeastSearchBytes) return PollNoStart;
   int32_t isJfif = 0, wanted = 0;
   const int32_t start = Frame_Sync_Strict(assembly->cursor, assembly->fill, &isJfif, &wanted);
@@ -219,27 +219,27 @@ static PollCode Poll_Find_Start(JdecDecoder* decoder, Assembly* assembly) {
     return PollTaken;
   }
   if (wanted == 0) {
-    Assembly_Advance(assembly, assembly->fill);
+    Advance_Assembly(assembly, assembly->fill);
     return PollNoStart;
   }
-  // In a full buffer the bytes ahead of the start that waits would keep its own from coming.
+  // In a full buffer the bytes before an incomplete start would leave no room for its missing ones.
   const bool full = assembly->cursor + assembly->fill == decoder->assemblyBuffer + StreamBufferSize;
-  if (full) Assembly_Advance(assembly, assembly->fill - (LeastJfifBytes - wanted));
+  if (full) Advance_Assembly(assembly, assembly->fill - (LeastJfifBytes - wanted));
   return PollNeedsBytes;
 }
 
-/** Finds the next frame and its length, giving up starts that can't be frames. PollTaken when it is complete at the cursor. */
-static PollCode Poll_Complete_Frame(JdecDecoder* decoder, Assembly* assembly, int32_t* isJfif) {
+/** Finds the next frame and its length, and gives up starts that can't be frames. PollTaken if all of it is at the cursor. */
+static PollCode Find_Whole_Frame(JdecDecoder* decoder, Assembly* assembly, int32_t* isJfif) {
   for (;;) {
     if (!decoder->frameOpen) {
-      const PollCode found = Poll_Find_Start(decoder, assembly);
+      const PollCode found = Find_Start_For_Poll(decoder, assembly);
       if (found != PollTaken) return found;
     }
     *isJfif = 0;
     int32_t hasPrefix = 0;
     Frame_Sync(assembly->cursor, assembly->fill, isJfif, &hasPrefix);
     decoder->extendedHeader = hasPrefix;
-    const int64_t length = Frame_Length(decoder, assembly, *isJfif);
+    const int64_t length = Frame_Length(decoder, assembly, *isJfif != 0);
     if (Give_Up_Start(decoder, assembly, length)) continue;
     if (length < 0) return PollNeedsBytes;
     decoder->frameLength = static_cast<int32_t>(length);
@@ -252,9 +252,9 @@ int32_t VELARTO_CDECL JDEC_Check_Decode_Frame(JdecDecoder* decoder, int32_t deco
   if (!decoder || !buffer || capacity == 0) return PollRefused;
   int32_t noStatus = 0;
   if (!status) status = &noStatus;
-  Assembly assembly = Assembly_Open(decoder);
+  Assembly assembly = Open_Assembly(decoder);
   int32_t isJfif = 0;
-  PollCode result = Poll_Complete_Frame(decoder, &assembly, &isJfif);
+  PollCode result = Find_Whole_Frame(decoder, &assembly, &isJfif);
   if (result == PollTaken) {
     if (outLength) *outLength = static_cast<uint32_t>(decoder->frameLength);
     if (decoder->frameLength > capacity) result = PollTooLong;
@@ -262,9 +262,9 @@ int32_t VELARTO_CDECL JDEC_Check_Decode_Frame(JdecDecoder* decoder, int32_t deco
   if (result == PollTaken) {
     std::memcpy(buffer, assembly.cursor, static_cast<size_t>(decoder->frameLength));
     Take_Frame(decoder, &assembly);
-    Decode_And_Check(decoder, isJfif, decode, draw, status);
+    Decode_And_Check(decoder, isJfif, decode != 0, draw, status);
     Close_Frame(decoder);
   }
-  Assembly_Close(decoder, assembly);
+  Close_Assembly(decoder, assembly);
   return result;
 }

@@ -1,4 +1,4 @@
-/* The two rectangles of a decoder (velarto.h). */
+/* The source and destination rectangle of a decoder (velarto.h). */
 #include "decode/frame.h"
 
 int32_t* VELARTO_CDECL JDEC_Access_SrcRect(JdecDecoder* decoder, const int32_t* rect) {

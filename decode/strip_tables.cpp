@@ -6,7 +6,7 @@ namespace {
 
 constexpr int32_t Entries = 1 << StripLookupBits;
 
-/** A code by the bits that follow: symbol and length of the code that they begin with; length 0 where it doesn't fit them. */
+/** The codes by the next bits: symbol and length of the code that these bits begin with; length 0 if that code is longer. */
 struct ShortCodes {
   uint8_t lengths[Entries];
   uint8_t symbols[Entries];
@@ -28,7 +28,7 @@ constexpr ShortCodes Short_Codes(const HuffCode& huffCode) {
   return codes;
 }
 
-/** What a lookup has found so far. */
+/** What an index was found to hold so far. */
 struct Found {
   int32_t used = 0, advance = 0, values = 0, sizes = 0;
   bool ended = false;
@@ -53,10 +53,10 @@ constexpr void Add_Value(Found* found, int32_t index, int32_t run, int32_t size,
   found->advance += run + 1;
 }
 
-/** Takes one more symbol, if it lies within the index whole. */
+/** Takes one more symbol. False if its code and value are not whole within the index, or if no other symbol can follow it. */
 constexpr bool Take_Symbol(Found* found, int32_t index, const ShortCodes& codes, bool isDc) {
-  const int32_t rest = index << found->used & (Entries - 1);
-  const int32_t length = codes.lengths[rest], symbol = codes.symbols[rest];
+  const int32_t next = index << found->used & (Entries - 1);
+  const int32_t length = codes.lengths[next], symbol = codes.symbols[next];
   const int32_t run = isDc ? 0 : symbol / 16, size = symbol % 16;
   if (length == 0 || found->used + length + size > StripLookupBits) return false;
   if (isDc || size != 0) {
@@ -65,7 +65,7 @@ constexpr bool Take_Symbol(Found* found, int32_t index, const ShortCodes& codes,
     Add_Value(found, index, run, size, isDc);
     return true;
   }
-  // Sixteen zeros always stand alone: their codes leave no room for another.
+  // A run of sixteen zeros is always the only symbol: its code leaves no room for another one.
   found->used += length;
   found->advance += run == 15 ? 16 : 0;
   found->ended = run < 15;
@@ -84,7 +84,8 @@ constexpr void Fill_Table(StripTables* tables, int32_t table, const ShortCodes& 
   }
 }
 
-/** The entry of 16 bits in a table of single symbols; for bits that are no code symbol 0, and 8 bits are lost. */
+/** The entry for 16 bits in a table of single symbols: symbol, and length of code and value. Bits that are no code count as a
+ *  symbol 0 of 8 bits. */
 constexpr uint16_t Code_At(const HuffCode& huffCode, int32_t bits) {
   int32_t code = 0;
   size_t next = 0;

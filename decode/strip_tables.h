@@ -1,4 +1,4 @@
-/* Tables of the fast decoding, made at compile time from the four codes. */
+/* The tables of the row pipeline's entropy decoding, made at compile time from the four Huffman codes. */
 #pragma once
 
 #include "kernels/kernels.h"

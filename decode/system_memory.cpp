@@ -1,4 +1,4 @@
-/* Memory for the library: the system's heap. */
+/* Memory_Alloc and Memory_Free of the library: the system's heap. */
 #include "pixel/arena.h"
 
 #include "platform/win32.h"

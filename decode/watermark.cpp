@@ -1,6 +1,6 @@
 #include "decode/watermark.h"
 
-/** The key of the channel: the bit of each coefficient value from -256 to 255. */
+/** The key: a bit for each coefficient value from -256 to 255. */
 static constexpr char watermarkParity[] =
     "0110110111000000001110101111110010010111101111100100101100010101"
     "1111011000101000111001100010111001111101010100000111101100111011"
@@ -42,7 +42,7 @@ void Watermark_Take_Block(void* user, const int32_t* scan) {
     ++collector->bitIndex;
     return;
   }
-  // The top bit comes last; in the first byte it came first as well.
+  // The top bit of a byte comes last. The first byte has nine bits; its first one sets the top bit as well.
   collector->text[collector->length++] = collector->byte ^ WatermarkMask;
   collector->byte = 0;
   collector->bitIndex = 1;

@@ -6,7 +6,7 @@
 #include <mutex>
 #include <string_view>
 
-/** Text to compare with; no operation sets another. */
+/** The text that Watermark_Check compares with. Nothing sets another one. */
 static constexpr char watermarkPattern[] = "";
 
 static std::mutex watermarkLock;

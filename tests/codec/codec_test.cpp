@@ -1,5 +1,5 @@
-// The codec by itself, without a decoder or a window: what a program has that links velarto_codec alone, on each processor that
-// it is built for.
+// The codec without a decoder or a window, as in a program that links velarto_codec alone, on each processor that it is built
+// for.
 #include "decode/framing.h"
 #include "decode/picture_decode.h"
 #include "pixel/compress.h"
@@ -8,7 +8,7 @@
 
 namespace {
 
-/** FNV-1a, going on from a hash. */
+/** FNV-1a, continued from a hash. */
 uint64_t Hash(uint64_t hash, const uint8_t* bytes, size_t count) {
   for (size_t i = 0; i < count; ++i) hash = (hash ^ bytes[i]) * 0x100000001B3;
   return hash;
@@ -18,7 +18,7 @@ uint64_t Hash_Of_Picture(uint64_t hash, const JdecRaster& raster) {
   return Hash(hash, raster.rows[raster.height - 1], (size_t)raster.pitch * (size_t)raster.height);
 }
 
-/** Decodes the next frame of the stream, and gives the bytes up to its end; -1 without one. */
+/** Decodes the next frame of the stream. Gives the bytes up to its end; -1 if there is none. */
 int32_t Decode_Next(CodecPtr* codec, const uint8_t* stream, int32_t count) {
   int32_t isJfif = 0, hasPrefix = 0;
   const int32_t start = Frame_Sync(stream, count, &isJfif, &hasPrefix);

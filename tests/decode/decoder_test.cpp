@@ -1,4 +1,4 @@
-// Records and life of a decoder: layout, start values, and what is left when memory runs out.
+// Making, flushing, resizing and freeing a decoder: memory layout, first values, and allocations that fail.
 #include "platform/portable/rig.h"
 #include "support/streams.h"
 #include "support/window.h"
@@ -16,7 +16,7 @@ TEST_F(DecoderTest, InitIsCounted) {
   }
 }
 
-TEST_F(DecoderTest, PicturesLieInMemoryAsTold) {
+TEST_F(DecoderTest, PicturesHaveTheirLayoutInMemory) {
   const DecoderPtr decoder(JDEC_New(53, 35));
   const JdecCodec& codec = *decoder->codec;
   const JdecRaster& raster = *codec.raster;
@@ -25,7 +25,7 @@ TEST_F(DecoderTest, PicturesLieInMemoryAsTold) {
   EXPECT_EQ(JDEC_get_decompressed_bitmap(decoder.get()), raster.rows[34]);
   for (int32_t y = 1; y < 35; ++y) EXPECT_EQ(raster.rows[y - 1], raster.rows[y] + 53 * 3);
   EXPECT_EQ(std::count(raster.rows[34], raster.rows[0] + raster.pitch, 0), 35 * 53 * 3);
-  // Luma, Cb and Cr lie one behind another, and are dark.
+  // Luma, Cb and Cr follow one another, and are dark.
   EXPECT_EQ(planes.crRows[16] + 26, planes.yRows[0] + 53 * 35 + 2 * 26 * 17);
   EXPECT_EQ(std::count(planes.yRows[0], planes.cbRows[0], 0), 53 * 35);
   EXPECT_EQ(std::count(planes.cbRows[0], planes.crRows[16] + 26, 127), 2 * 26 * 17);
@@ -45,7 +45,7 @@ TEST_F(DecoderTest, FlushForgetsBytesAndDarkensThePicture) {
   EXPECT_EQ(Current_Picture(decoder.get()), Picture_Of(small));
 }
 
-TEST_F(DecoderTest, NewLeavesNothingBehindWhenMemoryRunsOut) {
+TEST_F(DecoderTest, NewFreesEverythingWhenMemoryRunsOut) {
   const int32_t before = Rig_Objects_Alive();
   int32_t allocations = 0;
   for (DecoderPtr decoder; !decoder; ++allocations) {

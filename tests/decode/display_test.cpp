@@ -1,4 +1,4 @@
-// A decoder and its window: depth of the raster, what outlives a size change, frames that find no display.
+// A decoder and its window: depth of the raster, what survives a change of size, frames without a display.
 #include "display/context.h"
 #include "pixel/convert.h"
 #include "pixel/dither.h"
@@ -41,7 +41,7 @@ TEST_F(DisplayedDecoder, RasterHasTheDepthOfTheScreen) {
   }
 }
 
-TEST_F(DisplayedDecoder, WhatIsNoWindowIsRefused) {
+TEST_F(DisplayedDecoder, HandlesThatAreNoWindowAreRefused) {
   const TestWindow window(32);
   const HWND ended = CreateWindowExA(0, "velarto-test", "", WS_POPUP, 0, 0, 9, 9, nullptr, nullptr, nullptr, nullptr);
   DestroyWindow(ended);
@@ -54,7 +54,7 @@ TEST_F(DisplayedDecoder, WhatIsNoWindowIsRefused) {
   EXPECT_EQ(JDEC_Draw_Init(decoder.get(), window.handle), 1);
 }
 
-TEST_F(DisplayedDecoder, PaletteIndicesComeRowByRowDownToAnOddLastOne) {
+TEST_F(DisplayedDecoder, PaletteIndicesAreConvertedDownToAnOddLastRow) {
   for (const auto& [windowWidth, mode] : {std::pair{320, DitherNormal}, {20, DitherShrink}}) {
     const TestWindow window(8, windowWidth);
     const DecoderPtr decoder = Shown_Decoder(window.handle, 47, 33);
@@ -70,7 +70,7 @@ TEST_F(DisplayedDecoder, PaletteIndicesComeRowByRowDownToAnOddLastOne) {
 std::vector<Bytes> shown;
 void Keep_Picture(HWND, uintptr_t user) { shown.push_back(Current_Picture(reinterpret_cast<JdecDecoder*>(user))); }
 
-TEST_F(DisplayedDecoder, CallbackAndHiddenOutliveASizeChange) {
+TEST_F(DisplayedDecoder, CallbackAndHiddenSurviveAChangeOfSize) {
   const TestWindow window(32);
   const DecoderPtr decoder = Shown_Decoder(window.handle, 48, 48);
   decoder->display->drawCallback = Keep_Picture;
@@ -80,7 +80,7 @@ TEST_F(DisplayedDecoder, CallbackAndHiddenOutliveASizeChange) {
   EXPECT_TRUE(shown == (std::vector{Picture_Of(small), Picture_Of(large), Picture_Of(small), Picture_Of(large)}));
   EXPECT_EQ(decoder->hidden, 0);
 
-  JDEC_show(decoder.get(), 0);  // The polling path decodes all the same.
+  JDEC_show(decoder.get(), 0);  // The polling path decodes anyway.
   Store(decoder.get(), small.compact);
   EXPECT_EQ(Poll(decoder.get()), 1);
   EXPECT_EQ(decoder->hidden, 1);
@@ -91,8 +91,8 @@ TEST_F(DisplayedDecoder, CallbackAndHiddenOutliveASizeChange) {
   EXPECT_EQ(Current_Picture(decoder.get()), Picture_Of(small));
 }
 
-/** Any thread may register a callback while another decodes, also while the display changes its size. A frame that is given
- * behind a registration calls that one, or a later one. */
+/** Any thread may register a callback while another one decodes, even while the display changes its size. A frame that is pushed
+ *  after a registration calls that callback or a later one. */
 TEST_F(DisplayedDecoder, CallbackIsRegisteredByAnotherThread) {
   const TestWindow window(32);
   const DecoderPtr decoder = Shown_Decoder(window.handle, 48, 48);

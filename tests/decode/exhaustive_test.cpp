@@ -1,4 +1,4 @@
-// What can be tried out whole: each quality, each split of a stream, each wrong byte of a frame.
+// Every case of some kinds: each quality, each split of a stream, each wrong byte of a frame.
 #include "support/levels.h"
 #include "support/streams.h"
 #include "support/window.h"
@@ -22,7 +22,7 @@ TestFrame Small_Frame(int32_t width, int32_t height, int32_t quality) {
   return {width, height, compact[8], Encoded(encoder.get(), quality, 1), compact, Prefixed_Frame(compact)};
 }
 
-/** Gives bytes to either path, which takes all frames that they complete. Gives the result of the last call. */
+/** Feeds bytes to one of the paths, which takes all frames that they complete. Gives the result of the last call. */
 int32_t Feed(JdecDecoder* decoder, const Bytes& bytes, bool polling) {
   static Bytes taken((size_t)FrameStoreSize);
   if (!polling) return Push(decoder, bytes);
@@ -67,7 +67,7 @@ TEST_F(Exhaustive, QualitiesThatFramesAndTheEncoderCarry) {
   }
 }
 
-/** What comes of a stream: of each frame shown the picture, the quality and the hidden text; results; bits counted. */
+/** What a stream leads to: the picture, quality and hidden text of each frame shown; results; bits counted. */
 struct StreamResult {
   std::vector<Bytes> frames;
   std::vector<int32_t> results;
@@ -95,8 +95,8 @@ StreamResult See(JdecDecoder* decoder, const Bytes& stream, int32_t cut, bool po
   return seen;
 }
 
-/** The polling path misses no frame. The pushing path misses a JFIF frame of which a chunk ends with 26 to 624 bytes: it doesn't
- *  wait for a head, and with fewer bytes it doesn't search. */
+/** The polling path misses no frame. The pushing path misses a JFIF frame if a chunk ends with 26 to 624 bytes of it: it doesn't
+ *  wait for the whole header. With fewer bytes it doesn't search yet. */
 TEST_F(Exhaustive, SplitsOfThreeFramesIntoTwoChunks) {
   const TestWindow window(32, 64, 40);
   const TestFrame frames[] = {Small_Frame(16, 16, 20), Small_Frame(16, 16, 10), Small_Frame(32, 16, 0)};
@@ -128,8 +128,8 @@ TEST_F(Exhaustive, SplitsOfThreeFramesIntoTwoChunks) {
   }
 }
 
-/** Where the search for the next frame goes on in a stream that begins with a frame of which a byte may be wrong: where its head
- *  says, or for a JFIF frame at the first end marker. One that no longer has the marks of a start announces nothing. */
+/** Offset at which the search continues in a stream whose first frame has a wrong byte: after the length that its header
+ *  announces, or after the first end marker of a JFIF frame. A frame without its start markers is not found: its own end. */
 size_t Announced_End(size_t form, const Bytes& intact, const Bytes& stream) {
   const auto marked = [&](std::initializer_list<size_t> places) {
     return std::all_of(places.begin(), places.end(), [&](size_t i) { return stream[i] == intact[i]; });
@@ -139,18 +139,18 @@ size_t Announced_End(size_t form, const Bytes& intact, const Bytes& stream) {
     const uint8_t mark[] = {0xFF, 0xD9};
     return (size_t)(std::search(stream.begin(), stream.end(), mark, mark + 2) - stream.begin()) + 2;
   }
-  const size_t head = form == Prefixed ? 14 : 0, most = (size_t)FrameStoreSize;
-  if (!marked({head, head + 1, head + 10, head + 11})) return intact.size();
-  size_t end = head + 12 + stream[head + 2] + 256u * stream[head + 3];
+  const size_t header = form == Prefixed ? 14 : 0, most = (size_t)FrameStoreSize;
+  if (!marked({header, header + 1, header + 10, header + 11})) return intact.size();
+  size_t end = header + 12 + stream[header + 2] + 256u * stream[header + 3];
   if (form == Prefixed && marked({0, 2, 4, 6, 12})) end += size_t{65536} * stream[3] + size_t{16777216} * stream[1];
   return end > most ? intact.size() : end;
 }
 
-/** The values tried at a place: all; but only those of markers within the tables of a JFIF head, which are looked through for
- *  them and not read, and a few of the upper byte of a side, since large pictures take their time. */
+/** The values tried at an offset: all of them; but in the tables of a JFIF header, which are only searched for markers, those of
+ *  markers, and in the upper byte of a width or height a few, because large pictures take long. */
 Bytes Wrong_Values(size_t form, size_t place) {
-  const size_t head = form == Prefixed ? 14 : 0;
-  if (form == Jfif ? place == 163 || place == 165 : place == head + 5 || place == head + 7) return {1, 3, 0x80, 0xFF};
+  const size_t header = form == Prefixed ? 14 : 0;
+  if (form == Jfif ? place == 163 || place == 165 : place == header + 5 || place == header + 7) return {1, 3, 0x80, 0xFF};
   if (form == Jfif && ((place > 26 && place < 158) || (place > 176 && place < 609)))
     return {0, 0xC0, 0xD8, 0xD9, 0xDA, 0xDB, 0xFF};
   Bytes all(256);
@@ -158,8 +158,8 @@ Bytes Wrong_Values(size_t form, size_t place) {
   return all;
 }
 
-/** Behind a damaged frame the first good one shows that begins where the damaged one is said to end, or later; and what the
- *  damaged one shows doesn't depend on the kernels. */
+/** After a damaged frame, the first good frame that begins at its announced end or later is decoded. What the damaged one decodes
+ *  to doesn't depend on the kernel level. */
 TEST_F(Exhaustive, WrongBytesInAFrameOfEachForm) {
   const TestFrame frame = Small_Frame(16, 16, 20), next = Small_Frame(16, 16, 5);
   const Bytes &good = next.compact, goodPicture = Picture_Of(next);
@@ -167,13 +167,13 @@ TEST_F(Exhaustive, WrongBytesInAFrameOfEachForm) {
   for (const auto& level : Test_Levels()) levels.emplace_back(Kernels_Select(level.mask), Headless_Decoder(16, 16));
   const auto try_out = [&](const Bytes& bad, size_t end, bool polling) {
     const size_t swallowed = end <= bad.size() ? 0 : (end - bad.size() + good.size() - 1) / good.size();
-    const Bytes rest = Joined(std::vector<Bytes>(swallowed, good));
+    const Bytes swallowedFrames = Joined(std::vector<Bytes>(swallowed, good));
     std::vector<Bytes> pictures;
     for (const auto& [level, decoder] : levels) {
       kernels = level;
       Feed(decoder.get(), bad, polling);
       pictures.push_back(Current_Picture(decoder.get()));
-      if (swallowed > 0) Feed(decoder.get(), rest, polling);
+      if (swallowed > 0) Feed(decoder.get(), swallowedFrames, polling);
       Feed(decoder.get(), good, polling);
       if (pictures.back() != pictures.front() || Current_Picture(decoder.get()) != goodPicture) return false;
     }

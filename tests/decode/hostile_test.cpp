@@ -1,4 +1,4 @@
-// Streams that lie, break off or make no sense: the decoder stays up and finds the next good frame.
+// Streams with false lengths, cut-off frames or noise: the decoder survives them and finds the next good frame.
 #include "platform/portable/rig.h"
 #include "support/resident.h"
 #include "support/streams.h"
@@ -11,7 +11,7 @@ struct Hostile : FramesTest {
   const std::vector<const Bytes*> forms = {&middle.jfif, &middle.compact, &middle.prefixed};
   DecoderPtr decoder = Headless_Decoder(16, 16);
 
-  /** Pushes good frames until one shows; gives their number, 0 when two buffers full of them did not. */
+  /** Pushes good frames until one is decoded. Gives how many that took; 0 if two buffers full of them are not enough. */
   size_t Frames_Until_Shown() {
     for (size_t i = 1; i <= 2 * StreamBufferSize / small.jfif.size(); ++i) {
       Push(decoder.get(), small.jfif);
@@ -26,13 +26,13 @@ TEST_F(Hostile, FramesCutOffAnywhere) {
     for (size_t length = 0; length < form->size(); ++length) {
       JDEC_Flush(decoder.get());
       Push(decoder.get(), Bytes(form->begin(), form->begin() + (ptrdiff_t)length));
-      // What is missing comes out of the next frames.
+      // The missing bytes are taken from the next frames.
       ASSERT_TRUE(Frames_Until_Shown() - 1 < 4) << length << " of " << form->size();
     }
   }
 }
 
-TEST_F(Hostile, HeadsThatAnnounceTooMuch) {
+TEST_F(Hostile, HeadersThatAnnounceTooMuch) {
   Push(decoder.get(), middle.compact);
   const Bytes shown = Current_Picture(decoder.get());
   const int32_t alive = Rig_Objects_Alive();

@@ -1,4 +1,4 @@
-// Tables of each quality against the standard's scaling of cjpeg's tables, and the cosine.
+// The tables of each quality, against cjpeg's quantisers scaled as in the standard, and against the cosine.
 #include "decode/quant.h"
 
 #include "decode/huffman_tables.h"

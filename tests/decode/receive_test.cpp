@@ -26,7 +26,7 @@ struct Receiver : FramesTest {
 };
 
 TEST_F(Receiver, PollingFindsEveryFrameWhateverTheChunks) {
-  const Bytes stream = Joined(frames);  // Other bytes between frames would take the beginning of the next one with them.
+  const Bytes stream = Joined(frames);  // Bytes between frames would be dropped together with the beginning of the next frame.
   for (const int32_t largest : {1, 7, 40, 700, 5000, (int32_t)stream.size()}) {
     std::vector<Bytes> polledFrames, polledPictures;
     Bytes frame;
@@ -42,7 +42,7 @@ TEST_F(Receiver, PollingFindsEveryFrameWhateverTheChunks) {
   }
 }
 
-TEST_F(Receiver, PushingFindsEveryFrameWhoseHeadComesInOnePiece) {
+TEST_F(Receiver, PushingFindsEveryFrameWhoseHeaderComesInOnePiece) {
   const std::string text = "\r\n--frame\r\nContent-Type: image/jpeg\r\n\r\n";
   for (size_t i = 0; i < 360; ++i) {
     const Bytes& frame = frames[i % 18];
@@ -58,15 +58,15 @@ TEST_F(Receiver, PushingFindsEveryFrameWhoseHeadComesInOnePiece) {
 }
 
 TEST_F(Receiver, StartAtTheEndOfAFullBufferIsKept) {
-  const auto middleOfHead = small.jfif.begin() + 100;
-  Store(decoder.get(), Joined({Bytes(StreamBufferSize - 100, 'x'), Bytes(small.jfif.begin(), middleOfHead)}));
+  const auto middleOfHeader = small.jfif.begin() + 100;
+  Store(decoder.get(), Joined({Bytes(StreamBufferSize - 100, 'x'), Bytes(small.jfif.begin(), middleOfHeader)}));
   EXPECT_EQ(Poll(decoder.get()), 2);
-  Store(decoder.get(), Bytes(middleOfHead, small.jfif.end()));
+  Store(decoder.get(), Bytes(middleOfHeader, small.jfif.end()));
   EXPECT_EQ(Poll(decoder.get()), 1);
   EXPECT_EQ(Current_Picture(decoder.get()), Picture_Of(small));
 }
 
-TEST_F(Receiver, PollingPassesOverAHeadWithoutScan) {
+TEST_F(Receiver, PollingSkipsAHeaderWithoutScan) {
   Bytes bytes = small.jfif;
   bytes[610] = 0;
   Store(decoder.get(), bytes);
@@ -95,7 +95,7 @@ TEST_F(Receiver, BitRateIsReportedEveryThreeSeconds) {
                {7001, 1, "16.66 bps\n"},     //
                {7002, 1, "9.33 Kb\n"},       // The other slot, 7001 bytes, since the first data.
                {10003, 1, "5.55 Kb\n"},      // The first slot goes on where it was, with 6251.
-               {500, 1, "5.55 Kb\n"},        // The clock began anew.
+               {500, 1, "5.55 Kb\n"},        // The clock started again.
                {3501, 1, "18.67 Kb\n"}};     // 7003 bytes in 3001 ms.
   for (const auto& [tick, bytes, text] : steps) {
     Rig_Set_Tick(tick);
@@ -130,7 +130,7 @@ TEST_F(StreamRecordingTest, BeginsWithTheFirstFrameAndSkipsWhatTheCameraMarks) {
   EXPECT_EQ(decoder->recordState, RecordWaiting);
   Push(decoder.get(), Joined({text, small.prefixed}));
   EXPECT_EQ(decoder->recordState, RecordWriting);
-  // The first mark is not known yet when its chunk is written; a frame without a prefix lets the next one through.
+  // The first mark is not known yet when its chunk is written; after a frame without a prefix the next one is written too.
   for (const Bytes& chunk : {text, marked, small.compact, marked, unmarked, small.jfif}) Push(decoder.get(), chunk);
   EXPECT_EQ(Finish(), Joined({small.prefixed, text, marked, marked, small.jfif}));
 }
@@ -145,7 +145,7 @@ TEST_F(StreamRecordingTest, LargeChunkIsOneWrite) {
   EXPECT_EQ(Finish(), chunk);
 }
 
-TEST_F(StreamRecordingTest, EndsWithAWriteThatFailsOrFallsShort) {
+TEST_F(StreamRecordingTest, EndsWithAWriteThatFailsOrIsShort) {
   for (const RigStep step : {RigStep::WriteFile, RigStep::ShortWrite}) {
     const int32_t before = Rig_Objects_Alive();
     Start();

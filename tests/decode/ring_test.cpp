@@ -1,3 +1,4 @@
+// The ring: order of its bytes, full and empty, slowing the producer down, two threads.
 #include "decode/ring.h"
 
 #include "support/streams.h"
@@ -17,7 +18,7 @@ struct Ring : LibraryTest {
     bytes.resize((size_t)Ring_Read(decoder.get(), bytes.data(), length));
     return bytes;
   }
-  /** Milliseconds that the caller is held up, and that the answer is right. */
+  /** Checks the answer and gives the milliseconds that the call took. */
   int64_t Query(int32_t expected) {
     const auto start = std::chrono::steady_clock::now();
     EXPECT_EQ(JDEC_query_decode_buffer_count(decoder.get()), expected);
@@ -36,11 +37,11 @@ TEST_F(Ring, HoldsWhatFitsInOrderOverItsEnd) {
   EXPECT_EQ(Read(StreamBufferSize + 1), Joined({second, third}));
   EXPECT_EQ(Read(1), Bytes());
 
-  // Exactly to the end, from both sides.
-  const int32_t rest = (int32_t)(decoder->ringEnd - decoder->ringWrite);
-  EXPECT_EQ(Write(noise.Some((size_t)rest)), rest);
+  // Exactly up to the end, by both positions.
+  const int32_t toEnd = (int32_t)(decoder->ringEnd - decoder->ringWrite);
+  EXPECT_EQ(Write(noise.Some((size_t)toEnd)), toEnd);
   EXPECT_EQ(decoder->ringWrite, decoder->ringStart);
-  Read(rest);
+  Read(toEnd);
   EXPECT_EQ(decoder->ringRead, decoder->ringStart);
   EXPECT_EQ(JDEC_write_decode_buffer(decoder.get(), nullptr, 5) + JDEC_write_decode_buffer(decoder.get(), first.data(), -5), 0);
 }
@@ -59,7 +60,7 @@ TEST_F(Ring, SlowsTheProducerDownAndHidesABacklog) {
   fill_to(StreamBufferSize - 393217);
   Read(0);
   EXPECT_EQ(decoder->hidden, 1);
-  Read(1);  // Asked before anything is taken.
+  Read(1);  // The backlog is measured before bytes are taken.
   EXPECT_EQ(decoder->hidden, 1);
   Read(1);
   EXPECT_EQ(decoder->hidden, 0);

@@ -13,7 +13,7 @@ TEST_F(LibraryTest, ScenesLookAsAnotherDecoderShowsThem) {
     int32_t quality;
     std::array<double, 3> least;
   } scenes[] = {{"scene-q25.jpg", 25, {57, 51, 59}}, {"scene-q50.jpg", 50, {57, 50, 58}}, {"scene-q75.jpg", 75, {54, 49, 55}}};
-  const DecoderPtr decoder = Headless_Decoder(16, 16);  // The last two scenes have one size: nothing of the first may stay.
+  const DecoderPtr decoder = Headless_Decoder(16, 16);  // The last two scenes have the same size: nothing of one may stay.
   for (const auto& [name, quality, least] : scenes) {
     const TestFrame frame = Load_Frame(name, quality);
     EXPECT_EQ(Push(decoder.get(), frame.jfif), (int32_t)frame.jfif.size());
@@ -26,8 +26,8 @@ TEST_F(LibraryTest, ScenesLookAsAnotherDecoderShowsThem) {
   }
 }
 
-/** A decoder belongs to one thread at a time. Many of them share tables, and by design the hidden text read last and the state of
- *  the motion area, which any thread may read and change; and each thread may start and end the library for itself. */
+/** A decoder is used by one thread at a time. All decoders share the tables, the hidden text of the last frame and the state of
+ *  the motion area, which any thread may read and change. Each thread may start and end the library for itself. */
 struct Threads : FramesTest {
   const TestFrame* const frames[3] = {&small, &middle, &large};
   const Bytes pictures[3] = {Picture_Of(small), Picture_Of(middle), Picture_Of(large)}, pixels = Noise{5}.Some(32 * 32 * 3);

@@ -22,7 +22,7 @@ int32_t Value(int32_t parity) {
 const int32_t zero = Value(0), one = Value(1);
 
 TEST(Watermark, BlocksCarryABitByMajority) {
-  uint64_t key = 0;  // Of all values: a text's bits hang on each.
+  uint64_t key = 0;  // Over all values, since each can decide a bit.
   for (int32_t value = -256; value <= 255; ++value) key = key * 31 + (uint64_t)(Watermark_Parity(value) + 1);
   EXPECT_EQ(key, 0xA64FE1E8D6C32C4Du);
   for (const int32_t outside : {0, -257, 256, 100000, INT32_MIN}) EXPECT_EQ(Watermark_Parity(outside), -1) << outside;
@@ -44,14 +44,14 @@ TEST(Watermark, BlocksCarryABitByMajority) {
   EXPECT_EQ(Watermark_Block_Bit(elsewhere.data()), -1);
 }
 
-TEST(Watermark, FirstByteHasNineBitsAndTheRoomIsKept) {
+TEST(Watermark, FirstByteHasNineBitsAndTheLengthIsLimited) {
   const auto clear = Block({zero, zero, zero}), set = Block({one, one, one}), none = Block({});
   const std::string text = "A\xDA\xFF";
   WatermarkCollector collector = {};
   for (size_t i = 0; i < text.size(); ++i) {
     const int coded = (uint8_t)text[i] ^ 0x24;
     Watermark_Take_Block(&collector, none.data());
-    // The top bit comes last; of the first byte half of it comes first, and either makes it.
+    // The top bit comes last. The first byte has one more bit before the others; the top bit is set if one of the two is.
     if (i == 0) Watermark_Take_Block(&collector, clear.data());
     for (const int place : {6, 5, 4, 3, 2, 1, 0, 7}) Watermark_Take_Block(&collector, (coded >> place & 1 ? set : clear).data());
     EXPECT_EQ(collector.length, (int32_t)i + 1);

@@ -1,5 +1,5 @@
 #!/bin/sh
-# Installs a build, compiles a program against it alone, and runs that and the installed tool.
+# Installs a build, compiles a program against the installed files alone, and runs it and the installed tool.
 # usage: install.sh BUILD PREFIX COMPILER
 set -eu
 build=$1 prefix=$2 compiler=$3

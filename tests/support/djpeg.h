@@ -1,4 +1,4 @@
-/* Another decoder's pictures, and how far ours are from them. */
+/* Pictures of another decoder, and how far ours differ from them. */
 #pragma once
 
 #include "support/streams.h"
@@ -7,7 +7,7 @@
 #include <cmath>
 #include <cstdio>
 
-/** A JPEG file decoded by djpeg: a BMP file of 24 bits. Empty where djpeg is missing or has a warning to give. */
+/** A JPEG file decoded by djpeg: a BMP file of 24 bits. Empty if djpeg is missing or gives a warning. */
 inline Bytes Decoded_By_Djpeg(const std::string& path) {
   FILE* const pipe = popen(("djpeg -strict -dct fast -nosmooth -bmp '" + path + "'").c_str(), "r");
   Bytes bmp;

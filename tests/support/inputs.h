@@ -54,7 +54,8 @@ inline Bytes Joined(const std::vector<Bytes>& parts) {
   return all;
 }
 
-/** Coded data as a decoder reads it: of FF 00 stays FF, of FF and another byte that byte, 0 at the end. */
+/** Entropy-coded data without its stuffing. A run of FF counts as one; FF 00 is FF, another byte after FF is that byte, and FF at
+ *  the end is FF. */
 inline Bytes Without_Stuffing(const Bytes& raw) {
   Bytes data;
   for (size_t i = 0; i < raw.size(); ++i) {
@@ -66,7 +67,7 @@ inline Bytes Without_Stuffing(const Bytes& raw) {
   return data;
 }
 
-/** Memory that ends where the bytes do, so that a sanitizer sees one too many. */
+/** A copy in memory that ends with the bytes, so that a sanitizer sees a read past them. */
 inline std::unique_ptr<uint8_t[]> Exact_Copy(const Bytes& bytes) {
   std::unique_ptr<uint8_t[]> exact(new uint8_t[bytes.size()]);
   std::copy(bytes.begin(), bytes.end(), exact.get());
@@ -78,7 +79,7 @@ inline Bytes Compact_Frame(int32_t width, int32_t height, int32_t quality, const
   return Joined({{0xFF, 0xD8}, word(body.size()), word(width), word(height), word(quality), {0xFF, 0xD9}, body});
 }
 
-/** Puts a prefix in front of a compact frame of less than 64 KB. */
+/** Puts a prefix before a compact frame of less than 64 KB. */
 inline Bytes Prefixed_Frame(const Bytes& compact, uint8_t flags = 0) {
   return Joined({{0xF6, 0, 0xFF, 0, 0xF9, 0x11, 0xDD, 0x22, flags, 0x33, 0x44, 0x55, 0xC5, 0x66}, compact});
 }
@@ -92,7 +93,7 @@ struct TestFrame {
   const Bytes& In_Form(size_t form) const { return form == Jfif ? jfif : form == Compact ? compact : prefixed; }
 };
 
-/** A file made by cjpeg at that quality, as the three frames that it is. */
+/** A file made by cjpeg at that quality, in the three wire forms. */
 inline TestFrame Load_Frame(const std::string& name, int32_t quality) {
   const Bytes jpeg = Read_File(Data_Path(name));
   const int32_t height = jpeg[163] << 8 | jpeg[164], width = jpeg[165] << 8 | jpeg[166];
@@ -112,7 +113,7 @@ struct Noise {
   }
 };
 
-/** Sets the codec's tables up for each test. */
+/** Sets up the codec's tables for each test. */
 struct CodecTest : testing::Test {
   CodecTest() { Init_Global_Tables(); }
   ~CodecTest() override { Free_Global_Tables(); }

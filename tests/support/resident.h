@@ -1,4 +1,4 @@
-/* What the process holds in memory, as Linux counts it. */
+/* The resident memory of the process, as Linux counts it. */
 #pragma once
 
 #include <unistd.h>
@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <cstdio>
 
-/** Bytes of the process that are resident; 0 where that can't be told. */
+/** Resident bytes of the process; 0 if unknown. */
 inline int64_t Resident_Bytes() {
   long long total = 0, resident = 0;
   FILE* const file = std::fopen("/proc/self/statm", "r");

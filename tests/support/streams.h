@@ -1,4 +1,4 @@
-/* Decoders that free themselves, and what tests do with them. */
+/* Decoders that free themselves, and how tests feed them and look at their pictures. */
 #pragma once
 
 #include "decode/decoder.h"
@@ -13,7 +13,7 @@ inline DecoderPtr Shown_Decoder(HWND window, int32_t width, int32_t height) {
 
 inline DecoderPtr Headless_Decoder(int32_t width, int32_t height) { return Shown_Decoder(nullptr, width, height); }
 
-/** A path for a file of this test alone, whatever runs beside it. */
+/** A path for a file that no other test uses, even one that runs at the same time. */
 inline std::string Scratch_Path(const std::string& name) {
   return testing::TempDir() + "velarto-" + std::to_string(GetCurrentThreadId()) + "-" + name;
 }
@@ -35,7 +35,7 @@ inline int32_t Poll(JdecDecoder* decoder, Bytes* frame = nullptr) {
   return result;
 }
 
-/** A picture of that decoder's size as a frame; empty when it can't be made. */
+/** A picture of that decoder's size as a frame; empty if the encoder refuses. */
 inline Bytes Compressed(JdecDecoder* encoder, int32_t quality, const Bytes& pixels, int32_t withMarkers, int32_t doubleRows = 0) {
   Bytes out(FrameStoreSize);
   out.resize(

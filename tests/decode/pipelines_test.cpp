@@ -1,5 +1,5 @@
-// Frames by rows of macroblocks, at every level, against frames by whole planes: the same samples, pixels and hidden text,
-// whatever the size, the bytes, and what the buffers held before.
+// The row pipeline at every kernel level against the plain pipeline: the same samples, pixels and hidden text for any size and
+// any bytes, whatever the buffers held before.
 #include "decode/idct.h"
 #include "decode/watermark_text.h"
 #include "support/levels.h"
@@ -20,19 +20,19 @@ Rows Planes_Of(const JdecDecoder* decoder) {
   return rows;
 }
 
-/** What a caller can see after each of some steps on one decoder. */
+/** What a caller can see after each step on one decoder. */
 struct Seen {
   std::vector<Rows> planes;
   std::vector<Bytes> pictures, texts;
   bool operator==(const Seen&) const = default;
 };
 
-struct Roads : LibraryTest {
+struct Pipelines : LibraryTest {
   Noise noise{11};
   static constexpr int32_t Steps = 8;
 
-  /** Noise, some of it much too short for its picture, some full of markers; or the bytes that long codes
-   * are made of, more than the picture can need. */
+  /** Noise: some much too short for its picture, some full of markers, some with the bytes of long codes and more than the
+   *  picture can need. */
   std::vector<Bytes> Bodies(int32_t width, int32_t height) {
     std::vector<Bytes> bodies;
     for (int32_t i = 0; i < Steps; ++i) {
@@ -46,7 +46,7 @@ struct Roads : LibraryTest {
     return bodies;
   }
 
-  /** Macroblocks of the longest codes, with values of as many bits as they take; but `shorter` of the first codes are short. */
+  /** Macroblocks of the longest codes with the longest values, except that the first `shorter` codes are short. */
   Bytes Longest_Codes(int32_t macroblocks, int32_t shorter) {
     Bytes body;
     uint64_t bits = 0;
@@ -78,8 +78,8 @@ struct Roads : LibraryTest {
     const DecoderPtr decoder = Headless_Decoder(width, height);
     Seen seen;
     for (int32_t i = 0; i < Steps; ++i) {
-      // A picture compressed in between leaves its coefficients in what no macroblock covers.
-      // That picture's own chroma reaches the last positions, which noise seldom does.
+      // A picture compressed in between leaves its coefficients where there is no macroblock. Its chroma has coefficients in the
+      // last positions, which that of noise seldom has.
       const Bytes frame = i % 4 == 2 ? Compressed(decoder.get(), 20 * i, pixels, 0) : Bytes();
       Push(decoder.get(), !frame.empty() ? frame : Compact_Frame(width, height, 17 + 12 * i, bodies[(size_t)i]));
       seen.planes.push_back(Planes_Of(decoder.get()));
@@ -92,7 +92,7 @@ struct Roads : LibraryTest {
   }
 };
 
-TEST_F(Roads, GiveTheSamePictures) {
+TEST_F(Pipelines, GiveTheSamePictures) {
   size_t longest = 0;
   for (const auto& [width, height] :
        {std::pair{16, 16}, {17, 31}, {9, 40}, {40, 9}, {24, 24}, {56, 72}, {330, 57}, {95, 65}, {1, 1}, {608, 16}}) {
@@ -108,11 +108,11 @@ TEST_F(Roads, GiveTheSamePictures) {
     }
     for (const Bytes& text : expected.texts) longest = std::max(longest, text.size());
   }
-  EXPECT_GT(longest, 5u);  // Noise hides texts, so that their comparison says something.
+  EXPECT_GT(longest, 5u);  // There are hidden texts to compare.
 }
 
-/** A strip leaves data over for the next one, anywhere from too much to too little for the most that this can take. */
-TEST_F(Roads, FindAllDataOfTheLongestCodes) {
+/** The data that a strip leaves ranges from more to less than the most that the next strip can need. */
+TEST_F(Pipelines, FindAllDataOfTheLongestCodes) {
   for (int32_t shorter = 0; shorter < 480;) {
     std::vector<Bytes> bodies;
     for (int32_t i = 0; i < Steps; ++i, shorter += 10) bodies.push_back(Longest_Codes(32, shorter));
