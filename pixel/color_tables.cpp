@@ -16,7 +16,8 @@ constexpr auto rangeStore = [] {
   return store;
 }();
 
-/* 16.16. The rounding half of each sum stands in one of its three terms; that of chroma is one less, so that 255 is the most. */
+/* Fixed point, 16.16. One of the three terms of each sum includes the rounding half. For chroma that is one less than a half, so
+ * that no sum exceeds 255. */
 constexpr auto rgbYccStore = [] {
   std::array<int32_t, 8 * 256> store{};
   for (int32_t i = 0; i < 256; ++i) {
@@ -27,7 +28,7 @@ constexpr auto rgbYccStore = [] {
   return store;
 }();
 
-/* Both green terms carry a rounding half, so that neutral chroma adds 1 to green. */
+/* Both terms of green include a rounding half, so that neutral chroma adds 1 to green. */
 constexpr auto yccRgbStore = [] {
   std::array<int32_t, 4 * 256> store{};
   for (int32_t i = 0; i < 256; ++i) {

@@ -26,8 +26,8 @@ static void Load_Source(JdecRaster* raster, const uint8_t* pixels, bool doubleRo
   if (raster->height % 2 && last > 0) std::memcpy(raster->rows[last], raster->rows[last - 1], pitch);
 }
 
-/** Brings the caller's picture into the codec's planes. 0 when memory can't be had. */
-static int32_t Load_Planes(JdecCodec* codec, const uint8_t* pixels, bool doubleRows) {
+/** Converts the caller's picture into the codec's planes. False without memory. */
+static bool Load_Planes(JdecCodec* codec, const uint8_t* pixels, bool doubleRows) {
   JdecPlanes* const full = Planes_New(codec->width, codec->height, 4, 4);
   JdecRaster* const raster = Raster_New(codec->width, codec->height, 24);
   const bool complete = full && raster;
@@ -49,7 +49,7 @@ static void Transform_Planes(JdecCodec* codec) {
   Forward_DCT_Plane(planes->cbRows, codec->coefCb, width / 2, height / 2, codec->chromaForward, codec->chromaInverse);
 }
 
-/** Writes what of the header can be written before the data, and leaves room for the remainder. */
+/** Writes the header to the empty store. A compact one gets its body's length in Close_Store. */
 static void Open_Store(JdecCodec* codec, bool withMarkers) {
   JdecFrameBuffer* const frame = codec->frame;
   frame->position = 0;
@@ -63,7 +63,7 @@ static void Open_Store(JdecCodec* codec, bool withMarkers) {
   }
 }
 
-/** Ends the frame after its data. Gives the frame's length; 0, with an empty store, when the frame is longer than the store. */
+/** Completes the frame after its data. Gives its length; 0, with an empty store, if it doesn't fit the store. */
 static int32_t Close_Store(JdecCodec* codec, bool withMarkers) {
   JdecFrameBuffer* const frame = codec->frame;
   const int32_t endSize = withMarkers ? LeastJfifBytes - JfifHeaderSize : 0;
@@ -87,15 +87,16 @@ int32_t Codec_Encode_Store(JdecCodec* codec, bool withMarkers) {
   return Close_Store(codec, withMarkers);
 }
 
+/** Sets the codec's quality for the 0 to 100 of JDEC_Compress_RGB888. */
 static void Set_Given_Quality(JdecCodec* codec, int32_t quality) {
   Codec_Set_Quality(codec, std::clamp(quality, 0, 100) * 80 / 100 + 10);
 }
 
-int32_t Codec_Transform_RGB888(JdecCodec* codec, int32_t quality, const uint8_t* pixels, bool doubleRows) {
+bool Codec_Transform_RGB888(JdecCodec* codec, int32_t quality, const uint8_t* pixels, bool doubleRows) {
   Set_Given_Quality(codec, quality);
-  if (!Load_Planes(codec, pixels, doubleRows)) return 0;
+  if (!Load_Planes(codec, pixels, doubleRows)) return false;
   Transform_Planes(codec);
-  return 1;
+  return true;
 }
 
 int32_t Codec_Compress_RGB888(JdecCodec* codec, int32_t quality, const uint8_t* pixels, uint32_t /*ignored*/, uint8_t* buffer,

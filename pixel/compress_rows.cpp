@@ -16,18 +16,18 @@ struct BottomUpRows {
   int32_t height;  ///< Rows of the picture.
   bool doubleRows;
 
-  /** Row i of the picture, counted from its top. An odd last row of doubled ones is the one above it. */
+  /** Row i of the picture from the top. With doubled rows, an odd last row is the same as the one above it. */
   [[nodiscard]] const uint8_t* Row(int32_t i) const {
     const int32_t fromBottom = doubleRows ? std::max(height / 2 - 1 - i / 2, 0) : height - 1 - i;
     return pixels + static_cast<size_t>(fromBottom) * pitch;
   }
 };
 
-/** Brings the pairs of picture rows from..to into the planes. */
+/** Converts pairs of picture rows into the planes: from pair `from` up to pair `to`, without `to`. */
 void Load_Pairs(JdecPlanes* planes, const BottomUpRows& source, int32_t from, int32_t to) {
   const int32_t rows = source.height / 2;
   for (int32_t r = from; r < to; ++r) {
-    // As Downsample_Plane has it.
+    // The same as in Downsample_Plane.
     const int32_t evenBias = 1 + r % 2;
     const int32_t oddBias = rows % 2 ? 3 - evenBias : evenBias;
     kernels.toPlanes(source.Row(2 * r), source.Row(2 * r + 1), planes->yRows[2 * r], planes->yRows[2 * r + 1], planes->cbRows[r],
@@ -35,12 +35,12 @@ void Load_Pairs(JdecPlanes* planes, const BottomUpRows& source, int32_t from, in
   }
 }
 
-/** An odd last row has luma alone. */
+/** The last row of an odd height has luma only. */
 void Load_Last_Row(JdecPlanes* planes, const BottomUpRows& source) {
   const int32_t last = source.height - 1;
   uint8_t* const luma = planes->yRows[last];
   if (source.doubleRows && last == 0) {
-    // There is no source row; black.
+    // There is no source row: the row is black.
     std::memset(luma, 0, static_cast<size_t>(planes->yWidth));
     return;
   }
@@ -52,14 +52,14 @@ void Load_Last_Row(JdecPlanes* planes, const BottomUpRows& source) {
   }
 }
 
-/** Fills the last byte up with ones. 0 when there's no room for it. */
-int32_t Flush_Bits(HuffWriter* writer) {
-  if (writer->bitCount == 0) return 1;
+/** Writes the last byte, filled with ones. False if there is no room for it. */
+bool Flush_Bits(HuffWriter* writer) {
+  if (writer->bitCount == 0) return true;
   const auto byte = static_cast<uint8_t>(writer->bits << (8 - writer->bitCount) | 0xFFu >> writer->bitCount);
-  if (writer->end - writer->next < (byte == 0xFF ? 2 : 1)) return 0;
+  if (writer->end - writer->next < (byte == 0xFF ? 2 : 1)) return false;
   *writer->next++ = byte;
   if (byte == 0xFF) *writer->next++ = 0;
-  return 1;
+  return true;
 }
 
 }  // namespace
@@ -70,7 +70,7 @@ void Compress_Rows(JdecCodec* codec, const uint8_t* pixels, bool doubleRows) {
   const int32_t width = codec->width, height = codec->height, units = height / 16;
   const BottomUpRows source = {pixels, static_cast<size_t>(width) * 3, height, doubleRows};
   HuffWriter writer = {frame->data + frame->length, frame->data + FrameStoreSize, 0, 0, {}};
-  int32_t whole = 1;
+  bool whole = true;
   for (int32_t m = 0; m < units; ++m) {
     Load_Pairs(planes, source, 8 * m, 8 * m + 8);
     const EncodeSource rows = {planes->yRows + static_cast<size_t>(m) * 16,

@@ -6,15 +6,15 @@
 
 #include <algorithm>
 
-/** A raster of this many bytes or more that nobody reads at once goes past the cache. One that fits the caches nearest to the
- * processor is better left there for whoever reads it later. */
+/** A raster of at least this many bytes that isn't read at once is written past the caches. A smaller one fits the caches nearest
+ *  to the processor and is better left there. */
 static constexpr int64_t LargeRaster = 2 << 20;
 
-/** Of a format: the kernel, and the one for large rasters. */
+/** The kernels of a format. */
 struct Converter {
   int32_t bitsPerPixel;
   ConvertRowsKernel Kernels::*convert;
-  ConvertRowsKernel Kernels::*stream;
+  ConvertRowsKernel Kernels::*stream;  ///< Writes past the caches.
 };
 
 static constexpr Converter converters[] = {{8, nullptr, nullptr},
@@ -37,7 +37,7 @@ static void Convert_Rows(int32_t pixelFormat, const JdecPlanes* planes, JdecRast
   if (large) kernels.endStream();
 }
 
-/** More than a picture has. */
+/** More pairs of rows than any picture has. */
 static constexpr int32_t AllRows = MaxPictureSide;
 
 void YCC_To_RGB24(const JdecPlanes* planes, JdecRaster* raster) {

@@ -10,7 +10,7 @@ namespace {
 constexpr uint8_t ditherMatrixNormal[4][4] = {{0, 8, 2, 10}, {12, 4, 14, 6}, {3, 11, 1, 9}, {15, 7, 13, 5}};
 constexpr uint8_t ditherMatrixShrink[4][4] = {{0, 8, 14, 2}, {12, 4, 6, 10}, {11, 7, 5, 13}, {3, 15, 9, 1}};
 
-/** Level of a sum, `least` to `most`, at its place in the index. */
+/** For each sum of sample and dither value its step, from `least` to `most`, shifted to its place in the palette index. */
 template <size_t Size>
 constexpr auto Quantiser(int32_t offset, int32_t least, int32_t most, int32_t shift) {
   std::array<uint8_t, Size> table{};

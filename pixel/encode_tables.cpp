@@ -21,7 +21,7 @@ constexpr JdecHuffEncode Huff_Build_Encode_Table(const HuffCode& huffCode) {
   return table;
 }
 
-/** A code with the low bits of its value behind it. */
+/** A code followed by the low bits of its value, and in the low byte the number of these bits. */
 constexpr uint32_t Entry(const JdecHuffEncode& code, int32_t run, int32_t value) {
   const int32_t size = std::bit_width(static_cast<uint32_t>(value < 0 ? -value : value)), symbol = run * 16 + size;
   const uint32_t low = static_cast<uint32_t>(value < 0 ? value - 1 : value) & ((1u << size) - 1);
@@ -33,11 +33,11 @@ struct EntryStore {
 
   constexpr EntryStore(const JdecHuffEncode& dcCode, const JdecHuffEncode& acCode) : dc{}, ac{} {
     for (int32_t d = 1 - HuffDcReach; d < HuffDcReach; ++d) dc[d + HuffDcReach] = Entry(dcCode, 0, d);
-    // A byte of 127 or -128 may stand for any larger level, and a distance of 17 for any larger one.
+    // A byte of 127 or -128 can also mean a larger coefficient, and a distance of 17 a longer one.
     for (int32_t distance = 1; distance <= 17; ++distance) {
-      for (int32_t level = -128; level < 128; ++level) {
-        const bool special = distance == 17 || level == -128 || level == 127;
-        if (level != 0) ac[distance][static_cast<uint8_t>(level)] = special ? HuffAcSpecial : Entry(acCode, distance - 1, level);
+      for (int32_t value = -128; value < 128; ++value) {
+        const bool special = distance == 17 || value == -128 || value == 127;
+        if (value != 0) ac[distance][static_cast<uint8_t>(value)] = special ? HuffAcSpecial : Entry(acCode, distance - 1, value);
       }
     }
     ac[0][0] = Entry(acCode, 0, 0);
@@ -46,12 +46,13 @@ struct EntryStore {
 
 using ScanMasks = std::array<uint64_t[256], 8>;
 
+/** By row and by the columns that it uses, one bit each: the scan positions of its coefficients, one bit each. */
 constexpr ScanMasks Build_Scan_Masks() {
   ScanMasks masks{};
   for (int32_t k = 0; k < 64; ++k) {
     const int32_t row = zigzagOrder[k] / 8, column = zigzagOrder[k] % 8;
-    for (uint32_t levels = 0; levels < 256; ++levels) {
-      masks[static_cast<size_t>(row)][levels] |= static_cast<uint64_t>(levels >> column & 1) << k;
+    for (uint32_t used = 0; used < 256; ++used) {
+      masks[static_cast<size_t>(row)][used] |= static_cast<uint64_t>(used >> column & 1) << k;
     }
   }
   return masks;

@@ -1,11 +1,12 @@
-/* The four Huffman codes of all frames as the encoder needs them. */
+/* The four Huffman codes in the encoder's form. */
 #pragma once
 
 #include "kernels/kernels.h"
 
-/** Of luma and of chroma. Null until Huff_Init_Encode_Tables; never change afterwards. */
+/** Two records, the first for luma, the second for chroma. Null until Huff_Init_Encode_Tables. */
 extern const HuffEncodeTables* huffEncodeTables;
 
 /** Points huffEncodeTables to the tables, which are made at compile time. */
 void Huff_Init_Encode_Tables();
+/** Sets huffEncodeTables to null. */
 void Huff_Free_Encode_Tables();

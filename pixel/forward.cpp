@@ -23,8 +23,8 @@ void Downsample_Plane(uint8_t** target, uint8_t* const* source, int32_t width, i
     for (int32_t i = 0; i < height; ++i) std::memcpy(target[i], source[i], static_cast<size_t>(width));
     return;
   }
-  // The bias alternates 1, 2 from sample to sample down each column and on into the next: with an odd number of rows, odd columns
-  // begin with 2.
+  // The bias alternates between 1 and 2 down each column and on into the next one: with an odd number of rows, odd columns begin
+  // with 2.
   const int32_t rows = height / 2;
   for (int32_t r = 0; r < rows; ++r) {
     const int32_t evenBias = 1 + r % 2;

@@ -10,7 +10,7 @@ namespace {
 
 constexpr uint8_t EndOfBlock = 0x00, SixteenZeros = 0xF0;
 
-void Put_Byte(JdecCodec* codec, uint8_t byte) {
+void Huff_Put_Byte(JdecCodec* codec, uint8_t byte) {
   if (codec->streamCount < FrameStoreSize) *codec->streamPtr++ = byte;
   ++codec->streamCount;
 }
@@ -20,15 +20,15 @@ void Huff_Reset_Bits(JdecCodec* codec) {
   codec->writeCount = 0;
 }
 
-/** Appends the low `count` bits of value, 0 to 16; with at most 7 pending, the 24 bits of the accumulator hold them. */
+/** Appends the low `count` bits of value, 0 to 16. At most 7 bits are pending, so that they fit the accumulator's 24 bits. */
 void Huff_Put_Bits(JdecCodec* codec, uint32_t value, int32_t count) {
   if (count == 0) return;
   int32_t total = codec->writeCount + count;
   codec->writeBuffer |= (value & bitMasks[count]) << (24 - total);
   for (; total >= 8; total -= 8) {
     const auto byte = static_cast<uint8_t>(codec->writeBuffer >> 16);
-    Put_Byte(codec, byte);
-    if (byte == 0xFF) Put_Byte(codec, 0);
+    Huff_Put_Byte(codec, byte);
+    if (byte == 0xFF) Huff_Put_Byte(codec, 0);
     codec->writeBuffer <<= 8;
   }
   codec->writeCount = total;
@@ -42,18 +42,18 @@ int32_t Bit_Size(int32_t value) {
   return static_cast<int32_t>(std::bit_width(static_cast<uint32_t>(value < 0 ? -value : value)));
 }
 
-/** A symbol, then the low bits of its value; negative values go one lower. */
-void Put_Value(JdecCodec* codec, const JdecHuffEncode& table, int32_t run, int32_t value) {
+/** Writes the symbol of a run and a value, and the low bits of the value, of value - 1 if it is negative. */
+void Huff_Put_Value(JdecCodec* codec, const JdecHuffEncode& table, int32_t run, int32_t value) {
   const int32_t size = Bit_Size(value);
   const int32_t symbol = run * 16 + size;
   Huff_Put_Bits(codec, table.code[symbol], table.size[symbol]);
   Huff_Put_Bits(codec, static_cast<uint32_t>(value < 0 ? value - 1 : value), size);
 }
 
-/** Encodes a block; gives its DC value. */
+/** Encodes a block of 64 coefficients in natural order. Gives its DC value, the predictor of the next one. */
 int32_t Huff_Encode_Block(JdecCodec* codec, const int32_t* block, int32_t predictor, const JdecHuffEncode& dc,
                           const JdecHuffEncode& ac) {
-  Put_Value(codec, dc, 0, block[0] - predictor);
+  Huff_Put_Value(codec, dc, 0, block[0] - predictor);
   int32_t run = 0;
   for (int32_t k = 1; k < 64; ++k) {
     const int32_t value = block[zigzagOrder[k]];
@@ -62,7 +62,7 @@ int32_t Huff_Encode_Block(JdecCodec* codec, const int32_t* block, int32_t predic
       continue;
     }
     for (; run > 15; run -= 16) Huff_Put_Bits(codec, ac.code[SixteenZeros], ac.size[SixteenZeros]);
-    Put_Value(codec, ac, run, value);
+    Huff_Put_Value(codec, ac, run, value);
     run = 0;
   }
   if (run > 0) Huff_Put_Bits(codec, ac.code[EndOfBlock], ac.size[EndOfBlock]);

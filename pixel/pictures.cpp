@@ -4,13 +4,13 @@
 
 #include <cstring>
 
-/** Carves `count` records out of an arena. */
+/** Takes `count` records from an arena. */
 template <typename T>
 static T* Carve(uint8_t** arena, size_t count) {
   return static_cast<T*>(Arena_Alloc(count * sizeof(T), arena));
 }
 
-/** The pixels of a raster start at a multiple of this: kernels write them by vectors. */
+/** The pixels of a raster start at a multiple of this, for the vector instructions that write them. */
 static constexpr size_t CacheLine = 64;
 
 static size_t Size(int32_t n) { return static_cast<size_t>(n); }

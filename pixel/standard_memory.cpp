@@ -1,4 +1,4 @@
-/* Memory for programs that have the codec alone: the C library's. */
+/* Memory_Alloc and Memory_Free for programs that have the codec alone: malloc and free. */
 #include "pixel/arena.h"
 
 #include <cstdlib>

@@ -20,7 +20,7 @@ TEST_F(LibraryTest, WhatIsCompressedComesBack) {
     int32_t given, quality;
     double least;
   } cases[] = {{INT32_MIN, 10, 23}, {0, 10, 23}, {33, 36, 28}, {50, 50, 29}, {100, 90, 41}, {INT32_MAX, 90, 41}};
-  kernels = Kernels_Select(KernelPlain);  // On the road of whole planes coefficients can be looked at.
+  kernels = Kernels_Select(KernelPlain);  // The plain pipeline keeps the coefficients.
   for (const auto& [given, quality, least] : cases) {
     const DecoderPtr encoder = Headless_Decoder(width, height), decoder = Headless_Decoder(16, 16);
     const Bytes jfif = Compressed(encoder.get(), given, pixels, 1), compact = Compressed(encoder.get(), given, pixels, 0);

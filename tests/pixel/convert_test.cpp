@@ -1,7 +1,6 @@
-// Colour tables and converters of every level against the formulas, and against a picture converted elsewhere.
+// Colour tables, and the converters of every kernel level, against the formulas and against a picture converted elsewhere.
 #include "pixel/convert.h"
 
-#include "pixel/color_tables.h"
 #include "pixel/dither.h"
 #include "pixel/forward.h"
 #include "support/levels.h"
@@ -12,7 +11,7 @@
 
 namespace {
 
-/** JFIF's matrix in fractions of 16 bits; green carries two rounding halves, so that neutral chroma makes it one brighter. */
+/** JFIF's matrix in fractions of 16 bits. Green has two rounding halves, so that neutral chroma adds 1. */
 Bytes Expected_Pixel(int32_t format, int32_t y, int32_t cb, int32_t cr) {
   const double u = (cb - 128) / 65536.0, v = (cr - 128) / 65536.0;
   const auto limited = [y](double offset) { return std::clamp(y + (int32_t)std::floor(offset), 0, 255); };
@@ -29,7 +28,7 @@ const struct {
   const char* extension;
 } formats[] = {{PixelRgb24, 24, "bgr24"}, {PixelRgb32, 32, "bgr32"}, {PixelRgb565, 16, "rgb565"}, {PixelRgb555, 16, "rgb555"}};
 
-/** The rows, top first, of a raster of 0xCC bytes with the planes converted into it. Nothing beside the raster is written. */
+/** Converts the planes into a raster of 0xCC bytes. Gives its rows, top row first. Nothing outside it may be written. */
 Bytes Converted(int32_t format, int32_t bits, const JdecPlanes* planes, int32_t ditherMode = DitherNormal) {
   const int32_t width = planes->yWidth, height = planes->yHeight, pitch = width * bits / 8;
   Bytes store(64 + (size_t)(pitch * height) + 64, 0xCC), top;
@@ -42,7 +41,7 @@ Bytes Converted(int32_t format, int32_t bits, const JdecPlanes* planes, int32_t 
   return top;
 }
 
-/** The kernels of each level; and the same with the converters of large rasters for all. */
+/** The kernels of each level; and the same with the converters of large rasters for rasters of any size. */
 std::vector<std::pair<std::string, Kernels>> Converter_Kernels() {
   std::vector<std::pair<std::string, Kernels>> all;
   for (const auto& [level, mask] : Test_Levels()) {
@@ -55,7 +54,7 @@ std::vector<std::pair<std::string, Kernels>> Converter_Kernels() {
   return all;
 }
 
-/** Planes of a picture; luma, Cb and Cr lie one behind another. */
+/** Planes of noise. Luma, Cb and Cr follow one another in memory. */
 PlanesPtr Noise_Planes(Noise* noise, int32_t width, int32_t height) {
   PlanesPtr planes(Planes_New(width, height, 4, 1));
   const int32_t samples = width * height + 2 * planes->cbWidth * planes->cbHeight;
@@ -95,15 +94,15 @@ TEST_F(Converters, EveryPairOfChromaValuesAndEverySmallSize) {
   }
 }
 
-/** The rule: of each component the level at or below its sample, of chroma halved, once the matrix's value is added. */
+/** The rule: each component is the step at or below the sum of the matrix's value and the sample, for chroma half the sample. */
 int32_t Expected_Index(int32_t matrixValue, int32_t y, int32_t cb, int32_t cr) {
-  const auto level = [matrixValue](int32_t sample, int32_t offset, int32_t least, int32_t most) {
+  const auto step = [matrixValue](int32_t sample, int32_t offset, int32_t least, int32_t most) {
     return std::clamp((sample + matrixValue - offset) >> 4, least, most);
   };
-  return level(y, 8, 1, 14) << 4 | level(cb / 2, 40, 0, 3) << 2 | level(cr / 2, 40, 0, 3);
+  return step(y, 8, 1, 14) << 4 | step(cb / 2, 40, 0, 3) << 2 | step(cr / 2, 40, 0, 3);
 }
 
-/** Also of odd sizes each pixel is written: the last column and row take the chroma beside them. */
+/** Every pixel is written: the last column and row of odd sizes use the chroma of their neighbours. */
 TEST_F(Converters, DitherFollowsItsRuleAtEverySmallSize) {
   constexpr int32_t normal[4][4] = {{0, 8, 2, 10}, {12, 4, 14, 6}, {3, 11, 1, 9}, {15, 7, 13, 5}};
   constexpr int32_t shrink[4][4] = {{0, 8, 14, 2}, {12, 4, 6, 10}, {11, 7, 5, 13}, {3, 15, 9, 1}};
@@ -131,7 +130,7 @@ TEST_F(Converters, DitherFollowsItsRuleAtEverySmallSize) {
 
 TEST_F(Converters, PicturePieceByPiece) {
   Noise noise{8};
-  for (const auto& [width, height] : {std::pair{37, 21}, {4096, 1366}}) {  // The large one goes past any cache.
+  for (const auto& [width, height] : {std::pair{37, 21}, {4096, 1366}}) {  // The large one is written past the caches.
     const PlanesPtr planes = Noise_Planes(&noise, width, height);
     for (const auto& [format, bits] : {std::pair{PixelPalette8, 8}, {PixelRgb555, 16}, {PixelRgb24, 24}, {PixelRgb32, 32}}) {
       const Bytes whole = Converted(format, bits, planes.get());
@@ -154,7 +153,7 @@ TEST_F(Converters, PicturePieceByPiece) {
 TEST_F(Converters, PictureConvertedElsewhere) {
   const Bytes samples = Read_File(Data_Path("planes-48x16.yuv"));
   const PlanesPtr planes(Planes_New(48, 16, 4, 1));
-  memcpy(planes->yRows[0], samples.data(), 48 * 16);  // Rows and planes lie one behind the other.
+  memcpy(planes->yRows[0], samples.data(), 48 * 16);  // Rows and planes follow one another.
   memcpy(planes->cbRows[0], &samples[48 * 16], 2 * 24 * 8);
   for (const auto& [format, bits, extension] : formats) {
     EXPECT_EQ(Converted(format, bits, planes.get()), Read_File(Data_Path(std::string("planes-48x16.") + extension))) << extension;
