@@ -32,8 +32,8 @@ int32_t Screen_Bits() {
   return bits;
 }
 
-/** Describes a picture that lies bottom row first, in the window's depth. */
-BITMAPINFO* Bitmap_Info_New(HWND window, int32_t width, int32_t height) {
+/** Makes the header of a picture with its bottom row first, in the window's depth. Null without memory. */
+BITMAPINFO* Create_Bitmap_Info(HWND window, int32_t width, int32_t height) {
   auto* info = static_cast<BITMAPINFO*>(Arena_Alloc_Zeroed(BitmapInfoSize));
   if (!info) return nullptr;
   BITMAPINFOHEADER& header = info->bmiHeader;
@@ -51,7 +51,7 @@ BITMAPINFO* Bitmap_Info_New(HWND window, int32_t width, int32_t height) {
   return info;
 }
 
-/** Stretching down across monitors is what DirectDraw does badly. */
+/** DirectDraw does badly when it shrinks a picture on a secondary monitor. */
 bool GDI_Suits_Better(const JdecDisplay* display, int32_t width) {
   int32_t adapters = 0;
   Display_Count_Adapters(&adapters);
@@ -76,7 +76,7 @@ int32_t Surface_Format(int32_t bits, DWORD redMask) {
   return redMask == RedMask565 ? int32_t{PixelRgb565} : -1;
 }
 
-/** DirectDraw up to the clipper of the window. False, with what was made left in the record, means the GDI form. */
+/** Sets up DirectDraw, up to the window's clipper. False means the GDI form; what was made so far stays in the record. */
 bool Open_DirectDraw(JdecDisplay* display) {
   if (FAILED(DirectDrawCreate(nullptr, &display->ddraw, nullptr))) return false;
   IDirectDraw_SetCooperativeLevel(display->ddraw, display->window, DDSCL_NORMAL);
@@ -94,7 +94,7 @@ bool Open_DirectDraw(JdecDisplay* display) {
   const int32_t format = Surface_Format(display->displayBits, description.ddpfPixelFormat.dwRBitMask);
   if (format < 0) return false;
   display->pixelFormat = format;
-  Lines_Select(display->displayBits);
+  Select_Lines(display->displayBits);
 
   return SUCCEEDED(IDirectDraw_CreateClipper(display->ddraw, 0, &display->clipper, nullptr)) &&
          SUCCEEDED(IDirectDrawClipper_SetHWnd(display->clipper, 0, display->window)) &&
@@ -116,7 +116,7 @@ HRESULT Create_Offscreen(JdecDisplay* display, int32_t width, int32_t height) {
   return IDirectDraw_CreateSurface(display->ddraw, &description, &display->offscreenSurface, nullptr);
 }
 
-/** What the DirectDraw form alone has beside its surfaces. */
+/** Makes what the DirectDraw form has besides its surfaces. False without memory or a lock. */
 bool Create_Overlay_State(JdecDisplay* display, int32_t width, int32_t height) {
   Display_Build_Palette(display);
   display->motionCells = static_cast<uint8_t*>(Arena_Alloc_Zeroed(MotionColumns * MotionRows));
@@ -126,7 +126,7 @@ bool Create_Overlay_State(JdecDisplay* display, int32_t width, int32_t height) {
   return display->lock != nullptr;
 }
 
-/** Settles the form. False: the display can't be had at all. */
+/** Chooses the form. False if the display can't be made at all. */
 bool Choose_Form(JdecDisplay* display, int32_t width, int32_t height) {
   if (GDI_Suits_Better(display, width) || !Open_DirectDraw(display)) {
     Display_Use_GDI(display);
@@ -182,7 +182,7 @@ JdecDisplay* Display_Create(HWND window, int32_t width, int32_t height) {
     Display_Destroy(display);
     return nullptr;
   }
-  display->bitmapInfo = Bitmap_Info_New(window, width, height);
+  display->bitmapInfo = Create_Bitmap_Info(window, width, height);
   if (!display->bitmapInfo || !Choose_Form(display, width, height)) {
     Display_Destroy(display);
     return nullptr;
@@ -233,7 +233,7 @@ HRESULT Display_Count_Adapters(int32_t* count) {
   if (!library) return E_FAIL;
   const auto enumerate =
       reinterpret_cast<EnumerateDevices>(reinterpret_cast<void*>(GetProcAddress(library, "DirectDrawEnumerateExA")));
-  // Systems without the extended enumeration know one device.
+  // A system without the extended enumeration counts as having one device.
   const HRESULT result = enumerate != nullptr ? enumerate(Count_Attached_Device, count, DDENUM_ATTACHEDSECONDARYDEVICES)
                                               : DirectDrawEnumerateA(Count_First_Device, count);
   FreeLibrary(library);

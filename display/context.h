@@ -1,9 +1,9 @@
-/* The display of a decoder: one window, one picture size, and one of two forms, settled when it is made.
+/* The display of a decoder: one window, one picture size, and one of two forms, chosen when it is made.
  *
  * DirectDraw form: the picture and its overlays are composed on a tall off-screen surface, then stretched to the window.
- * GDI form: the raster is stretched straight to the window, without overlays.
+ * GDI form: the raster is stretched directly to the window, without overlays.
  *
- * A display is used by one thread at a time; its lock guards the draw callback alone. */
+ * A display is used by one thread at a time. Its lock guards the draw callback only. */
 #pragma once
 
 #include "pixel/pictures.h"
@@ -13,8 +13,9 @@
 
 using DrawCallback = VelartoDrawCallback;
 
+/** Cells of the motion area. */
 constexpr int32_t MotionColumns = 20, MotionRows = 15;
-/** Rows of the off-screen surface kept for the PTZ bitmap. */
+/** Rows of the PTZ strip on the off-screen surface. */
 constexpr int32_t PtzStripRows = 120;
 
 struct JdecDisplay {
@@ -25,19 +26,19 @@ struct JdecDisplay {
   IDirectDrawClipper* clipper;
   IDirectDrawPalette* ddPalette;  ///< 8-bit DirectDraw form only.
   HWND window;
-  JdecRaster* lastRaster;    ///< Raster shown last, not owned; refills a lost surface.
+  JdecRaster* lastRaster;    ///< Raster shown last, not owned. It is copied again to a lost surface.
   int32_t pixelFormat;       ///< A PixelFormat.
   int32_t displayBits;       ///< Bits per pixel of the screen: 8, 16, 24 or 32.
   BITMAPINFO* bitmapInfo;    ///< Owned: a header and 240 colour slots, 1000 bytes.
   HPALETTE gdiPalette;       ///< 8-bit GDI form only.
-  HPALETTE previousPalette;  ///< What gdiPalette took the place of.
+  HPALETTE previousPalette;  ///< The palette that gdiPalette replaced.
   uint8_t* motionCells;      ///< Owned: MotionRows rows of MotionColumns flags. Null in the GDI form.
   HANDLE lock;               ///< Guards the two fields below. Null in the GDI form.
   DrawCallback drawCallback;
   uintptr_t drawCallbackUser;
   int32_t ptzWidth, ptzHeight;  ///< Size of the PTZ bitmap in its strip.
   int32_t ptzEnabled;
-  int32_t keyRow;               ///< Rows at the foot of the off-screen surface that the template bitmap leaves free.
+  int32_t keyRow;               ///< Rows of the PTZ and position strips, at the bottom of the off-screen surface.
   int32_t posHeight, posWidth;  ///< Size of the position strip.
   int32_t posEnabled;
   uint32_t fpsTick;  ///< Milliseconds: start of the frame-rate period.
@@ -49,30 +50,31 @@ struct JdecDisplay {
   char motionString[256];
 };
 
-/** The off-screen surface for a picture of some size: below the picture the motion-area layer, the template's strips, the PTZ
- * strip and the position strip. At pictures 640 wide only heights of 240 and 480 leave the layer all the rows that the picture
- * has. */
+/** Rows of the off-screen surface for a picture size. From the top: the picture, the motion-area layer, the template strips, the
+ *  PTZ strip and the position strip. For pictures 640 wide and more than 240 high, except 640x480, the layer has fewer rows than
+ *  the picture. */
 struct SurfaceLayout {
   int32_t posHeight;      ///< Rows of the position strip.
   int32_t keyRow;         ///< Rows of the PTZ and position strips.
   int32_t surfaceHeight;  ///< All rows.
-  int32_t layerRows;      ///< Rows of the layer: as many as the picture has, or fewer.
-  int32_t stripRow;       ///< The first row of the template's strips.
+  int32_t layerRows;      ///< Rows of the layer.
+  int32_t templateRow;    ///< First row of the template strips.
 };
 SurfaceLayout Surface_Layout(int32_t width, int32_t height);
 
-/** Columns and rows of a surface; 0 when it can't tell. */
+/** Width and height of a surface in pixels; both 0 if its description fails. */
 SIZE Surface_Size(IDirectDrawSurface* surface);
 
-/** Makes the display of a window for pictures of that size, in whichever form the screen allows. Gives null when the screen's
- * depth is unknown (the user is told), or the off-screen surface or memory can't be had; nothing stays allocated then. */
+/** Makes the display of a window for pictures of that size, in the DirectDraw form if the screen supports it. Gives null for a
+ *  screen depth that isn't supported, after a message to the user, if the off-screen surface can't be created, or without memory.
+ *  Nothing stays allocated then. */
 JdecDisplay* Display_Create(HWND window, int32_t width, int32_t height);
 
 /** Releases everything that the display owns, and the record. Null is allowed. */
 void Display_Destroy(JdecDisplay* display);
 
-/** Gives the record the GDI form, and gives it back. DirectDraw objects made so far stay until Display_Destroy. */
+/** Changes the display to the GDI form and returns it. DirectDraw objects made so far stay until Display_Destroy. */
 JdecDisplay* Display_Use_GDI(JdecDisplay* display);
 
-/** Adds the number of display devices to *count. Gives the enumeration's result, or E_FAIL without DirectDraw. */
+/** Adds the number of display devices to *count. Gives the enumeration's result; E_FAIL if DirectDraw can't be loaded. */
 HRESULT Display_Count_Adapters(int32_t* count);

@@ -15,7 +15,7 @@ struct MonitorFunctions {
   GetInfo getInfo;
 };
 
-/** What a system with several monitors has; one that lacks any of it is taken to lack them all. */
+/** The functions for several monitors. If the system lacks one of them, none is used. */
 constexpr const char* functionNames[] = {"GetSystemMetrics",    "MonitorFromWindow", "MonitorFromRect",    "MonitorFromPoint",
                                          "EnumDisplayMonitors", "GetMonitorInfoA",   "EnumDisplayDevicesA"};
 

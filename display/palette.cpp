@@ -1,6 +1,5 @@
 #include "display/palette.h"
 
-#include "pixel/arena.h"
 #include "pixel/convert.h"
 
 #include "platform/win32.h"
@@ -12,10 +11,10 @@
 namespace {
 
 constexpr int32_t PaletteSize = 256;
-/** In the DirectDraw table a colour stands this far below its index: the system's palette manager keeps the first ten entries of
- * the screen for itself, and the table is laid behind them. */
+/** In the DirectDraw table the colour of an index is this many entries before that index: the system keeps the first ten entries
+ *  of the screen's palette, and the table comes after them. */
 constexpr int32_t TableOffset = 10;
-/** PC_RESERVED and PC_NOCOLLAPSE: every entry keeps a place of its own. Also the filling of the unused ones. */
+/** PC_RESERVED and PC_NOCOLLAPSE: no entry is merged with another. Unused entries are filled with this byte. */
 constexpr uint8_t KeptEntry = 5;
 constexpr WORD PaletteVersion = 0x300;
 
@@ -23,7 +22,7 @@ constexpr uint8_t Limited(int32_t value) { return static_cast<uint8_t>(std::clam
 
 using Table = std::array<PALETTEENTRY, PaletteSize>;
 
-/** All colours, each at its index less `offset`. */
+/** Fills in all colours, each at its index minus `offset`. */
 void Fill_Colors(Table* table, int32_t offset, uint8_t flags) {
   for (int32_t i = FirstColor; i <= LastColor; ++i) {
     PALETTEENTRY& entry = (*table)[static_cast<size_t>(i - offset)];
@@ -48,7 +47,7 @@ struct LogicalPalette {
 };
 static_assert(sizeof(LogicalPalette) == 4 + 4 * PaletteSize);
 
-/** The colour slots of bitmapInfo as indices of 16 bits, one for each colour. */
+/** Fills the colour slots of bitmapInfo with 16-bit indices, one for each colour. */
 void Fill_Color_Indices(BITMAPINFO* info) {
   uint16_t indices[LastColor + 1] = {};
   for (int32_t i = FirstColor; i <= LastColor; ++i) indices[i] = static_cast<uint16_t>(i);
@@ -94,7 +93,7 @@ void Display_Free_Palette(JdecDisplay* display) {
     SelectPalette(dc, display->previousPalette, FALSE);
     ReleaseDC(display->window, dc);
   }
-  // Only now is it sure not to be selected.
+  // Only now it is certain that it isn't selected.
   if (display->gdiPalette) DeleteObject(display->gdiPalette);
   display->previousPalette = nullptr;
   display->gdiPalette = nullptr;

@@ -17,7 +17,7 @@ namespace {
 constexpr int32_t LeastShown = 32;
 /** Rows between the PTZ bitmap and the picture's bottom. */
 constexpr LONG PtzMargin = 20;
-/** Restores in one frame: surfaces that are lost again each time must not hold the caller up. */
+/** Most restores in one frame. A surface that is lost again each time must not block the caller. */
 constexpr int32_t MostRestores = 16;
 
 /** One axis of a copy at 1:1. */
@@ -25,7 +25,7 @@ struct Span {
   LONG from, to, length;
 };
 
-/** Cuts a copy to where it may read, sourceStart up to sourceEnd, and write, 0 up to targetEnd. */
+/** Clips a copy so that it reads from sourceStart up to sourceEnd and writes from 0 up to targetEnd. */
 void Cut_Span(Span& span, LONG sourceStart, LONG sourceEnd, LONG targetEnd) {
   const LONG before = std::max({LONG{0}, sourceStart - span.from, -span.to});
   span.from += before;
@@ -33,8 +33,8 @@ void Cut_Span(Span& span, LONG sourceStart, LONG sourceEnd, LONG targetEnd) {
   span.length = std::min({span.length - before, sourceEnd - span.from, targetEnd - span.to});
 }
 
-/** Copies what is not black from the surface's overlay rows, those below the picture, to its frame rows, as far as both
- *  reach. Gives the code of the copy, and success when nothing of it lies on the surface. */
+/** Copies pixels that are not black from the rows below the picture to the picture's rows, clipped to both. Gives the code of the
+ *  copy; DD_OK if nothing is left to copy. */
 HRESULT Blt_Overlay(IDirectDrawSurface* surface, Span columns, Span rows, int32_t pictureHeight) {
   const SIZE size = Surface_Size(surface);
   Cut_Span(columns, 0, size.cx, size.cx);
@@ -45,7 +45,7 @@ HRESULT Blt_Overlay(IDirectDrawSurface* surface, Span columns, Span rows, int32_
   return IDirectDrawSurface_Blt(surface, &target, surface, &source, DDBLT_KEYSRC, nullptr);
 }
 
-/** Lays the motion-area layer over the frame. False drops the frame. */
+/** Copies the motion-area layer over the frame. False drops the frame. */
 bool Show_Motion_Layer(JdecDisplay* display, int32_t width, int32_t height) {
   for (int32_t restores = 0; restores <= MostRestores;) {
     const LONG rows = Surface_Layout(width, height).layerRows;
@@ -73,8 +73,8 @@ void Show_Position_Bitmap(JdecDisplay* display, int32_t width, int32_t height) {
   Blt_Overlay(surface, {0, 0, width}, {strip, height - display->posHeight, display->posHeight}, height);
 }
 
-/** Of the overlays the first that is on, alone. False drops the frame. */
-bool Show_Layer(JdecDisplay* display, int32_t width, int32_t height, int32_t mdMode) {
+/** Copies the first of the overlays that is on, and only that one, over the frame. False drops the frame. */
+bool Show_Overlay(JdecDisplay* display, int32_t width, int32_t height, int32_t mdMode) {
   if (mdMode != 0) return Show_Motion_Layer(display, width, height);
   if (display->ptzEnabled != 0) {
     Show_Ptz_Bitmap(display, width, height);
@@ -86,8 +86,8 @@ bool Show_Layer(JdecDisplay* display, int32_t width, int32_t height, int32_t mdM
 
 LONG Scale(LONG length, LONG part, LONG whole) { return static_cast<LONG>(int64_t{length} * part / whole); }
 
-/** Stretches the picture over the whole client area; of a picture with more rows than the surface, what the surface has goes
- *  to its share of the client area. True when it got there. */
+/** Stretches the picture over the whole client area. If the picture has more rows than the surface, the rows that are there are
+ *  stretched over their share of it. True if the window shows the frame. */
 bool Blt_To_Window(JdecDisplay* display, const PicturePart& part) {
   const SIZE size = Surface_Size(display->offscreenSurface);
   const LONG width = std::min<LONG>(part.width, size.cx - part.x);
@@ -110,7 +110,7 @@ bool Blt_To_Window(JdecDisplay* display, const PicturePart& part) {
   return SUCCEEDED(result);
 }
 
-/** The lock is free again when the callback runs: it may register another one. */
+/** The lock is not held while the callback runs: it may register another one. */
 void Call_Draw_Callback(JdecDisplay* display) {
   WaitForSingleObject(display->lock, INFINITE);
   const DrawCallback callback = display->drawCallback;
@@ -126,10 +126,10 @@ void Draw_Statistics(JdecDisplay* display) {
 }
 
 void Present_DirectDraw(JdecDisplay* display, const JdecRaster* raster, const PicturePart& part, int32_t mdMode) {
-  // A frame that could not be copied leaves the one before it, which is shown again.
+  // If the frame can't be copied, the previous one is shown again.
   Display_Copy_Raster(display->offscreenSurface, raster);
   if (display->motionSearchEnabled != 0) Motion_Search_Draw(display, part.width);
-  if (!Show_Layer(display, part.width, part.height, mdMode)) return;
+  if (!Show_Overlay(display, part.width, part.height, mdMode)) return;
   if (!Blt_To_Window(display, part)) return;
   Draw_Statistics(display);
   Call_Draw_Callback(display);

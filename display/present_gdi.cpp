@@ -10,7 +10,7 @@
 
 namespace {
 
-/** GDI's rows start at multiples of 4 bytes, a raster's don't. Gives null without memory; freed by Arena_Free. */
+/** Copies the rows to multiples of 4 bytes, which GDI requires. The caller calls Arena_Free. Null without memory. */
 uint8_t* Aligned_Copy(const JdecRaster* raster) {
   const auto pitch = static_cast<size_t>(raster->pitch);
   const size_t alignedPitch = (pitch + 3) & ~size_t{3};
@@ -21,7 +21,7 @@ uint8_t* Aligned_Copy(const JdecRaster* raster) {
   return copy;
 }
 
-/** A header with what follows it: three masks, or the colours of the indices. */
+/** A header, and after it three masks or the colours of the indices. */
 struct FullHeader {
   BITMAPINFOHEADER header;
   union {
@@ -30,8 +30,8 @@ struct FullHeader {
   };
 };
 
-/** bitmapInfo as it is, or made to say what 5-6-5 pixels and palette indices mean: without masks GDI takes 16 bits for 5-5-5, and
- *  the colour slots of bitmapInfo hold no colours. */
+/** The header of bitmapInfo, and what GDI needs for 5-6-5 pixels and palette indices: without masks it reads 16 bits as 5-5-5,
+ *  and the colour slots of bitmapInfo hold no colours. */
 FullHeader Header_For(const JdecDisplay* display) {
   FullHeader full = {display->bitmapInfo->bmiHeader, {}};
   if (display->pixelFormat == PixelPalette8) {

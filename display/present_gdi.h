@@ -1,4 +1,4 @@
-/* The GDI path to the screen: a raster stretched straight to the window. */
+/* Presentation by GDI: a raster is stretched directly to the window. */
 #pragma once
 
 #include "display/context.h"
@@ -8,6 +8,6 @@ struct PicturePart {
   int32_t x, y, width, height;
 };
 
-/** Stretches the part, which lies within the raster, to the window's upper left corner at that size, in the colours of the
- * raster's format. Nothing happens with a null raster or without memory or a device context. */
+/** Stretches the part, which must lie within the raster, to that size at the window's upper left corner. Does nothing if the
+ *  raster is null, or without memory or a device context. */
 void Present_GDI(const JdecDisplay* display, const JdecRaster* raster, const PicturePart& part, SIZE target);

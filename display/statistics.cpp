@@ -11,7 +11,7 @@ constexpr double MostRate = 30.0;
 /** Frames of one measuring period. */
 constexpr int32_t MostFrames = 100;
 constexpr int32_t TextHeight = 16, TextWidth = 8;
-/** Of the texts' upper left corners, from the right and the lower edge. */
+/** Distances of the texts' upper left corners from the right and the bottom edge of the client area. */
 constexpr LONG FpsLeft = 50, BitrateLeft = 80, BitrateTop = 20;
 
 void Draw_White(HDC dc, HFONT font, POINT at, const char* text) {
@@ -22,7 +22,7 @@ void Draw_White(HDC dc, HFONT font, POINT at, const char* text) {
   SelectObject(dc, before);
 }
 
-/** Draws at a place of the client area: on the primary surface, by screen coordinates, or on the window itself. */
+/** Draws at a point of the client area: in the DirectDraw form on the primary surface, in the GDI form in the window. */
 void Draw_Text(const JdecDisplay* display, POINT at, const char* text) {
   const HFONT font = CreateFontA(TextHeight, TextWidth, 0, 0, FW_NORMAL, FALSE, FALSE, FALSE, DEFAULT_CHARSET, OUT_DEFAULT_PRECIS,
                                  CLIP_DEFAULT_PRECIS, PROOF_QUALITY, FIXED_PITCH | FF_MODERN, "Courier New");
@@ -45,7 +45,7 @@ SIZE Client_Size(const JdecDisplay* display) {
   return {client.right - client.left, client.bottom - client.top};
 }
 
-/** Counts a frame. Gives the rate to show. */
+/** Counts a frame. Gives the frame rate to show, in frames per second. */
 double Count_Frame(JdecDisplay* display) {
   ++display->fpsCount;
   const uint32_t tick = GetTickCount(), elapsed = tick - display->fpsTick;
@@ -62,7 +62,7 @@ double Count_Frame(JdecDisplay* display) {
 
 }  // namespace
 
-void Display_Show_Statistics(JdecDisplay* display, int32_t show) {
+void Display_Show_Statistics(JdecDisplay* display, bool show) {
   if (display) display->showStatistics = show;
 }
 

@@ -1,9 +1,9 @@
-/* A bitmap to copy from. */
+/* A device context to copy a bitmap from. */
 #pragma once
 
 #include "platform/win32.h"
 
-/** A memory DC with a bitmap in it, for as long as it is in scope; dc is null when the system gives none. */
+/** A memory device context with a bitmap selected, as long as it is in scope. dc is null if the system gives none. */
 struct BitmapDc {
   HDC dc = CreateCompatibleDC(nullptr);
   HGDIOBJ before = nullptr;

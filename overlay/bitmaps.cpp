@@ -9,9 +9,9 @@
 
 namespace {
 
-/** A part of the off-screen surface kept for a bitmap. */
-struct Strip {
-  int32_t fromFoot;  ///< Rows of the surface from its foot up to the strip's first one.
+/** The rows of the off-screen surface that hold a bitmap. */
+struct BitmapStrip {
+  int32_t fromBottom;  ///< Rows from the strip's first one to the surface's bottom.
   int32_t width, height;
 };
 
@@ -21,10 +21,10 @@ SIZE Bitmap_Size(HBITMAP bitmap) {
   return {size.bmWidth, size.bmHeight};
 }
 
-/** Makes the strip black, which is the key colour, and copies the bitmap to it as far as both reach; then the bitmap is deleted.
- * False, with the bitmap still the caller's, when there is no device context. */
-bool Store_Bitmap(IDirectDrawSurface* surface, HBITMAP bitmap, const Strip& strip) {
-  const int32_t top = Surface_Size(surface).cy - strip.fromFoot;
+/** Fills the strip with black, the key colour, copies the bitmap to it, clipped to the strip, and deletes the bitmap. False, with
+ *  the bitmap still the caller's, without a device context. */
+bool Store_Bitmap(IDirectDrawSurface* surface, HBITMAP bitmap, const BitmapStrip& strip) {
+  const int32_t top = Surface_Size(surface).cy - strip.fromBottom;
   const SIZE size = Bitmap_Size(bitmap);
   const int32_t width = std::min<int32_t>(strip.width, size.cx), height = std::min<int32_t>(strip.height, size.cy);
   {
@@ -51,7 +51,7 @@ void VELARTO_CDECL JDEC_set_ptz_bmp(JdecDecoder* decoder, VelartoBitmap bitmap) 
   const SIZE size = Bitmap_Size(bitmap);
   display->ptzWidth = std::min<int32_t>(size.cx, display->posWidth);
   display->ptzHeight = std::min<int32_t>(size.cy, PtzStripRows);
-  const Strip strip = {display->posHeight + PtzStripRows, display->posWidth, PtzStripRows};
+  const BitmapStrip strip = {display->posHeight + PtzStripRows, display->posWidth, PtzStripRows};
   display->ptzEnabled = Store_Bitmap(display->offscreenSurface, bitmap, strip);
 }
 

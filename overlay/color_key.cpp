@@ -8,7 +8,7 @@ namespace {
 
 constexpr uint32_t NoPixel = 0xFFFFFFFF;
 
-/** Writes pixel (0, 0) through a device context, so that the system converts the colour. Gives the colour that was there. */
+/** Writes pixel (0, 0) through a device context, so that the system converts the colour. Gives the colour that it had. */
 COLORREF Swap_First_Pixel(IDirectDrawSurface* surface, COLORREF color) {
   HDC dc = nullptr;
   if (FAILED(IDirectDrawSurface_GetDC(surface, &dc))) return CLR_INVALID;
@@ -29,7 +29,7 @@ uint32_t Read_Pixel(const DDSURFACEDESC& locked, int32_t x, int32_t y) {
 void Take_Sample_Row(const DDSURFACEDESC& locked, int32_t keyRow) {
   const auto width = static_cast<int32_t>(locked.dwWidth);
   const int32_t row = static_cast<int32_t>(locked.dwHeight) - keyRow - 1;
-  const int32_t second = width == 640 ? 2 : 1;  // The template is stretched to twice its width there.
+  const int32_t second = width == 640 ? 2 : 1;  // At that width the template is stretched to twice its own.
   if (row < 0 || second >= width) return;
   mdColorFirst = Read_Pixel(locked, 0, row);
   mdColorSecond = Read_Pixel(locked, second, row);

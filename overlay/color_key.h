@@ -1,12 +1,13 @@
-/* The source colour key of an off-screen surface, and the two colours that its sample row holds. */
+/* The source colour key of an off-screen surface, and the two sample colours in the last template row. */
 #pragma once
 
 #include "display/context.h"
 
-/** Makes a colour the surface's source key, by way of Sample_Colors. Gives the result of setting the key. */
+/** Makes a colour the surface's source key. Calls Sample_Colors for it, with all its effects. Gives the result of setting the
+ *  key. */
 HRESULT Set_Color_Key(IDirectDrawSurface* surface, COLORREF color, int32_t keyRow);
 
-/** Gives a colour as a pixel of the surface, or, with CLR_INVALID, the pixel at (0, 0); all ones when the surface gives no
- *  pixels or no device context. Takes the process-wide colours from the row above the last keyRow rows, and makes mdColor the
- *  first of them; they stay as they are where the surface has no such row or column. The surface comes out as it went in. */
+/** Gives a colour as a pixel of the surface, or for CLR_INVALID the pixel at (0, 0); all ones if the surface gives no pixels or
+ *  no device context. Also sets mdColorFirst and mdColorSecond from the row above the last keyRow rows, and mdColor to the first
+ *  of them; the three don't change if the surface has no such row or column. The surface is the same afterwards. */
 uint32_t Sample_Colors(IDirectDrawSurface* surface, COLORREF color, int32_t keyRow);

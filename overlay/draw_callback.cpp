@@ -4,7 +4,7 @@
 
 void VELARTO_CDECL JDEC_register_draw_callback(JdecDecoder* decoder, VelartoDrawCallback callback, uintptr_t user) {
   if (!decoder) return;
-  // With it the display, which a frame of another size ends, stays until the callback is stored.
+  // While this is held, no frame of another size destroys the display.
   WaitForSingleObject(decoder->lock, INFINITE);
   if (JdecDisplay* const display = decoder->display) {
     if (display->lock) WaitForSingleObject(display->lock, INFINITE);

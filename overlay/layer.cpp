@@ -21,7 +21,7 @@ bool Layer_Lock(JdecDisplay* display, Layer* layer) {
   layer->height = display->bitmapInfo->bmiHeader.biHeight;
   const SurfaceLayout layout = Surface_Layout(layer->width, layer->height);
   layer->rows = layout.layerRows;
-  layer->strips = layout.stripRow - layer->height;
+  layer->templateRow = layout.templateRow - layer->height;
   layer->bytes = static_cast<int32_t>(layer->surface.ddpfPixelFormat.dwRGBBitCount / 8);
   if (layer->surface.lpSurface && layer->rows > 0) {
     layer->pixels = static_cast<uint8_t*>(layer->surface.lpSurface) + ptrdiff_t{layer->height} * layer->surface.lPitch;
@@ -35,8 +35,9 @@ uint8_t* Layer_At(const Layer& layer, int32_t column, int32_t row) {
   return layer.pixels + ptrdiff_t{row} * layer.surface.lPitch + ptrdiff_t{column} * layer.bytes;
 }
 
-/** Cuts a line to places 0 up to `end`, in order; one with no length stays as it is. False when nothing is left. */
-static bool Cut_Line(int32_t* from, int32_t* to, int32_t end) {
+/** Clips a line to positions from 0 up to `end` and sorts its ends. One with no length isn't changed. False if nothing remains.
+ */
+static bool Clip_Line(int32_t* from, int32_t* to, int32_t end) {
   if (*from == *to) return *from >= 0 && *from < end;
   const auto [low, high] = std::minmax(*from, *to);
   const int32_t cutLow = std::max(low, 0), cutHigh = std::min(high, end);
@@ -48,12 +49,12 @@ static bool Cut_Line(int32_t* from, int32_t* to, int32_t end) {
 static int32_t Drawable_Rows(const Layer& layer) { return layer.rows + (layer.width == DoubleWidth ? 1 : 0); }
 
 void Layer_Horizontal(const Layer& layer, int32_t from, int32_t to, int32_t row, uint32_t color) {
-  if (row < 0 || row >= Drawable_Rows(layer) || !Cut_Line(&from, &to, layer.width)) return;
+  if (row < 0 || row >= Drawable_Rows(layer) || !Clip_Line(&from, &to, layer.width)) return;
   horizontalLine.load()(&layer.surface, layer.pixels, from, to, row, color);
 }
 
 void Layer_Vertical(const Layer& layer, int32_t from, int32_t to, int32_t column, uint32_t color) {
-  if (column < 0 || column >= layer.width || !Cut_Line(&from, &to, Drawable_Rows(layer))) return;
+  if (column < 0 || column >= layer.width || !Clip_Line(&from, &to, Drawable_Rows(layer))) return;
   verticalLine.load()(&layer.surface, layer.pixels, from, to, column, color);
 }
 

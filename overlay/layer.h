@@ -1,38 +1,39 @@
-/* The motion-area layer of a display while its surface is locked: rows right below the picture's. */
+/* The motion-area layer of a display while its surface is locked: the rows directly below the picture. */
 #pragma once
 
 #include "display/context.h"
 #include "overlay/motion_state.h"
 
-/** The layer, and what may be drawn in it. */
+/** A locked layer. */
 struct Layer {
   IDirectDrawSurface* owner;
   DDSURFACEDESC surface;
   int32_t width, height;  ///< Of the picture.
-  int32_t rows;           ///< Of the layer: as many as the picture's, or fewer.
-  int32_t strips;         ///< The first row of the template's strips, counted from the layer's first.
-  int32_t bytes;          ///< Of a pixel.
-  uint8_t* pixels;        ///< The layer's first byte; null when the lock gave no pixels, or rows is 0.
+  int32_t rows;           ///< Rows of the layer: as many as the picture has, or fewer.
+  int32_t templateRow;    ///< First row of the template strips, counted from the layer's first row.
+  int32_t bytes;          ///< Bytes of a pixel.
+  uint8_t* pixels;        ///< The layer's first byte; null if the lock gave no pixels, or rows is 0.
 };
 
-/** Arguments of overlay calls are brought to this distance from 0 first, so that no sum of them overflows. */
+/** Arguments of overlay calls are clamped to -FarAway to FarAway first, so that sums of them don't overflow. */
 constexpr int32_t FarAway = 1 << 28;
 int32_t Within_Reach(int32_t value);
 
-/** Restores and locks the display's surface. False without a display, without a surface (GDI form), and when the lock fails. */
+/** Restores and locks the display's surface. False for a null display, without a surface (GDI form), or if the lock fails. */
 bool Layer_Lock(JdecDisplay* display, Layer* layer);
 void Layer_Unlock(const Layer& layer);
 
-/** Where a pixel of the layer lies; row counts from its first row. */
+/** The address of a pixel. row counts from the layer's first row. */
 uint8_t* Layer_At(const Layer& layer, int32_t column, int32_t row);
 
-/** The line primitives of the screen's depth (overlay/lines.h), cut to the layer and to the one row below it, which a thick
- * outline of a picture 640 wide may use. */
+/** Draw a line in the screen's depth (overlay/lines.h), clipped to the layer. In pictures 640 wide the row below the layer may be
+ *  used too, for thick outlines. */
 void Layer_Horizontal(const Layer& layer, int32_t from, int32_t to, int32_t row, uint32_t color);
 void Layer_Vertical(const Layer& layer, int32_t from, int32_t to, int32_t column, uint32_t color);
 
-/** A rectangle's outline, two pixels thick in pictures 640 wide, the second line one pixel further right and down. */
+/** Draws a rectangle's outline. In pictures 640 wide it is two pixels thick: a second outline is one pixel further right and
+ *  down. */
 void Layer_Outline(const Layer& layer, const LayerRect& rect, uint32_t color);
 
-/** Moves a rectangle back into a picture of that size where it reaches out at the right or at the bottom; it keeps its size. */
+/** Moves a rectangle that goes over the right or bottom edge of a picture of that size back into it. Its size doesn't change. */
 LayerRect Moved_Inside(const LayerRect& rect, int32_t width, int32_t height);

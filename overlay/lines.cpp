@@ -34,7 +34,7 @@ void Draw_Run(uint8_t* at, ptrdiff_t step, int32_t count, uint32_t color) {
 template <int32_t Bytes>
 int32_t Draw_Horizontal(const DDSURFACEDESC* surface, uint8_t* layer, int32_t from, int32_t to, int32_t row, uint32_t color) {
   const auto [low, high] = std::minmax(from, to);
-  // The two narrow ones fill from the line's length; the others set a pixel before they look.
+  // In 8 and 16 bits, while mdRectMode is 0, a line with no length sets no pixel.
   const int32_t least = Bytes <= 2 && mdRectMode == 0 ? 0 : 1;
   Draw_Run<Bytes>(layer + ptrdiff_t{row} * surface->lPitch + ptrdiff_t{low} * Bytes, Bytes, std::max(high - low, least), color);
   return 0;
@@ -58,7 +58,7 @@ const LinePrimitive verticalLine8 = Draw_Vertical<1>, verticalLine16 = Draw_Vert
 std::atomic<LinePrimitive> horizontalLine = Draw_Horizontal<4>;
 std::atomic<LinePrimitive> verticalLine = Draw_Vertical<4>;
 
-void Lines_Select(int32_t displayBits) {
+void Select_Lines(int32_t displayBits) {
   static const struct {
     LinePrimitive horizontal, vertical;
   } pairs[] = {{horizontalLine8, verticalLine8},

@@ -1,4 +1,4 @@
-/* The calls that change the motion-detection overlay (velarto.h). */
+/* The exports that change the motion-area layer (velarto.h). */
 #include "overlay/motion_area.h"
 
 #include "decode/decoder.h"
@@ -12,16 +12,16 @@
 
 namespace {
 
-/** Bit of JDEC_enable_MD's value that asks for the rectangle mode. */
+/** Bit of JDEC_enable_MD's value that turns on the rectangle mode. */
 constexpr int32_t RectModeBit = 2;
 
-/** Copies a block from the tile strip into a cell, as far as the cell lies in the layer and the block on the surface. */
+/** Copies a block from the template's first strip into a cell, clipped to the layer and the surface. */
 void Copy_Block(const Layer& layer, int32_t fromColumn, int32_t column, int32_t row, int32_t width, int32_t height) {
   width = std::min({width, layer.width - fromColumn, layer.width - column});
   height = std::min(height, layer.rows - row);
   if (width <= 0) return;
   for (int32_t i = 0; i < height; ++i) {
-    std::memmove(Layer_At(layer, column, row + i), Layer_At(layer, fromColumn, layer.strips + i),
+    std::memmove(Layer_At(layer, column, row + i), Layer_At(layer, fromColumn, layer.templateRow + i),
                  static_cast<size_t>(width) * static_cast<size_t>(layer.bytes));
   }
 }
@@ -29,13 +29,13 @@ void Copy_Block(const Layer& layer, int32_t fromColumn, int32_t column, int32_t 
 void Fill_With_Checker(const Layer& layer) {
   const size_t bytes = static_cast<size_t>(layer.width) * static_cast<size_t>(layer.bytes);
   const bool doubled = layer.width == 640 && layer.height == 480;
-  const int32_t first = layer.strips + (doubled ? 30 : 15), count = doubled ? 4 : 2;
+  const int32_t first = layer.templateRow + (doubled ? 30 : 15), count = doubled ? 4 : 2;
   for (int32_t row = 0; row < layer.rows; ++row) {
     std::memmove(Layer_At(layer, 0, row), Layer_At(layer, 0, first + row % count), bytes);
   }
 }
 
-/** The rectangle of the layer becomes transparent. */
+/** Makes a rectangle of the layer transparent. */
 void Open_Area(const Layer& layer, const LayerRect& area) {
   const int32_t first = std::max(area.y, 0), end = std::min(area.y + area.height, layer.rows);
   for (int32_t row = first; row < end; ++row) Layer_Horizontal(layer, area.x, area.x + area.width, row, 0);

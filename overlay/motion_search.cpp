@@ -11,7 +11,7 @@ namespace {
 constexpr int32_t CaptionHeight = 40, CaptionWidth = 20, CaptionTop = 5;
 constexpr COLORREF Red = RGB(255, 0, 0);
 
-/** Centred. A caption wider than the picture wraps round to far outside of it. */
+/** Draws the caption centred. If it is wider than the picture, its left edge wraps around and it lands far outside. */
 void Draw_Caption(HDC dc, HFONT font, const char* text, int32_t width) {
   const auto length = static_cast<uint32_t>(std::strlen(text));
   const uint32_t left = (static_cast<uint32_t>(width) - CaptionWidth * length) / 2;

@@ -1,8 +1,8 @@
-/* The motion-search caption and rectangle, drawn into each frame. */
+/* The caption and rectangle of the motion search, drawn into each frame. */
 #pragma once
 
 #include "display/context.h"
 
-/** Draws caption and rectangle in red on the frame rows of the off-screen surface; `width` is the picture's. Does nothing for
- * this frame when the surface gives no device context. */
+/** Draws caption and rectangle in red on the picture's rows of the off-screen surface. width: that of the picture. Does nothing
+ *  if the surface gives no device context. */
 void Motion_Search_Draw(JdecDisplay* display, int32_t width);

@@ -3,7 +3,7 @@
 #include "overlay/layer.h"
 #include "overlay/motion_state.h"
 
-/** Calls count in a picture of 320 by 240; larger ones get the rectangle in their own measure. */
+/** Calls give coordinates for a picture of 320 by 240; for pictures 640 wide they are scaled up. */
 static LayerRect Scaled(const LayerRect& rect, int32_t width, int32_t height) {
   const int32_t across = width == 640 ? 2 : 1, down = width == 640 && height == 480 ? 2 : 1;
   return {rect.x * across, rect.y * down, rect.width * across, rect.height * down};

@@ -1,4 +1,4 @@
-/* The template bitmap of the motion-detection overlay, and its way onto a surface. */
+/* The template bitmap of the motion-area layer, and how it is copied to a surface. */
 #include "overlay/bitmap_dc.h"
 #include "overlay/color_key.h"
 #include "overlay/motion_area.h"
@@ -9,14 +9,14 @@
 
 namespace {
 
-/* Rows of the template, and its width. */
-constexpr int32_t TemplateWidth = 320, GridTop = 240, GridRows = 240, StripTop = 480, StripRows = 18;
+/* Width of the template, and the rows of its grid and of its strips. */
+constexpr int32_t TemplateWidth = 320, GridTop = 240, GridRows = 240, StripsTop = 480, StripsRows = 18;
 
 bool Made_For(int32_t width, int32_t height) {
   return (width == 320 && height == 240) || (width == 640 && (height == 240 || height == 480));
 }
 
-/** Grid and strips where the layout has them, in the measure of the cells: twice as wide in pictures 640 wide. */
+/** Copies grid and strips to their rows on the surface, twice as wide for pictures 640 wide, as the cells are. */
 HRESULT Copy_By_Parts(IDirectDrawSurface* surface, HBITMAP bitmap, int32_t width, int32_t height) {
   IDirectDrawSurface_Restore(surface);
   const BitmapDc source(bitmap);
@@ -28,7 +28,7 @@ HRESULT Copy_By_Parts(IDirectDrawSurface* surface, HBITMAP bitmap, int32_t width
   const int32_t across = width == 640 ? 2 * TemplateWidth : TemplateWidth, rows = std::min(layout.layerRows, GridRows);
   StretchBlt(dc, 0, height, across, rows, source.dc, 0, GridTop, TemplateWidth, rows, SRCCOPY);
   for (int32_t x = 0; x < width; x += across) {
-    StretchBlt(dc, x, layout.stripRow, across, StripRows, source.dc, 0, StripTop, TemplateWidth, StripRows, SRCCOPY);
+    StretchBlt(dc, x, layout.templateRow, across, StripsRows, source.dc, 0, StripsTop, TemplateWidth, StripsRows, SRCCOPY);
   }
   IDirectDrawSurface_ReleaseDC(surface, dc);
   return result;

@@ -4,7 +4,7 @@
 
 namespace {
 
-/** The process counts as one on a system without monitor functions from then on. */
+/** From here on the process has no monitor functions. */
 void Check_Fallbacks(HWND window) {
   Rig_Fail(RigStep::FindMonitorFunction, 0, 1);
   EXPECT_EQ(Monitor_Stubs_Resolve() + Monitor_Stubs_Resolve(), 0) << "looked for once";

@@ -18,7 +18,7 @@ std::vector<uint32_t> Listed_Colors() {
 
 const std::vector<uint32_t> listed = Listed_Colors();
 
-/** Every index of a raster shows in its colour, in both forms, also after another program has had the screen. */
+/** Every index of a raster is shown in its colour, in both forms, even after another program has changed the screen's palette. */
 TEST_F(LibraryTest, PaletteIndicesShowInTheirColours) {
   for (const bool gdi : {false, true}) {
     SCOPED_TRACE(gdi ? "GDI" : "DirectDraw");

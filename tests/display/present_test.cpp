@@ -8,37 +8,37 @@ namespace {
 
 using enum RigStep;
 
-enum Road { DirectDraw, GDI, SecondaryMonitor };
+enum Path { DirectDraw, GDI, SecondaryMonitor };
 
 TEST(Present, PictureArrivesPixelByPixel) {
   const int32_t depths[][3] = {
       {8, 8, PixelPalette8}, {15, 16, PixelRgb555}, {16, 16, PixelRgb565}, {24, 24, PixelRgb24}, {32, 32, PixelRgb32}};
   for (const auto& [screen, bits, format] : depths) {
-    for (const Road road : {DirectDraw, GDI, SecondaryMonitor}) {
+    for (const Path path : {DirectDraw, GDI, SecondaryMonitor}) {
       for (const auto& [width, height] : {SIZE{64, 48}, {33, 35}, {34, 33}, {35, 41}}) {
-        SCOPED_TRACE(testing::Message() << screen << " bits, road " << road << ", " << width << " x " << height);
-        TestDisplay test(Screen_With(screen, road == GDI), width, height);
+        SCOPED_TRACE(testing::Message() << screen << " bits, path " << path << ", " << width << " x " << height);
+        TestDisplay test(Screen_With(screen, path == GDI), width, height);
         const JdecDisplay* display = test.Open(width, height);
-        ASSERT_EQ(Form_Of(display), road == GDI ? GdiForm : DirectDrawForm);
-        const bool narrowed = screen == 16 && road == GDI;  // 5-5-5 pixels on a 5-6-5 screen.
+        ASSERT_EQ(Form_Of(display), path == GDI ? GdiForm : DirectDrawForm);
+        const bool narrowed = screen == 16 && path == GDI;  // 5-5-5 pixels on a 5-6-5 screen.
         EXPECT_EQ(display->pixelFormat, narrowed ? PixelRgb555 : format);
         EXPECT_EQ(display->displayBits, bits);
         EXPECT_EQ(display->fpsCount, -1);
         for (const void* part : {(void*)display->offscreenSurface, (void*)display->motionCells, (void*)display->lock}) {
-          EXPECT_EQ(part != nullptr, road != GDI);
+          EXPECT_EQ(part != nullptr, path != GDI);
         }
         const BITMAPINFOHEADER header = {40, width, height, 1, static_cast<WORD>(bits), BI_RGB, 0, 0, 0, 240, 240};
         EXPECT_EQ(std::memcmp(&display->bitmapInfo->bmiHeader, &header, sizeof header), 0);
 
-        Rig_Move_To_Monitor(test.handle, road == SecondaryMonitor ? 1 : 0);
+        Rig_Move_To_Monitor(test.handle, path == SecondaryMonitor ? 1 : 0);
         const RasterPtr raster = Noise_Raster(width, height, bits);
-        if (raster->pitch % 4 != 0 && road != DirectDraw) {
+        if (raster->pitch % 4 != 0 && path != DirectDraw) {
           Rig_Fail(Memory, 0, 1);
           test.Show(raster);
           EXPECT_EQ(test.Color(5, 5), Black) << "no memory for aligned rows";
         }
         test.Show(raster);
-        if (!narrowed && (bits != 8 || road == DirectDraw)) test.Expect_Shown(raster);
+        if (!narrowed && (bits != 8 || path == DirectDraw)) test.Expect_Shown(raster);
         for (int32_t i = 0; narrowed && i < std::min(width, height); ++i) {
           const uint32_t shown = test.Color(i, i);
           const uint8_t* pixel = raster->rows[i] + 2 * i;
@@ -102,7 +102,7 @@ void Switch_On(JdecDisplay* display, Overlay overlay) {
   display->posEnabled = overlay == PositionBitmap;
 }
 
-/** A green frame stands in the window; a blue one comes while a step fails. */
+/** A green frame is shown; then a blue one is presented while a step fails. */
 TEST(Present, EachFailureHasItsReaction) {
   constexpr HRESULT busy = DDERR_WASSTILLDRAWING, lost = DDERR_SURFACELOST, other = DDERR_UNSUPPORTED;
   constexpr int32_t always = INT32_MAX;
@@ -190,7 +190,7 @@ TEST(Present, CallbackMayTakeItselfOut) {
   EXPECT_EQ(shown->fpsCount, 0) << "counted up once, from -1";
 }
 
-/** The system refuses copies that reach past a surface, so a frame that shows has kept within. */
+/** The system refuses copies that go over a surface's edge, so a frame that is shown has stayed within. */
 TEST(Present, PicturesOfAnySizeKeepToTheirSurface) {
   const int32_t cases[][4] = {{640, 480, 480, 1596}, {640, 240, 240, 858}, {640, 960, 240, 858},
                               {640, 500, 240, 858},  {640, 16, 240, 858},  {720, 480, 480, 1578},

@@ -12,7 +12,7 @@ std::vector<uint32_t> Colors(const TestDisplay& test, const RECT& rect) {
   return colors;
 }
 
-/** The window shows that text in white on black at the place, over the whole height of a line. Draws it there for that. */
+/** Checks that the window shows the text at that point, white on black, over the height of a line. Draws it there to compare. */
 void Expect_Text(const TestDisplay& test, int32_t x, int32_t y, const std::string& text) {
   const RECT line = {x, y, 320, y + 16};
   const std::vector<uint32_t> shown = Colors(test, line);

@@ -1,5 +1,4 @@
-/* The motion-area layer against a model of it, drawn pixel by pixel from the rules in colours, at each laid-out size and depth.
- */
+/* The motion-area layer against a model of it, which is drawn pixel by pixel, at each size of the template and each depth. */
 #include "overlay/motion_area.h"
 
 #include "display/test_display.h"
@@ -16,7 +15,7 @@ struct LayerTest : LibraryTest {
   ~LayerTest() override { mdRectMode = 0; }
 };
 
-/** A decoder with a display of that size, and the layer that it should have by now. */
+/** A decoder with a display of that size, and the layer that it should have. */
 struct Motion : TestDisplay {
   const DecoderPtr owned;
   JdecDecoder* const decoder = owned.get();
@@ -43,7 +42,7 @@ struct Motion : TestDisplay {
     uint32_t& at = model[static_cast<size_t>(y * width + x)];
     if (mdRectMode == 0 || at != Red) at = color;
   }
-  /** A line with no length is one pixel, but of horizontal ones in 8 and 16 bits none while red isn't kept. */
+  /** A line with no length is one pixel, but a horizontal one in 8 or 16 bits is none outside the rectangle mode. */
   void Outline(int32_t x, int32_t y, int32_t w, int32_t h, uint32_t color) {
     const bool noPixel = mdRectMode == 0 && decoder->display->displayBits <= 16;
     const int32_t columns = std::max(w, noPixel ? 0 : 1), lines = std::max(h, 1);
@@ -70,7 +69,7 @@ struct Motion : TestDisplay {
       for (int32_t k = 0; k < w; ++k) Set(x + k, y + i, Black);
     Outline(x, y, w, h, color);
   }
-  /** Where the first pixel is not the one expected, `first` being the picture's upper left one. */
+  /** Fails at the first pixel that is not the expected one. first: the upper left pixel. */
   template <typename Expected>
   void Expect_Pixels(const std::string& what, const uint8_t* first, int32_t pitch, Expected expected) const {
     const int32_t bytes = decoder->display->displayBits / 8;
@@ -81,7 +80,7 @@ struct Motion : TestDisplay {
       return;
     }
   }
-  /** All of the layer, on the surface; and in the window, over a picture that shows where the layer is black. */
+  /** Checks the layer on the surface, and in the window over a picture, which is visible where the layer is black. */
   void Expect_Model(const std::string& what) const {
     int32_t surfaceWidth = 0, rows = 0, pitch = 0;
     const auto layer_pixel = [&](int32_t i) {

@@ -14,7 +14,7 @@ void Fill(IDirectDrawSurface* surface, const RECT& rect, uint32_t color) {
   IDirectDrawSurface_ReleaseDC(surface, dc);
 }
 
-/** A display of 320 by 240 at 1:1, on 32 bits, and a green picture. */
+/** A display of 320 by 240 at 1:1 in 32 bits, and a green picture. */
 struct LayerOrderTest : testing::Test {
   TestDisplay test{32, 320, 240};
   JdecDisplay* const display = test.Open(320, 240);
