@@ -1,4 +1,4 @@
-/* The decoder_ family: a guard against a null decoder ahead of each operation, and a few fixed answers. */
+/* The decoder_ family: JDEC_ operations behind a check for a null decoder, and a few that give fixed results. */
 #include "decode/speed.h"
 #include "resources/resources.h"
 

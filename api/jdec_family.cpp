@@ -1,5 +1,5 @@
-/* Those operations of the JDEC family that only hand their decoder's codec or display on (velarto.h). The others stand with what
- * they work on. */
+/* The operations of the JDEC_ family that only pass on the decoder's codec or display (velarto.h). The others are in the files of
+ * what they work on. */
 #include "decode/decoder.h"
 #include "display/palette.h"
 #include "pixel/compress.h"

@@ -1,4 +1,4 @@
-/* The vb_JDEC_ family: the same operations under the calling convention that such callers can use. */
+/* The vb_JDEC_ family: JDEC_ operations with the calling convention __stdcall. */
 #include "velarto.h"
 
 int32_t VELARTO_STDCALL vb_JDEC_Init(void) { return JDEC_Init(); }

@@ -15,9 +15,9 @@ static HHOOK keyboardHook = nullptr;
 
 static HBITMAP Load_Face(uintptr_t id) { return LoadBitmapA(moduleHandle, MAKEINTRESOURCEA(id)); }
 
-int32_t Library_Attach(HINSTANCE module) {
+bool Library_Attach(HINSTANCE module) {
   InterlockedExchangePointer(reinterpret_cast<void* volatile*>(&moduleHandle), module);
-  if (!module) return 0;
+  if (!module) return false;
   Record_Init_Dialog();
   Update_Internet_Settings();
   recordBitmap = Load_Face(RecordBitmapId);
@@ -28,10 +28,10 @@ int32_t Library_Attach(HINSTANCE module) {
   mouseLButton = settings.mouseLButton;
   mouseRButton = settings.mouseRButton;
   if (settings.rightButtonRead) keyboardHook = SetWindowsHookExA(WH_KEYBOARD, Keyboard_Hook_Proc, nullptr, GetCurrentThreadId());
-  return 1;
+  return true;
 }
 
-int32_t Library_Detach() {
+void Library_Detach() {
   const HINSTANCE module = moduleHandle;
   moduleHandle = nullptr;
   if (module) FreeLibrary(module);
@@ -41,7 +41,6 @@ int32_t Library_Detach() {
   }
   if (keyboardHook) UnhookWindowsHookEx(keyboardHook);
   keyboardHook = nullptr;
-  return 1;
 }
 
 LRESULT CALLBACK Keyboard_Hook_Proc(int code, WPARAM wParam, LPARAM lParam) {

@@ -1,27 +1,27 @@
-/* What the library does when a process attaches it, and when it lets it go. */
+/* What the library does when a process loads it, and when it is unloaded. */
 #pragma once
 
 #include "platform/win32.h"
 
 #include <cstdint>
 
-/** The module attached; null outside of that time. */
+/** The library's module while it is attached, otherwise null. */
 extern HINSTANCE moduleHandle;
 
-/** Faces of the record menu's buttons, null where one could not be loaded. */
+/** Bitmaps on the record menu's buttons. Null if one can't be loaded. */
 extern HBITMAP recordBitmap, stopBitmap, closeBitmap;
 
-/** Settings of the mouse, 0 or 1: with both 0 the plug-in's window does nothing but repaint. */
+/** Mouse settings, 0 or 1. With both 0 the plug-in's window has no menu, tooltip and cursor of its own. */
 extern int32_t mouseLButton, mouseRButton;
-/** A speed from the registry, -2 without one. Stored and not used: nothing paces frames. */
+/** A speed from the registry, -2 without one. It is not used: frames are not paced. */
 extern int32_t decoderSpeedSetting;
 
-/** Prepares the file dialog, the browser's settings, the button faces and the settings of the mouse, and hooks the keyboard when
- * the right button's setting is there. Gives 1; 0 for a null module, with nothing else done. */
-int32_t Library_Attach(HINSTANCE module);
+/** Prepares the file dialog, the browser's settings and the button bitmaps, reads the mouse settings, and installs a keyboard
+ *  hook if the right button has a setting. False for a null module, with nothing else done. */
+bool Library_Attach(HINSTANCE module);
 
-/** Gives back what Library_Attach took. Gives 1. */
-int32_t Library_Detach();
+/** Frees what Library_Attach made. */
+void Library_Detach();
 
-/** Hands each event of the keyboard on. */
+/** Passes every keyboard event on to the next hook. */
 LRESULT CALLBACK Keyboard_Hook_Proc(int code, WPARAM wParam, LPARAM lParam);

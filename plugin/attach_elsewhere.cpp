@@ -1,4 +1,5 @@
-/* The library attached when it is loaded, and detached when it is unloaded or the process ends. */
+/* On platforms that aren't Windows: attaches the library when it is loaded, and detaches it when it is unloaded or the process
+ * ends. */
 #include "platform/module.h"
 #include "plugin/attach.h"
 

@@ -3,6 +3,6 @@
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID) {
   if (reason == DLL_PROCESS_ATTACH) return Library_Attach(module);
-  if (reason == DLL_PROCESS_DETACH) return Library_Detach();
+  if (reason == DLL_PROCESS_DETACH) Library_Detach();
   return TRUE;
 }

@@ -3,7 +3,7 @@
 NPNetscapeFuncs* netscapeFuncs = nullptr;
 NPPluginFuncs* pluginFuncs = nullptr;
 
-/** The minor version from which on streams can be ended by the plug-in. */
+/** From this minor version on, a browser can be asked to end a stream. */
 static constexpr int32_t EndsStreams = 8;
 
 NPError Browser_Get_URL(NPP instance, const char* url, const char* target) {

@@ -1,16 +1,17 @@
-/* The browser as the plug-in sees it. */
+/* The browser's tables, and what the plug-in asks the browser for. */
 #pragma once
 
 #include "plugin/npapi.h"
 
-/** The browser's table; null outside of NP_Initialize and NP_Shutdown. */
+/** The browser's functions, from NP_Initialize to NP_Shutdown; otherwise null. */
 extern NPNetscapeFuncs* netscapeFuncs;
-/** The table that NP_GetEntryPoints filled last, the browser's. */
+/** The table that NP_GetEntryPoints filled last. It belongs to the browser. */
 extern NPPluginFuncs* pluginFuncs;
 
-/** Asks the browser to start a stream for the URL into the instance; a null target. Gives the browser's result; without a
- * browser, or an empty URL, an error. */
+/** Asks the browser for a URL. With a null target it is delivered to the instance as a stream. Gives the browser's result;
+ *  NPERR_INVALID_FUNCTABLE_ERROR without a browser or a URL. */
 NPError Browser_Get_URL(NPP instance, const char* url, const char* target);
 
-/** Asks the browser to end a stream. Browsers below minor version 8 can't: gives NPERR_INCOMPATIBLE_VERSION_ERROR. */
+/** Asks the browser to end a stream. Gives its result; NPERR_INCOMPATIBLE_VERSION_ERROR without a browser or for one below minor
+ *  version 8. */
 NPError Browser_Destroy_Stream(NPP instance, NPStream* stream, NPReason reason);

@@ -20,13 +20,14 @@ constexpr int32_t StartWidth = 320, StartHeight = 240;
 constexpr size_t UrlSize = 1024;
 /** Most bytes that the browser is asked for at once. */
 constexpr int32_t MostOffered = 8192;
-/** Of the plug-in interface: our version; browsers from this minor version on notify of URLs; from that on, mouse settings are
- * off. */
+/** The version of the plug-in interface that the plug-in has. */
 constexpr uint16_t InterfaceVersion = 9;
+/** Minor versions of the browser: from the first on it has URL notification, from the second on the mouse settings are off. */
 constexpr int32_t NotifyingVersion = 9, PlainMouseVersion = 12;
 
 void Do_Nothing() {}
 
+/** Copies the URL to urlBuffer; empties it for a null URL or one that doesn't fit. */
 void Store_URL(JdecDecoder* decoder, const char* url) {
   const size_t length = url ? strnlen(url, UrlSize) : UrlSize;
   if (length < UrlSize) {
@@ -43,7 +44,7 @@ void Store_URL(JdecDecoder* decoder, const char* url) {
 int16_t VELARTO_STDCALL NP_GetEntryPoints(NPPluginFuncs* table) {
   if (!table) return NPERR_INVALID_FUNCTABLE_ERROR;
   pluginFuncs = table;
-  // One by one: a browser of an older version has no room for a last slot.
+  // Field by field: the table of an older browser has no room for the last field.
   table->version = InterfaceVersion;
   table->newp = NPP_New;
   table->destroy = NPP_Destroy;
@@ -72,7 +73,7 @@ int16_t VELARTO_STDCALL NP_Initialize(NPNetscapeFuncs* table) {
   cursorNormal = LoadCursorA(moduleHandle, MAKEINTRESOURCEA(CursorNormalId));
   cursorRecording = LoadCursorA(moduleHandle, MAKEINTRESOURCEA(CursorRecordingId));
   if (!JDEC_Init()) return NPERR_MODULE_LOAD_FAILED_ERROR;
-  Instances_Clear();
+  Clear_Instances();
   return NPERR_NO_ERROR;
 }
 
@@ -98,7 +99,7 @@ NPError NPP_New(NPMIMEType, NPP instance, uint16_t, int16_t, char*[], char*[], N
   }
   decoder->urlBuffer = url;
   decoder->npInstance = instance;
-  Instances_Add(instance);
+  Add_Instance(instance);
   return NPERR_NO_ERROR;
 }
 
@@ -109,8 +110,8 @@ NPError NPP_Destroy(NPP instance, NPSavedData**) {
   Window_Give_Back(decoder);
   Arena_Free(decoder->urlBuffer);
   decoder->urlBuffer = nullptr;
-  Decoder_End(decoder);
-  Instances_Remove(instance);
+  End_Decoder(decoder);
+  Remove_Instance(instance);
   return NPERR_NO_ERROR;
 }
 
@@ -127,7 +128,7 @@ NPError NPP_SetWindow(NPP instance, NPWindow* window) {
     }
   }
   Window_Take_Over(decoder);
-  Show_Again(decoder, handle);
+  Window_Show_Again(decoder, handle);
   return NPERR_NO_ERROR;
 }
 

@@ -8,12 +8,12 @@ int32_t instanceHighWater = 0;
 
 static DecoderHold* innermostHold = nullptr;
 
-void Instances_Clear() {
+void Clear_Instances() {
   std::fill(std::begin(instanceSlots), std::end(instanceSlots), nullptr);
   instanceHighWater = 0;
 }
 
-void Instances_Add(NPP instance) {
+void Add_Instance(NPP instance) {
   for (int32_t i = 0; i < MostInstances; ++i) {
     if (instanceSlots[i]) continue;
     instanceSlots[i] = instance;
@@ -22,7 +22,7 @@ void Instances_Add(NPP instance) {
   }
 }
 
-void Instances_Remove(NPP instance) {
+void Remove_Instance(NPP instance) {
   NPP* const end = instanceSlots + instanceHighWater + 1;
   NPP* const slot = std::find(instanceSlots, end, instance);
   if (slot != end) *slot = nullptr;
@@ -58,7 +58,7 @@ DecoderHold::~DecoderHold() {
   }
 }
 
-void Decoder_End(JdecDecoder* decoder) {
+void End_Decoder(JdecDecoder* decoder) {
   DecoderHold* const hold = Find_Hold(decoder);
   if (!hold) return JDEC_Free(decoder);
   hold->ended = true;

@@ -12,26 +12,26 @@ extern NPP instanceSlots[MostInstances];
 extern int32_t instanceHighWater;
 
 /** Empties all slots. */
-void Instances_Clear();
+void Clear_Instances();
 
-/** Puts an instance into the first free slot. Without one it stays unlisted: its window then gets only default handling. */
-void Instances_Add(NPP instance);
+/** Puts an instance into the first free slot. If there is none it stays unlisted: its window then gets default handling only. */
+void Add_Instance(NPP instance);
 
-/** Takes an instance out of its slot, if it has one, and lowers the mark to one above the highest that is left. */
-void Instances_Remove(NPP instance);
+/** Takes an instance out of its slot, if it has one, and lowers instanceHighWater to one above the highest used slot. */
+void Remove_Instance(NPP instance);
 
-/** The instance whose decoder shows in that window, or null. */
+/** The listed instance whose decoder has that window, or null. */
 NPP Find_Instance_By_Window(HWND window);
 
 /** The instance's decoder; null for a null instance. */
 JdecDecoder* Instance_Decoder(NPP instance);
 
-/** Keeps a decoder in memory for as long as it is in scope: what shows pictures runs the caller's draw callback, in which the
- * instance may end. */
+/** Keeps a decoder allocated as long as it is in scope. Code that shows pictures needs one: it calls the draw callback, in which
+ *  the instance may end. */
 struct DecoderHold {
   JdecDecoder* decoder;
   DecoderHold* outer;
-  bool ended = false;  ///< The instance has ended meanwhile; the decoder goes with the last hold.
+  bool ended = false;  ///< The instance has ended; the decoder is freed with the last hold.
 
   explicit DecoderHold(JdecDecoder* held);
   ~DecoderHold();
@@ -39,5 +39,5 @@ struct DecoderHold {
   DecoderHold& operator=(const DecoderHold&) = delete;
 };
 
-/** Frees the decoder of an instance that ends. One that is held only loses its display and decodes nothing more for now. */
-void Decoder_End(JdecDecoder* decoder);
+/** Frees the decoder of an instance that ends. While it is held, only its display is destroyed, and it decodes nothing more. */
+void End_Decoder(JdecDecoder* decoder);

@@ -7,9 +7,9 @@
 
 namespace {
 
-/** The dialog's client area, in pixels; its buttons are squares as high as it. */
+/** The dialog's client area in pixels, and the side of its square buttons. */
 constexpr int MenuWidth = 69, MenuHeight = 20, ButtonSize = 20;
-/** The dialog's upper left corner, from the middle of the window. */
+/** Distances of the dialog's upper left corner from the middle of the window. */
 constexpr int LeftOfMiddle = 32, AboveMiddle = 10;
 
 struct MenuButton {
@@ -48,7 +48,7 @@ INT_PTR On_Init(HWND dialog, HWND window) {
   return 1;
 }
 
-/** A recording is started or stopped, and the menu closes; without the instance it stays. */
+/** Starts or stops a recording and closes the menu. Does nothing if the instance has ended. */
 INT_PTR Record_By_Button(HWND dialog, void (*record)(HWND window, JdecDecoder* decoder)) {
   const auto window = reinterpret_cast<HWND>(GetWindowLongPtrA(dialog, GWLP_USERDATA));
   const NPP instance = Find_Instance_By_Window(window);

@@ -6,4 +6,5 @@
 /** Shows the menu and waits until it is closed. */
 void Record_Menu_Open(HWND window);
 
+/** The dialog procedure of the menu. */
 INT_PTR CALLBACK Menu_Dialog_Proc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);

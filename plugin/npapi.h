@@ -1,10 +1,10 @@
-/* The records of the browser's plug-in interface, as far as they are looked at here: layouts and numbers are the browser's. All
+/* The records of the browser's plug-in interface, as far as they are used here. Layouts and numbers are the browser's. All
  * functions are __cdecl. */
 #pragma once
 
 #include <cstdint>
 
-/** Results of the plug-in's entries. */
+/** Results of the plug-in's functions. */
 using NPError = int16_t;
 constexpr NPError NPERR_NO_ERROR = 0, NPERR_INVALID_INSTANCE_ERROR = 2, NPERR_INVALID_FUNCTABLE_ERROR = 3,
                   NPERR_MODULE_LOAD_FAILED_ERROR = 4, NPERR_OUT_OF_MEMORY_ERROR = 5, NPERR_INCOMPATIBLE_VERSION_ERROR = 8;
@@ -49,7 +49,7 @@ struct NPSavedData {
   void* buf;
 };
 
-/** What the plug-in hands out. `size` is the bytes of the table that the browser has made. */
+/** The plug-in's functions. `size` is set by the browser: the bytes that its table has room for. */
 struct NPPluginFuncs {
   uint16_t size;
   uint16_t version;
@@ -67,8 +67,8 @@ struct NPPluginFuncs {
   void* javaClass;
 };
 
-/** What the browser offers: version has its major number in the high byte and its minor one in the low byte. Of its many
- * functions the first six are declared. */
+/** The browser's functions, of which the first six are declared. `version` has the major number in its high byte and the minor
+ *  number in its low byte. */
 struct NPNetscapeFuncs {
   uint16_t size;
   uint16_t version;

@@ -8,7 +8,7 @@
 /** Values of pumpState. */
 enum : int32_t { PumpIdle = 0, PumpAsked = 1, PumpRunning = 2 };
 
-/** Bytes taken at once: the ring asks for each piece anew whether the backlog is to be passed over. */
+/** Bytes taken at once. Each read of the ring decides again whether the backlog is skipped. */
 static constexpr int32_t PieceSize = 65536;
 
 void Pump_Ask(JdecDecoder* decoder) {

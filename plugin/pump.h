@@ -1,16 +1,16 @@
-/* From the ring to the decoder: a message to the instance's window, posted when bytes have come, has the window's thread hand
- * them on. */
+/* The pump takes bytes from the ring to the decoder. It is a message that is posted to the instance's window when bytes have
+ * come, so that the window's thread decodes them. */
 #pragma once
 
 #include "decode/decoder.h"
 #include "plugin/npapi.h"
 
-/** The message, which no one else sends. */
+/** The message. Nothing else sends one of this number. */
 constexpr UINT PumpMessage = WM_APP + 0x56;
 
-/** Posts the message, unless it is under way already or there is no window yet: the ring holds the bytes back then. */
+/** Posts the message, unless it is posted or being handled already, or without a window: the bytes stay in the ring. */
 void Pump_Ask(JdecDecoder* decoder);
 
-/** The message's handler: hands the ring's bytes to the instance's decoder until none are left, or the instance is gone. Does
- * nothing when called from within itself. */
+/** Handles the message: gives the ring's bytes to the instance's decoder until the ring is empty or the instance has ended. Does
+ *  nothing in a recursive call. */
 void Pump_Run(NPP instance);

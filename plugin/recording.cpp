@@ -10,10 +10,10 @@ namespace {
 
 constexpr DWORD PathSize = 260;
 
-/** What all questions for a file have in common. */
+/** The fields that all file dialogs share. */
 OPENFILENAMEA recordFileDialog;
 
-/** The decoder's lock, for as long as it is in scope; a thread may hold it more than once. */
+/** Holds the decoder's lock as long as it is in scope. */
 struct Locked {
   HANDLE lock;
   explicit Locked(const JdecDecoder* decoder) : lock(decoder->lock) { WaitForSingleObject(lock, INFINITE); }
@@ -38,7 +38,7 @@ HANDLE Record_Ask_File(HWND window) {
   char path[PathSize];
   std::snprintf(path, sizeof path, "%d_%d_%d_%d_%d_%d_%d.vlr", now.wYear, now.wMonth, now.wDay, now.wHour, now.wMinute,
                 now.wSecond, now.wMilliseconds);
-  // A copy: while the user thinks, another window may ask as well.
+  // A copy, since another window may open its dialog at the same time.
   OPENFILENAMEA dialog = recordFileDialog;
   dialog.hwndOwner = window;
   dialog.lpstrFile = path;
@@ -56,7 +56,7 @@ void Record_Start(HWND window, JdecDecoder* decoder) {
   const JdecDecoder* const listed = Instance_Decoder(Find_Instance_By_Window(window));
   const HANDLE file = Record_Ask_File(window);
   if (file == INVALID_HANDLE_VALUE) return;
-  // The dialog runs the thread's messages: the instance may have ended meanwhile, or another recording been started.
+  // The dialog runs a message loop, in which the instance may have ended or another recording may have been started.
   if (Instance_Decoder(Find_Instance_By_Window(window)) != listed) {
     CloseHandle(file);
     return;

@@ -12,19 +12,19 @@ namespace {
 constexpr char internetKey[] = "Software\\Microsoft\\Windows\\CurrentVersion\\Internet Settings";
 constexpr DWORD LeastConnections = 256;
 constexpr DWORD ListSize = 2048;
-/** The list's size, its zero included, plus the type stays below this. */
+/** The size of the list, including its zero, plus the length of the type must be below this. */
 constexpr DWORD ListLimit = 2046;
 constexpr DWORD MimeLength = sizeof MimeType - 1;
 
-/** Four bytes of a value, and how many are there. The count is not reset between reads: a value longer than what the read before
- * it left, and in any case one of more than four bytes, counts as missing. */
+/** A value of up to four bytes, and its size. The size is not reset between reads: a value that is longer than what the previous
+ *  read left counts as missing, and so does one of more than four bytes. */
 struct ShortValue {
   uint8_t data[4] = {};
   DWORD size = sizeof data;
 };
 
 bool Read_Value(HKEY key, const char* name, ShortValue* value) {
-  value->size = std::min<DWORD>(value->size, sizeof value->data);  // What a refused value would need is stored there.
+  value->size = std::min<DWORD>(value->size, sizeof value->data);  // A refused value has left the size that it needs.
   return RegQueryValueExA(key, name, nullptr, nullptr, value->data, &value->size) == ERROR_SUCCESS;
 }
 
@@ -43,7 +43,7 @@ void Raise_Connections(HKEY key) {
 
 void Exclude_From_Cache(HKEY key) {
   constexpr char name[] = "MimeExclusionListForCache";
-  char list[ListSize + 1] = {};  // One more than is read: a value without its zero gets one.
+  char list[ListSize + 1] = {};  // One byte more than is read, so that a value without its zero gets one.
   DWORD size = ListSize;
   if (RegQueryValueExA(key, name, nullptr, nullptr, reinterpret_cast<BYTE*>(list), &size) != ERROR_SUCCESS) return;
   if (size == 0 || std::strstr(list, MimeType) || size + MimeLength >= ListLimit) return;

@@ -1,20 +1,20 @@
-/* The registry: settings of the maker, which are read, and of the browser, which are brought to what live video needs. */
+/* The registry: the maker's settings, which are read, and the browser's, which are changed to what live video needs. */
 #pragma once
 
 #include <cstdint>
 
-/** Without the registry's value. */
+/** The speed if the registry has none. */
 constexpr int32_t DefaultDecoderSpeed = -2;
 
 struct MakerSettings {
   int32_t decoderSpeed = DefaultDecoderSpeed;
   int32_t mouseLButton = 0, mouseRButton = 0;  ///< 0 or 1.
-  bool rightButtonRead = false;                ///< The last one is there.
+  bool rightButtonRead = false;                ///< The registry has a value for the right button.
 };
 
-/** Reads the maker's key. What can't be read keeps its default. */
+/** Reads the maker's key. A value that can't be read keeps its default. */
 MakerSettings Read_Maker_Settings();
 
-/** Raises the browser's connection limits to 256 and takes our MIME type out of its cache, where these values are there and need
- * it. Gives 0 when the key can't be opened, otherwise 1; failing writes are passed over. */
+/** Raises the browser's connection limits to 256 if the first of them is missing or lower, and adds our MIME type to its list of
+ *  types that are not cached, if it has one. Gives 0 if the key can't be opened, otherwise 1. Writes that fail are ignored. */
 int32_t Update_Internet_Settings();

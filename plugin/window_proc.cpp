@@ -29,10 +29,10 @@ struct Message {
   LPARAM lParam;
 };
 
-/** How the handling of a message ends. */
+/** What follows the handling of a message: the default procedure, the window's own procedure, or the result 1. */
 enum class End { Default, Chain, One };
 
-/** The window's own procedure, if there is one. */
+/** Calls the window's own procedure, or the default one without it. */
 LRESULT Chain(const Message& message, WNDPROC previous) {
   if (previous) return CallWindowProcA(previous, message.window, message.number, message.wParam, message.lParam);
   return DefWindowProcA(message.window, message.number, message.wParam, message.lParam);
@@ -41,7 +41,7 @@ LRESULT Chain(const Message& message, WNDPROC previous) {
 End On_Paint(const Message& message) {
   PAINTSTRUCT paint;
   BeginPaint(message.window, &paint);
-  Show_Again(message.decoder, message.window);
+  Window_Show_Again(message.decoder, message.window);
   EndPaint(message.window, &paint);
   return End::Default;
 }
@@ -52,7 +52,7 @@ End On_End_Stream(const Message& message) {
   return End::Chain;
 }
 
-End On_Get_Url(const Message& message) {
+End On_Get_URL(const Message& message) {
   const JdecDecoder* const decoder = message.decoder;
   if (decoder->npInstance && decoder->urlBuffer) Browser_Get_URL(decoder->npInstance, decoder->urlBuffer, nullptr);
   return End::Chain;
@@ -64,7 +64,7 @@ End On_Set_Cursor(const Message& message) {
   return End::One;
 }
 
-/** The tooltip asks for its text. */
+/** Gives the tooltip its text. */
 End On_Notify(const Message& message) {
   auto* const asked = reinterpret_cast<NMTTDISPINFOA*>(message.lParam);
   if (!asked || asked->hdr.code != TTN_NEEDTEXTA || mouseRButton != 1) return End::Chain;
@@ -83,7 +83,7 @@ End On_Command(const Message& message) {
   return End::Chain;
 }
 
-/** With the right button's setting off, its messages are the parent's. */
+/** With the right button's setting off, its messages go to the parent window. */
 End Send_To_Parent(const Message& message) {
   SendMessageA(GetParent(message.window), message.number, message.wParam, message.lParam);
   return End::One;
@@ -104,7 +104,7 @@ End On_Query_Palette(const Message& message) {
 
 HWND Parent_Of(HWND window) { return window ? GetParent(window) : nullptr; }
 
-/** Our own change, or that of a window beside this one, has left the colours in place. */
+/** A change by this window, or by one with the same parent, keeps the colours in place. */
 End On_Palette_Changed(const Message& message) {
   const auto changer = reinterpret_cast<HWND>(message.wParam);
   if (changer == message.window || Parent_Of(changer) == Parent_Of(message.window)) return End::Chain;
@@ -119,7 +119,7 @@ struct MessageAction {
 constexpr MessageAction messageActions[] = {
     {WM_PAINT, true, On_Paint},
     {EndStreamMessage, true, On_End_Stream},
-    {GetUrlMessage, true, On_Get_Url},
+    {GetUrlMessage, true, On_Get_URL},
     {WM_SETCURSOR, false, On_Set_Cursor},
     {WM_NOTIFY, false, On_Notify},
     {WM_COMMAND, false, On_Command},
@@ -152,7 +152,7 @@ void Window_Take_Over(JdecDecoder* decoder) {
   decoder->prevWndProc = reinterpret_cast<WNDPROC>(GetWindowLongPtrA(decoder->window, GWLP_WNDPROC));
   SetWindowLongPtrA(decoder->window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(Plugin_Window_Proc));
   Create_Tooltip(decoder->window);
-  Pump_Ask(decoder);  // The ring may have held bytes back.
+  Pump_Ask(decoder);  // Bytes may have waited in the ring.
 }
 
 void Window_Give_Back(JdecDecoder* decoder) {
@@ -161,7 +161,7 @@ void Window_Give_Back(JdecDecoder* decoder) {
   decoder->prevWndProc = nullptr;
 }
 
-void Show_Again(JdecDecoder* decoder, HWND window) {
+void Window_Show_Again(JdecDecoder* decoder, HWND window) {
   if (!decoder->display) return;
   DecoderHold hold(decoder);
   RECT client = {};
@@ -181,7 +181,7 @@ LRESULT CALLBACK Plugin_Window_Proc(HWND window, UINT number, WPARAM wParam, LPA
     Pump_Run(instance);
     return 0;
   }
-  // A menu or file dialog runs messages of its own, in which the instance may end: its procedure is kept aside.
+  // A menu or file dialog runs a message loop, in which the instance may end: its procedure is read before.
   const WNDPROC previous = message.decoder->prevWndProc;
   const bool plain = mouseLButton == 0 && mouseRButton == 0;
   End end = End::Chain;

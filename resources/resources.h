@@ -1,4 +1,4 @@
-/* What is compiled into the library as resources: data alone, for the code on every platform. */
+/* Numbers and names of the resources that are compiled into the library. */
 #pragma once
 
 #include "resources/texts.h"
@@ -16,7 +16,7 @@ constexpr uint32_t SavingTextId = SAVING_TEXT_ID, IdleTextId = IDLE_TEXT_ID;
 constexpr char MenuDialogName[] = MENU_DIALOG_NAME;
 constexpr int RecordButtonId = RECORD_BUTTON, StopButtonId = STOP_BUTTON, CloseButtonId = CLOSE_BUTTON;
 
-/** The type under which browsers and servers know a camera's stream. */
+/** The MIME type of a camera's stream. */
 constexpr char MimeType[] = MIME_TYPE_TEXT;
-/** Where the maker's settings are, below HKEY_LOCAL_MACHINE. */
+/** The key of the maker's settings, below HKEY_LOCAL_MACHINE. */
 constexpr char MakerKey[] = MAKER_KEY_TEXT;

@@ -60,15 +60,15 @@ TEST(Attach, MouseAndSpeedAreReadThroughOneSize) {
 TEST(Attach, AttachingAndDetachingLeavesNothing) {
   Set(MakerKeyPath, "Mouse_RButton", one);
   const int32_t alive = Rig_Objects_Alive();
-  EXPECT_EQ(Library_Attach(nullptr), 0);
+  EXPECT_FALSE(Library_Attach(nullptr));
   for (int32_t i = 0; i < 50; ++i) {
     if (i == 9) Rig_Fail(RigStep::LoadBitmap, 1, 1);
-    EXPECT_EQ(Library_Attach(Module_Handle()), 1);
+    EXPECT_TRUE(Library_Attach(Module_Handle()));
     EXPECT_EQ(Rig_Objects_Alive(), alive + (i == 9 ? 3 : 4)) << "button faces and the hook";
     PostMessageA(nullptr, WM_KEYDOWN, VK_SPACE, 0);
     MSG message;
     EXPECT_TRUE(PeekMessageA(&message, nullptr, WM_KEYDOWN, WM_KEYDOWN, PM_REMOVE)) << "handed on";
-    EXPECT_EQ(Library_Detach(), 1);
+    Library_Detach();
     EXPECT_EQ(Rig_Objects_Alive(), alive);
   }
 }

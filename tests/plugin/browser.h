@@ -1,4 +1,4 @@
-/* A browser as the plug-in knows it: its tables, a page with the plug-in's window in it, streams in pieces as offered. */
+/* A browser for tests of the plug-in: its tables, a page with the plug-in's window, streams that are fed in chunks. */
 #pragma once
 
 #include "platform/module.h"
@@ -12,9 +12,9 @@
 constexpr char MakerKeyPath[] = "HKEY_LOCAL_MACHINE\\" MAKER_KEY_TEXT;
 constexpr LRESULT OwnResult = 42;
 
-inline std::vector<std::string> asked;  // URLs that the browser was asked for, and "end".
-inline MSG seen;                        // What a window's own procedure got last.
-inline std::function<void()> poked;     // What the next WM_APP does.
+inline std::vector<std::string> asked;  // URLs that the browser was asked for; "end" for the end of a stream.
+inline MSG seen;                        // The message that a window's own procedure got last.
+inline std::function<void()> poked;     // Called at the next WM_APP.
 
 inline LRESULT Page_Proc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
   if (message == WM_PAINT || message == WM_ERASEBKGND) return DefWindowProcA(window, message, wParam, lParam);
@@ -43,7 +43,7 @@ struct PluginTest : testing::Test {
   NPNetscapeFuncs netscape = {};
   NPInstance instance = {};
   NPStream stream = {nullptr, nullptr, "http://camera/live", 0, 0, nullptr};
-  std::string proposed;  ///< The file's name that the user was offered; path is what the user takes.
+  std::string proposed;  ///< The default name in the file dialog. The user chooses `path`.
 
   PluginTest() {
     Screen_Set_File_Chooser([&](const OPENFILENAMEA& dialog) {
@@ -77,13 +77,13 @@ struct PluginTest : testing::Test {
     return plugin.setwindow(adopter, &place);
   }
   NPError New_Stream(const char* type) { return plugin.newstream(&instance, const_cast<char*>(type), &stream, 0, nullptr); }
-  /** Starts, with an instance and, if told, its window and an open stream. */
+  /** Starts the plug-in with an instance; with `adopted`, also with that window and an open stream. */
   JdecDecoder* Open(uint8_t left, uint8_t right, HWND adopted) {
     const int results[] = {Start(left, right), Add(&instance), Adopt(&instance, adopted), adopted ? New_Stream("video") : 0};
     for (const int result : results) EXPECT_EQ(result, NPERR_NO_ERROR);
     return static_cast<JdecDecoder*>(instance.pdata);
   }
-  /** What tooltip and cursor tell. */
+  /** The tooltip's text and the cursor's number. */
   std::string Signs() {
     SendMessageA(window, WM_SETCURSOR, 0, 0);
     return Rig_Tooltip_Text(window) + std::to_string(Screen_Cursor());

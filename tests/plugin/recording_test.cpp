@@ -19,9 +19,9 @@ TEST_F(RecordingTest, HoldsTheStreamFromTheFirstFrameStartOn) {
   Feed(Joined({Bytes(100, 7), frames}));
   EXPECT_EQ(Signs(), SAVING_TEXT "104");
   const Bytes forbids = Joined({{9, 9}, Prefixed_Frame(small.compact, 0x08)});
-  for (const Bytes& part : {forbids, frames, Bytes{5}}) Feed(part);  // It takes effect behind its own chunk.
+  for (const Bytes& part : {forbids, frames, Bytes{5}}) Feed(part);  // It takes effect after its own chunk.
   Screen_Set_File_Chooser(nullptr);
-  Command(StartRecordingCommand);  // Ends the one under way; then the user declines.
+  Command(StartRecordingCommand);  // Ends the current one; then the user cancels.
   EXPECT_EQ(Read_File(path), Joined({frames, forbids, {5}}));
   EXPECT_EQ(Signs(), IDLE_TEXT "101");
 }

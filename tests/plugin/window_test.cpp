@@ -1,8 +1,8 @@
 #include "plugin/browser.h"
 
-/** Who gets a message: D the default procedure, C the window's own, P the page, 1 nobody; in lower case if it brings back the
- * colours that another program took. */
-static char Road(HWND window, UINT number, HWND changer) {
+/** Who gets a message: D the default procedure, C the window's own, P the page, 1 nobody. In lower case if it restores the
+ * colours that another program has changed. */
+static char Receiver(HWND window, UINT number, HWND changer) {
   const HDC dc = GetDC(nullptr);
   LOGPALETTE other = {0x300, 1, {{9, 9, 9, 0}}};
   const HPALETTE before = SelectPalette(dc, CreatePalette(&other), FALSE);
@@ -17,8 +17,8 @@ static char Road(HWND window, UINT number, HWND changer) {
   ReleaseDC(nullptr, dc);
   const bool whole = seen.message == number && seen.wParam == wParam && seen.lParam == lParam;
   const char who = seen.hwnd == window && result == OwnResult ? 'C' : seen.hwnd == GetParent(window) && result == 1 ? 'P' : '?';
-  const char road = !seen.hwnd ? static_cast<char>(result == 0 ? 'D' : '0' + result) : whole ? who : '?';
-  return static_cast<char>(road | (entry.peRed != 9 ? 0x20 : 0));
+  const char receiver = !seen.hwnd ? static_cast<char>(result == 0 ? 'D' : '0' + result) : whole ? who : '?';
+  return static_cast<char>(receiver | (entry.peRed != 9 ? 0x20 : 0));
 }
 
 TEST_F(PluginTest, EachModeHandlesTheMessagesThatItShould) {
@@ -28,21 +28,21 @@ TEST_F(PluginTest, EachModeHandlesTheMessagesThatItShould) {
                           WM_RBUTTONUP, WM_QUERYNEWPALETTE, EndStreamMessage, GetUrlMessage, WM_APP + 1};
   const std::tuple<uint8_t, uint8_t, std::string, std::string> modes[] = {
       {0, 0, "DDDDDDDDDDDDD", "0"}, {1, 0, "D1CCPPcCCCCCc", "101"}, {0, 1, "D1CCCCcCCCCCc", IDLE_TEXT "101"}};
-  for (const auto& [left, right, roads, signs] : modes) {
+  for (const auto& [left, right, receivers, signs] : modes) {
     Open(left, right, window);
     SetCursor(nullptr);
     poked = [] { SendMessageA(Rig_Dialog(), WM_CLOSE, 0, 0); };
     if (right == 1) PostMessageA(window, WM_APP, 0, 0);  // Closes the menu.
     std::string found;
-    for (const UINT number : numbers) found += Road(window, number, nullptr);
-    for (const HWND changer : {window, sibling, inside}) found += Road(window, WM_PALETTECHANGED, changer);
-    EXPECT_EQ(found, roads);
+    for (const UINT number : numbers) found += Receiver(window, number, nullptr);
+    for (const HWND changer : {window, sibling, inside}) found += Receiver(window, WM_PALETTECHANGED, changer);
+    EXPECT_EQ(found, receivers);
     netscape.version = 7;
-    Road(window, EndStreamMessage, nullptr);
+    Receiver(window, EndStreamMessage, nullptr);
     EXPECT_EQ(asked, (std::vector<std::string>{"end", stream.url})) << "of which the first only by a browser that can";
     EXPECT_EQ(Signs(), signs);
     Stop();
-    EXPECT_EQ(Road(window, WM_APP + 1, nullptr), 'C') << "given back";
+    EXPECT_EQ(Receiver(window, WM_APP + 1, nullptr), 'C') << "given back";
   }
 }
 
