@@ -1,4 +1,5 @@
-# awk -f api/exports_doc.awk include/velarto.h api/exports.list: writes doc/exports.md, or tells where header and list differ and fails.
+# awk -f api/exports_doc.awk include/velarto.h api/exports.list: writes doc/exports.md.
+# Fails if header and list differ, and says where.
 
 function complain(text) {
   print "exports: " text >"/dev/stderr"
@@ -16,14 +17,14 @@ function first_sentence(text) {
   return text
 }
 
-# The name without what the families spell differently.
+# The name without prefix, underscores and case, which differ between the families.
 function bare(name) {
   sub(/^(vb_JDEC|JDEC|decoder)_/, "", name)
   gsub(/_/, "", name)
   return tolower(name)
 }
 
-# What the header says of an export, or that it is the JDEC_ operation of the same name.
+# What the header says about an export; without a docstring, that it is like the JDEC_ operation of the same name.
 function meaning(name, other) {
   if (said[name] != "") return said[name]
   other = main_name[bare(name)]
@@ -59,13 +60,13 @@ file == 1 && /^[A-Za-z].*VELARTO_(CDECL|STDCALL) [A-Za-z_0-9]+\(/ {
   doc = ""
   next
 }
-# A docstring belongs to what follows it at once.
+# A docstring belongs to the declaration directly after it.
 file == 1 { doc = "" }
 
 # ---- The list ------------------------------------------------------------------------------------------------------------
 
 file == 2 && /^[0-9]/ {
-  if ($1 != ++count) complain("ordinal " $1 " where " count " is due")
+  if ($1 != ++count) complain("ordinal " $1 " instead of " count)
   if (!($2 in declared)) complain($2 " is not in the header")
   else if (declared[$2] != $3) complain($2 " is " $3 " in the list and " declared[$2] " in the header")
   listed[$2] = 1
@@ -80,13 +81,15 @@ END {
   if (!count) complain("no list")
   if (wrong) exit 1
   print "# The exports\n"
-  print "`./run exports` makes this page of [api/exports.list](../api/exports.list) and the docstrings in"
-  print "[include/velarto.h](../include/velarto.h), where arguments, ownership and results stand; the same list makes the `.def` file of"
-  print "`velarto.dll` and the version script of `libvelarto.so`."
+  print "`./run exports` makes this page from [api/exports.list](../api/exports.list) and the docstrings in"
+  print "[include/velarto.h](../include/velarto.h), which describe arguments, ownership and results. The `.def`"
+  print "file of `velarto.dll` and the version script of `libvelarto.so` are made from the same list."
   print ""
-  print "On 32-bit Windows the " count " names are exported undecorated, under these ordinals. Each argument and result takes 32 bits there, but the"
-  print "results of `NP_`, which have 16. On Linux the names are the same, and ordinals and conventions mean nothing."
+  print "On 32-bit Windows the " count " names are exported undecorated, with these ordinals. Arguments and results"
+  print "have 32 bits there, except the results of `NP_`, which have 16. On Linux the names are the same;"
+  print "ordinals and calling conventions have no meaning there."
   print ""
-  print "\"As\" another operation: under `vb_` without that one's status word, under `decoder_` with a guard against a null decoder."
+  print "\"As\" names the operation that is called: by `vb_JDEC_` without its status word, by `decoder_` only"
+  print "if the decoder is not null."
   printf "%s", page
 }

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# no_rig.sh TESTS FILE...: the program of tests has what platform/portable/rig.h lets tests do to the portable layer; the shipped
-# files have nothing of it. Prints what they have.
+# no_rig.sh TESTS FILE...: checks that the functions of platform/portable/rig.h, by which tests control the portable layer, are in
+# the program TESTS and not in the shipped files. Prints those that are.
 set -euo pipefail
 
 layer() { nm -C "$1" | grep -E ' HeapAlloc\b'; }
@@ -9,6 +9,6 @@ rig() { nm -C "$1" | grep -E ' Rig_'; }
 rig "$1" >/dev/null
 shift
 for file in "$@"; do
-  layer "$file" >/dev/null  # Else its symbols were taken away, and the next look says nothing.
+  layer "$file" >/dev/null  # Fails for a file without symbols, of which the next check would tell nothing.
   if rig "$file"; then exit 1; fi
 done
