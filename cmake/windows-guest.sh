@@ -31,16 +31,16 @@ screen() {
   export DISPLAY=:$number
 }
 
-# set_x11 NAME VALUE: how Wine uses the X server.
-set_x11() { $wine reg add 'HKCU\Software\Wine\X11 Driver' /v "$1" /d "$2" /f; } >/dev/null 2>&1
+# set_x11 NAME VALUE: how Wine uses the X server. Goes to the registry's file, while no Wine runs on the prefix.
+set_x11() { printf '\n[Software\\\\Wine\\\\X11 Driver]\n"%s"="%s"\n' "$1" "$2" >>"$WINEPREFIX/user.reg"; }
 
 # The copies that Wine puts into a prefix become links to what they were copied from: the prefix stays small.
 make_prefix() {
   screen 24
-  timeout -s KILL 1500 $wine wineboot -u || reply failed
-  # Else Wine waits two seconds for a window manager whenever a window is hidden; there is none.
-  set_x11 Managed N || reply failed
+  timeout -s KILL 1500 $wine wineboot -u || { echo "wineboot ends with $?"; reply failed; }
   $wineserver -w
+  # Else Wine waits two seconds for a window manager whenever a window is hidden; there is none.
+  set_x11 Managed N
   find /prefix/drive_c/windows -type f >/tmp/copies
   while read -r file; do
     original=/usr/lib/i386-linux-gnu/wine/i386-windows/${file##*/}
