@@ -36,12 +36,8 @@ struct NamedFrame {
   Bytes bytes;
 };
 
-struct Size {
-  int32_t width, height;
-};
-
 /** A picture of slopes with noise in the upper rows; the remaining rows are grey. */
-Bytes Picture(Size size, int32_t noise, int32_t noisyRows) {
+Bytes Picture(PictureSize size, int32_t noise, int32_t noisyRows) {
   const int32_t pitch = 3 * size.width;
   Bytes pixels(static_cast<size_t>(pitch) * static_cast<size_t>(size.height), 128);
   const Bytes random = Random_Bytes(1 << 20, 7);
@@ -77,7 +73,7 @@ Bytes Encoded_Finely(JdecDecoder* encoder, const Bytes& pixels) {
 }
 
 /** No whole frame of the largest picture fits: adds one of fewer rows, with the full size in its header. */
-void Add_Short_Frame(Size size, std::vector<NamedFrame>* frames) {
+void Add_Short_Frame(PictureSize size, std::vector<NamedFrame>* frames) {
   const int32_t rows = size.height - 32;
   JdecDecoder* const encoder = JDEC_New(size.width, rows);
   Bytes frame =
@@ -91,7 +87,7 @@ void Add_Short_Frame(Size size, std::vector<NamedFrame>* frames) {
 }
 
 /** Good frames, as slow as they can be: the strongest noise, all over the picture or in as many rows as a frame has bytes for. */
-std::vector<NamedFrame> Good_Frames(Size size) {
+std::vector<NamedFrame> Good_Frames(PictureSize size) {
   std::vector<NamedFrame> frames;
   JdecDecoder* const encoder = JDEC_New(size.width, size.height);
   JDEC_Draw_Init(encoder, nullptr);
@@ -186,7 +182,7 @@ void Print(PictureSize size, const NamedFrame& frame, double seconds) {
 }
 
 /** Prints the good frames and returns the slowest. */
-const NamedFrame* Slowest(JdecDecoder* decoder, Size size, const std::vector<NamedFrame>& good, double* most) {
+const NamedFrame* Slowest(JdecDecoder* decoder, PictureSize size, const std::vector<NamedFrame>& good, double* most) {
   const NamedFrame* slowest = nullptr;
   for (const NamedFrame& frame : good) {
     const double seconds = Median_Seconds(decoder, frame.bytes, ManyRounds);
@@ -207,7 +203,7 @@ Measured Measure(JdecDecoder* decoder, const NamedFrame& frame, const Bytes& goo
 }
 
 /** Prints the slowest hostile frames; false if one breaks the bound. */
-bool Compare_Times(Size size, size_t shown) {
+bool Compare_Times(PictureSize size, size_t shown) {
   const std::vector<NamedFrame> good = Good_Frames(size);
   JdecDecoder* const decoder = JDEC_New(size.width, size.height);
   JDEC_Draw_Init(decoder, nullptr);
@@ -234,7 +230,7 @@ bool Compare_Times(Size size, size_t shown) {
 }
 
 /** Measures the memory of a decoder after a short frame has set its size; false if it breaks the bound. */
-bool Measure_Memory(Size size, HWND window) {
+bool Measure_Memory(PictureSize size, HWND window) {
   const int64_t before = Resident_Bytes();
   JdecDecoder* const decoder = JDEC_New(16, 16);
   JDEC_Draw_Init(decoder, window);

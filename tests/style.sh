@@ -27,8 +27,8 @@ done
 
 # Two types of one name in one program share their implicit functions, and the linker keeps those of either. Tests and benchmarks
 # link the product, so that a name stands once in all of the tree.
-types=$(git grep -hoE '^(struct|class|union|enum|enum class) [A-Za-z_]+.*\{' -- '*.h' '*.cpp' '*.c' |
-  sed -E 's/^(enum class|[a-z]+) ([A-Za-z_]+).*/\2/' | sort | uniq -d)
+types=$(git grep -hoE '^(struct|class|union|enum|enum class) [A-Za-z_0-9]+.*\{' -- '*.h' '*.cpp' '*.c' |
+  sed -E 's/^(enum class|[a-z]+) ([A-Za-z_0-9]+).*/\2/' | sort | uniq -d)
 [ -z "$types" ] || { echo "style: types whose name stands twice: $types" >&2; failed=1; }
 
 # The table of doc/architecture.md says which folder may include which.
