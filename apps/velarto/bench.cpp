@@ -63,7 +63,7 @@ static bool Decode_Frames(const RecordingInMemory& recording, double asked, Deco
   while (!enough) {
     const WalkedFrame& frame = recording.frames[static_cast<size_t>(work->frames % count)];
     if (!Decoder_Fit(&decoder, frame.width, frame.height, error)) return false;
-    Picture_Push(decoder.get(), frame);
+    JDEC_Receive_Data(decoder.get(), static_cast<int32_t>(frame.bytes.size()), frame.bytes.data(), nullptr);
     ++work->frames;
     work->pixels += int64_t{frame.width} * frame.height;
     work->bytes += static_cast<int64_t>(frame.bytes.size());

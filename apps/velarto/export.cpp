@@ -81,7 +81,7 @@ static bool Export_Frame(Export* work, const WalkedFrame& frame) {
   if (work->jpeg) {
     if (!Picture_Save_Jpeg(decoder, frame, name, &work->error)) return false;
   } else {
-    Picture_Push(decoder, frame);
+    Picture_Decode(decoder, frame);
     if (!Picture_Save(decoder, name, &work->error)) return false;
   }
   ++work->written;

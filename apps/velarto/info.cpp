@@ -16,7 +16,7 @@ static bool Hidden_Text(DecoderHolder* decoder, const WalkedFrame& frame, std::s
   text->clear();
   if (!Frame_Decodable(frame)) return true;
   if (!Decoder_Fit(decoder, frame.width, frame.height, error)) return false;
-  Picture_Push(decoder->get(), frame);
+  Picture_Decode(decoder->get(), frame);
   uint8_t buffer[WatermarkRoom];
   const int32_t length = JDEC_read_watermark_string(decoder->get(), buffer, sizeof buffer);
   text->assign(buffer, buffer + length);

@@ -3,13 +3,13 @@
 #include "apps/velarto/frame_maker.h"
 #include "apps/velarto/jpeg.h"
 #include "apps/velarto/whole_file.h"
-#include "decode/decoder.h"
-#include "decode/framing.h"
+#include "decode/frame.h"
+#include "decode/receive.h"
 
 #include <algorithm>
 #include <cstring>
 
-static constexpr size_t BmpHeadSize = 54, BmpFileSizeAt = 2;
+static constexpr size_t BmpHeaderSize = 54, BmpFileSizeAt = 2;
 static constexpr int32_t MacroblockSide = 16;
 /** libjpeg quality of pictures that are compressed again. */
 static constexpr int32_t SecondQuality = 90;
@@ -27,37 +27,19 @@ bool Decoder_Fit(DecoderHolder* decoder, int32_t width, int32_t height, std::str
   return made;
 }
 
-/** The decoder ignores fewer bytes than a search needs: zeros are added, which it skips. */
-static std::span<const uint8_t> Long_Enough(const WalkedFrame& frame, std::vector<uint8_t>* padded) {
-  const size_t least = frame.form == FrameForm::Jfif ? LeastJfifBytes : LeastSearchBytes;
-  if (frame.bytes.size() >= least) return frame.bytes;
-  padded->assign(frame.bytes.begin(), frame.bytes.end());
-  padded->resize(least);
-  return *padded;
-}
-
-bool Picture_Push(JdecDecoder* decoder, const WalkedFrame& frame) {
+bool Picture_Decode(JdecDecoder* decoder, const WalkedFrame& frame) {
   if (!Frame_Decodable(frame)) return false;
-  std::vector<uint8_t> padded;
-  const auto bytes = Long_Enough(frame, &padded);
-  JDEC_Receive_Data(decoder, static_cast<int32_t>(bytes.size()), bytes.data(), nullptr);
+  Count_Bits(decoder, static_cast<int32_t>(frame.bytes.size()));
+  Decode_Delimited_Frame(decoder, frame.bytes, frame.form, true);
   return true;
-}
-
-/** Puts the frame into the decoder's store, undecoded. */
-static bool Store_Frame(JdecDecoder* decoder, const WalkedFrame& frame) {
-  std::vector<uint8_t> padded, copy(frame.bytes.size());
-  const auto bytes = Long_Enough(frame, &padded);
-  JDEC_Receive_Data_2(decoder, bytes.data(), static_cast<uint32_t>(bytes.size()));
-  return JDEC_Check_Decode_Frame(decoder, 0, copy.data(), static_cast<int32_t>(copy.size()), nullptr, 0, 0, nullptr) == 1;
 }
 
 /** The library's image has rows of exactly 3 * width bytes; in a BMP file a row is a multiple of 4 bytes. */
 static std::vector<uint8_t> Aligned_Rows(const std::vector<uint8_t>& image, size_t width, size_t height) {
   const size_t row = width * 3, pitch = (row + 3) / 4 * 4;
-  std::vector<uint8_t> aligned(BmpHeadSize + pitch * height);
-  std::copy_n(image.begin(), BmpHeadSize, aligned.begin());
-  for (size_t y = 0; y < height; ++y) std::memcpy(&aligned[BmpHeadSize + y * pitch], &image[BmpHeadSize + y * row], row);
+  std::vector<uint8_t> aligned(BmpHeaderSize + pitch * height);
+  std::copy_n(image.begin(), BmpHeaderSize, aligned.begin());
+  for (size_t y = 0; y < height; ++y) std::memcpy(&aligned[BmpHeaderSize + y * pitch], &image[BmpHeaderSize + y * row], row);
   for (size_t i = 0; i < 4; ++i) aligned[BmpFileSizeAt + i] = static_cast<uint8_t>(aligned.size() >> (8 * i));
   return aligned;
 }
@@ -66,7 +48,7 @@ static std::vector<uint8_t> Picture_Image(JdecDecoder* decoder) {
   int32_t width = 0, height = 0;
   JDEC_get_size(decoder, &width, &height);
   // Zeroed: the last column and row of odd sizes are not written.
-  std::vector<uint8_t> image(BmpHeadSize + size_t{3} * static_cast<size_t>(width) * static_cast<size_t>(height));
+  std::vector<uint8_t> image(BmpHeaderSize + size_t{3} * static_cast<size_t>(width) * static_cast<size_t>(height));
   JDEC_get_decompressed_bitmap_ex2(decoder, image.data(), static_cast<int32_t>(image.size()));
   if (width % 4 == 0) return image;
   return Aligned_Rows(image, static_cast<size_t>(width), static_cast<size_t>(height));
@@ -89,14 +71,14 @@ static Picture Decoder_Picture(JdecDecoder* decoder) {
 bool Picture_Save_Jpeg(JdecDecoder* decoder, const WalkedFrame& frame, const std::string& path, std::string* error) {
   const bool jfif = frame.form == FrameForm::Jfif;
   const bool sound = Jpeg_Sound(jfif ? frame.bytes : Frame_To_Jfif(frame.bytes, frame.form));
-  if (sound && Store_Frame(decoder, frame)) {
+  if (sound && Store_Frame(decoder->codec, frame.bytes)) {
     const auto write = [decoder](FILE* file, std::string*) {
       return JDEC_Write_JFIF_File(decoder, file) == 2 && !std::ferror(file);
     };
     return Write_Whole_File(path, write, error);
   }
   std::vector<uint8_t> bytes;
-  Picture_Push(decoder, frame);
+  Picture_Decode(decoder, frame);
   if (!Jpeg_Write(Decoder_Picture(decoder), SecondQuality, &bytes, error)) {
     *error = "can't write " + path + ": " + *error;
     return false;

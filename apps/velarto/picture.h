@@ -22,8 +22,9 @@ using DecoderHolder = std::unique_ptr<JdecDecoder, DecoderRelease>;
  *  *error, without memory. */
 bool Decoder_Fit(DecoderHolder* decoder, int32_t width, int32_t height, std::string* error);
 
-/** Decodes the frame, and shows it if the decoder has a window. False, without effect, if it can't be decoded. */
-bool Picture_Push(JdecDecoder* decoder, const WalkedFrame& frame);
+/** Decodes the frame, counts its bytes for the bit rate, and shows it if the decoder has a window. False, without effect, if it
+ * can't be decoded. */
+bool Picture_Decode(JdecDecoder* decoder, const WalkedFrame& frame);
 
 /** Writes the decoder's picture as a BMP file of 24 bits, completely or not at all. False with *error. */
 bool Picture_Save(JdecDecoder* decoder, const std::string& path, std::string* error);

@@ -1,7 +1,7 @@
 #include "apps/velarto/stages.h"
 
-#include "decode/decoder.h"
-#include "decode/frame_header.h"
+#include "decode/frame.h"
+#include "decode/framing.h"
 #include "decode/huffman_decode.h"
 #include "decode/idct.h"
 #include "decode/rows.h"
@@ -19,9 +19,13 @@ static double Lap(Clock::time_point* mark) {
   return seconds;
 }
 
-static int32_t Data_Offset(const WalkedFrame& frame) {
-  if (frame.form == FrameForm::Jfif) return Find_Scan_Data(frame.bytes.data());
-  return frame.form == FrameForm::Prefixed ? PrefixSize + CompactHeaderSize : CompactHeaderSize;
+/** What a decoder does to find the frame in its bytes and to store it. */
+static void Find_And_Store(JdecCodec* codec, const WalkedFrame& frame) {
+  const auto count = static_cast<int32_t>(frame.bytes.size());
+  int32_t isJfif = 0, hasPrefix = 0;
+  Frame_Sync(frame.bytes.data(), count, &isJfif, &hasPrefix);
+  if (isJfif) Find_EOI(frame.bytes.data(), count);
+  Store_Frame(codec, frame.bytes);
 }
 
 static void Time_Rows(JdecCodec* codec, StageTimes* times) {
@@ -51,17 +55,15 @@ static void Time_Planes(JdecCodec* codec, StageTimes* times) {
 
 void Stages_Time(JdecDecoder* decoder, const WalkedFrame& frame, StageTimes* times) {
   JdecCodec* const codec = decoder->codec;
-  const int32_t offset = Data_Offset(frame);
-  Codec_Set_Quality(codec, frame.quality);
+  FrameHeader header = {};
+  Read_Frame_Header(frame.bytes.data(), static_cast<int32_t>(frame.bytes.size()), frame.form, &header);
+  Codec_Set_Quality(codec, header.quality);
 
-  // A hidden decoder takes frames out of the stream and leaves it at that.
   auto mark = Clock::now();
-  JDEC_show(decoder, 0);
-  Picture_Push(decoder, frame);
-  JDEC_show(decoder, 1);
+  Find_And_Store(codec, frame);
   times->search += Lap(&mark);
 
-  codec->frame->position = offset;
+  codec->frame->position = header.dataOffset;
   Rows_Available() ? Time_Rows(codec, times) : Time_Planes(codec, times);
   mark = Clock::now();
   YCC_To_RGB24(codec->planes, codec->raster);

@@ -215,7 +215,7 @@ static void Show_Frame(Viewer* viewer, const FedFrame& fed) {
   const bool newSize = fed.frame.width != viewer->width || fed.frame.height != viewer->height;
   if (!Frame_Decodable(fed.frame) || !Adopt_Size(viewer, fed.frame.width, fed.frame.height)) return;
   if (first) Overlays_Apply(viewer->overlays, viewer->decoder);
-  Picture_Push(viewer->decoder, fed.frame);
+  Picture_Decode(viewer->decoder, fed.frame);
   Count_Frame(viewer);
   if (newSize && !first) {
     // With the new size came a new display.

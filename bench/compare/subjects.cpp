@@ -93,7 +93,7 @@ static bool Read_Street(const std::string& recording, std::vector<Picture>* stre
   DecoderHolder decoder;
   const auto take = [&](const WalkedFrame& frame) {
     if (!Decoder_Fit(&decoder, frame.width, frame.height, error)) return false;
-    Picture_Push(decoder.get(), frame);
+    Picture_Decode(decoder.get(), frame);
     Picture picture;
     Picture_Allot(&picture, frame.width, frame.height);
     std::memcpy(picture.pixels.data(), JDEC_get_decompressed_bitmap(decoder.get()), picture.pixels.size());
