@@ -66,8 +66,8 @@ TEST_F(PluginTest, IsSeenAndUsedOnADesktop) {
   Open(0, 1, shown);
   Feed(large.jfif);
   const auto picture = (int)Rig_Window_Color(shown, 55, 54), back = 0, yellow = 0xFFFFE1, diskette = 0x80;
-  std::atomic<uintptr_t> done = 0, lives = 0, cursor = 0, typed = 0;
-  poked = [&] { typed = seen.message == WM_KEYDOWN, lives = 1; };
+  std::atomic<uintptr_t> done = 0, lives = 0, cursor = 0;
+  poked = [&] { lives = 1; };
   std::thread user([&] {
     const std::tuple<const char*, const char*, int, int, int> steps[] = {
         {"mousemove 0 0", "the child, in the window in the middle of the screen", 285, 234, picture},
@@ -87,9 +87,8 @@ TEST_F(PluginTest, IsSeenAndUsedOnADesktop) {
     }
     Do("mousemove 138 130 click 1");
     EXPECT_TRUE(Await([&] { return std::filesystem::exists(words); })) << "the question";
-    for (const UINT message : {WM_KEYDOWN, WM_APP}) PostMessageA(top, message, 'X', 0);
+    PostMessageA(top, WM_APP, 0, 0);
     EXPECT_TRUE(Await([&] { return lives == 1; })) << "the page, while the question is open";
-    EXPECT_EQ(typed, 0u) << "but without the key";
     std::ofstream(go).close();
     EXPECT_TRUE(Await([&] { return std::filesystem::exists(chosen); })) << "the recording";
     Do("mousemove 100 100");
