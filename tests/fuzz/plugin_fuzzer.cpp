@@ -98,7 +98,7 @@ void Call(Browser* browser) {
     case 10:
       return Let_Memory_Fail(input.Byte());
     default:
-      return Rig_Fail((RigStep)(detail % ((int)RigStep::SetRegistryValue + 1)), which / 12, 2);
+      return Rig_Fail((RigStep)(detail % ((int)RigStep::PostMessage + 1)), which / 12, 2);
   }
 }
 
