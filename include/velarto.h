@@ -189,7 +189,11 @@ void VELARTO_CDECL JDEC_reload_palette(JdecDecoder* decoder);
  * of the display only. Without a display there is nothing to draw on or to set: these operations have no effect, except
  * JDEC_enable_MD and JDEC_set_MD_color, and give 0 if they have a result. What a call draws is shown with the next frame or
  * repaint. A change of the picture's size clears what was drawn and set; the modes of JDEC_enable_MD and the draw callback stay.
- * Coordinates may be any numbers: what lies outside the picture is not drawn. */
+ * Coordinates may be any numbers: what lies outside the picture is not drawn.
+ *
+ * The overlays are laid out for pictures of 320x240, 640x240 and 640x480. Pictures of other sizes show what the operations below
+ * tell of them. The motion-area layer is as large as the picture, but in other pictures 640 wide it has only their upper
+ * 480 - height rows if they are more than 240 high, and none if they are 480 or more high. */
 
 /** Shows the motion-area layer if value is not 0; 0 hides it without erasing it. Bit 1 of value (mask 2) turns on the rectangle
  *  mode of the whole process, in which the moving rectangle can be shown and lines don't overwrite the layer's red. A value other
@@ -201,27 +205,31 @@ void VELARTO_CDECL JDEC_enable_MD(JdecDecoder* decoder, int32_t value);
 void VELARTO_CDECL JDEC_set_MD_color(int32_t which);
 
 /** Marks a cell of the grid with a hatch, or clears it if marked is 0. column is clamped to 0 to 19, row to 0 to 14. Cells are 16
- *  by 16 pixels of the picture, 32 by 32 at 640x480, 32 by 16 in other pictures 640 wide. */
+ *  by 16 pixels of the picture, 32 by 32 at 640x480, 32 by 16 in other pictures 640 wide. So the grid, 320 by 240 pixels or 640
+ * by 240, lies at the upper left of a larger picture, and goes over the edges of a smaller one: cells outside are not drawn. */
 void VELARTO_CDECL JDEC_set_MD_area(JdecDecoder* decoder, int32_t column, int32_t row, int32_t marked);
 
-/** Dims the whole picture except an outlined rectangle. It is given in picture pixels, at 640x240 as for 480 rows. If it goes
- *  over the right or bottom edge, it is moved back into the picture. The grid and marked cells are erased. The last argument is
- *  not used. */
+/** Dims all of the layer except an outlined rectangle. It is given in picture pixels, at 640x240 as for 480 rows. If it goes over
+ *  an edge, it is moved back into the picture; one larger than the picture starts at its left or top edge. The grid and marked
+ *  cells are erased. The last argument is not used. */
 void VELARTO_CDECL JDEC_set_MD_area_2(JdecDecoder* decoder, int32_t left, int32_t top, int32_t width, int32_t height,
                                       int32_t unused);
 
-/** Moves the rectangle, or removes it if hide is not 0. It is given for a picture of 320 by 240; in pictures 640 wide it is
- *  scaled up. Works only in the rectangle mode of JDEC_enable_MD. */
+/** Moves the rectangle, or removes it if hide is not 0. It is given in picture pixels, but at 640x480 for a picture of 320 by
+ * 240, and in other pictures 640 wide for one half as wide. If it goes over an edge, it is moved back into the picture, as in
+ *  JDEC_set_MD_area_2. Works only in the rectangle mode of JDEC_enable_MD. */
 void VELARTO_CDECL JDEC_show_rectangle(JdecDecoder* decoder, int32_t x, int32_t y, int32_t width, int32_t height, int32_t hide);
 
 /** Shows a bitmap at the picture's lower right, 20 rows above its bottom, while the motion-area layer is off. Black is
- *  transparent. Of a bitmap higher than 120 rows or wider than the picture, the upper left part is used. A bitmap that was stored
- *  is deleted: the handle is no longer the caller's. Null removes the bitmap. */
+ *  transparent. Of a bitmap higher than 120 rows or wider than the picture, the upper left part is used; what then lies above the
+ *  picture is not shown. A bitmap that was stored is deleted: the handle is no longer the caller's. One that can't be copied
+ * stays the caller's, and none is shown. Null removes the bitmap. */
 void VELARTO_CDECL JDEC_set_ptz_bmp(JdecDecoder* decoder, VelartoBitmap bitmap);
 
-/** Shows a bitmap over the whole picture, while the motion-area layer is off and no PTZ bitmap is set. Black is transparent. A
- *  larger bitmap is clipped; nothing is shown around a smaller one. Gives 1 if it was stored, and it is deleted then. Otherwise
- *  gives 0, and the bitmap stays the caller's. Null removes the bitmap and gives 0. */
+/** Shows a bitmap over the whole picture, while the motion-area layer is off and no PTZ bitmap is set. In pictures 640 wide,
+ * other than 640x480, it has at most 240 rows, of which the last is over the picture's last. Black is transparent. A larger
+ * bitmap is clipped; nothing is shown around a smaller one. Gives 1 if each step of storing it succeeded, and it is deleted then.
+ * Otherwise gives 0, none is shown, and the bitmap stays the caller's. Null removes the bitmap and gives 0. */
 int32_t VELARTO_CDECL JDEC_set_pos_bmp(JdecDecoder* decoder, VelartoBitmap bitmap);
 
 /** Sets the callback that is called, on the thread that shows, after each frame that DirectDraw has shown; null for none. The
@@ -229,8 +237,8 @@ int32_t VELARTO_CDECL JDEC_set_pos_bmp(JdecDecoder* decoder, VelartoBitmap bitma
  *  while another one uses the decoder; a call of the previous callback may still be running then. */
 void VELARTO_CDECL JDEC_register_draw_callback(JdecDecoder* decoder, VelartoDrawCallback callback, uintptr_t user);
 
-/** Shows (not 0) or hides the caption and the rectangle of the motion search, which are drawn in red into each shown frame. This
- *  and the next two give 1; 0 without a decoder or display. */
+/** Shows (not 0) or hides the caption and the rectangle of the motion search, which are drawn in red into each shown frame and
+ *  clipped to it. This and the next two give 1, also with a display of the GDI form; 0 without a decoder or display. */
 int32_t VELARTO_CDECL JDEC_SetMotionSeachEnable(JdecDecoder* decoder, int32_t enable);
 
 /** Sets the rectangle of the motion search, in picture pixels. */
