@@ -53,26 +53,29 @@ TEST_F(PluginTest, EachModeHandlesTheMessagesThatItShould) {
 
 /** The window is the browser's, and so are all messages that the plug-in hasn't posted to itself. */
 TEST_F(PluginTest, OnlyThePumpsOwnMessagesAreTaken) {
-  Open(0, 1, window);
   const UINT number = RegisterWindowMessageA("velarto plug-in pump");
-  Pump();
-  plugin.write(&instance, &stream, 0, static_cast<int32_t>(small.compact.size()), const_cast<uint8_t*>(small.compact.data()));
-  MSG own;
-  ASSERT_TRUE(PeekMessageA(&own, window, number, number, PM_REMOVE));
-  for (const UINT foreign : {number, UINT{WM_APP + 0x56}}) EXPECT_EQ(SendMessageA(window, foreign, 1, 2), OwnResult);
-  const JdecDecoder* const decoder = Instance_Decoder(&instance);
-  EXPECT_NE(decoder->ringFill, 0);
-  PostMessageA(window, number, 1, 2);
-  PostMessageA(own.hwnd, own.message, own.wParam, own.lParam);
-  PostMessageA(window, number, 3, 4);
-  PostQuitMessage(5);
-  End_Instance();
-  std::vector<WPARAM> left;
-  for (MSG message; PeekMessageA(&message, window, number, number, PM_REMOVE);) left.push_back(message.wParam);
-  std::sort(left.begin(), left.end());
-  EXPECT_EQ(left, (std::vector<WPARAM>{1, 3, 5})) << "those of others, and the end of the program";
-  SendMessageA(own.hwnd, own.message, own.wParam, own.lParam);
-  EXPECT_EQ(seen.message, number) << "nobody's any more";
+  for (const bool lost : {false, true}) {
+    const JdecDecoder* const decoder = Open(0, 1, window);
+    Pump();
+    plugin.write(&instance, &stream, 0, static_cast<int32_t>(small.compact.size()), const_cast<uint8_t*>(small.compact.data()));
+    MSG own;
+    ASSERT_TRUE(PeekMessageA(&own, window, number, number, PM_REMOVE));
+    for (const UINT foreign : {number, UINT{WM_APP + 0x56}}) {
+      EXPECT_EQ(SendMessageA(window, foreign, own.wParam, 2), OwnResult);
+    }
+    EXPECT_NE(decoder->ringFill, 0);
+    PostMessageA(window, number, 1, 2);
+    if (!lost) PostMessageA(own.hwnd, own.message, own.wParam, own.lParam);
+    PostMessageA(window, number, 3, 4);
+    PostQuitMessage(5);
+    End_Instance();
+    std::vector<WPARAM> left;
+    for (MSG message; PeekMessageA(&message, window, number, number, PM_REMOVE);) left.push_back(message.wParam);
+    std::sort(left.begin(), left.end());
+    EXPECT_EQ(left, (std::vector<WPARAM>{1, 3, 5})) << "those of others, and the end of the program";
+    EXPECT_EQ(SendMessageA(own.hwnd, own.message, own.wParam, own.lParam), OwnResult) << "nobody's any more";
+    Stop();
+  }
 }
 
 TEST_F(PluginTest, TwoInstancesShareAWindowUntilTheLastOneEnds) {
