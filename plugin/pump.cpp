@@ -55,16 +55,19 @@ bool Pump_Handle(HWND window, UINT number, WPARAM wParam, LPARAM lParam) {
 void Pump_Forget(JdecDecoder* decoder) {
   if (decoder->pumpState != PumpAsked) return;
   decoder->pumpState = PumpIdle;
-  MSG taken[MostTaken];
-  int32_t others = 0;
-  while (others < MostTaken && PeekMessageA(&taken[others], decoder->window, Pump_Message(), Pump_Message(), PM_REMOVE)) {
-    const MSG& message = taken[others];
+  struct {
+    WPARAM wParam;
+    LPARAM lParam;
+  } others[MostTaken];
+  int32_t count = 0;
+  const UINT number = Pump_Message();
+  for (MSG message; count < MostTaken && PeekMessageA(&message, decoder->window, number, number, PM_REMOVE); ++count) {
     if (message.message == WM_QUIT) {  // It comes whatever is asked for, after all others.
       PostQuitMessage(static_cast<int>(message.wParam));
       break;
     }
     if (message.lParam == Own_Mark() && message.wParam == reinterpret_cast<WPARAM>(decoder->npInstance)) break;
-    ++others;
+    others[count] = {message.wParam, message.lParam};
   }
-  for (int32_t i = 0; i < others; ++i) PostMessageA(taken[i].hwnd, taken[i].message, taken[i].wParam, taken[i].lParam);
+  for (int32_t i = 0; i < count; ++i) PostMessageA(decoder->window, number, others[i].wParam, others[i].lParam);
 }

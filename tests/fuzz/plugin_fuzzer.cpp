@@ -6,6 +6,8 @@
 #include "plugin/window_proc.h"
 #include "resources/resources.h"
 
+#include <cstring>
+
 namespace {
 
 constexpr char MakerKeyPath[] = "HKEY_LOCAL_MACHINE\\" MAKER_KEY_TEXT;
