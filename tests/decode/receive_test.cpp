@@ -1,6 +1,7 @@
 // Chunks of any size into both paths; the bit rate; the recording.
 #include "decode/receive.h"
 
+#include "decode/frame.h"
 #include "display/context.h"
 #include "platform/portable/rig.h"
 #include "support/streams.h"
@@ -71,6 +72,24 @@ TEST_F(Receiver, PollingSkipsAHeaderWithoutScan) {
   bytes[610] = 0;
   Store(decoder.get(), bytes);
   EXPECT_EQ(Poll(decoder.get()), 3);
+}
+
+TEST_F(Receiver, DelimitedFramesLeaveTheOpenFrameAlone) {
+  const size_t half = large.compact.size() / 2;
+  Push(decoder.get(), Bytes(large.compact.begin(), large.compact.begin() + (ptrdiff_t)half));
+  JDEC_show(decoder.get(), 0);
+  for (size_t i = 0; i < frames.size(); ++i) {
+    const Bytes& frame = frames[i];
+    const auto form = i % 3 == Jfif ? FrameForm::Jfif : i % 3 == Compact ? FrameForm::Compact : FrameForm::Prefixed;
+    EXPECT_TRUE(Decode_Delimited_Frame(decoder.get(), frame, form, false));
+    EXPECT_EQ(Current_Picture(decoder.get()), pictures[i]) << i;
+    EXPECT_FALSE(Decode_Delimited_Frame(decoder.get(), {frame.data(), 11}, form, false));
+    EXPECT_FALSE(Decode_Delimited_Frame(decoder.get(), Bytes(FrameStoreSize + 1), form, false));
+    EXPECT_EQ(Current_Picture(decoder.get()), pictures[i]) << i;
+  }
+  JDEC_show(decoder.get(), 1);
+  EXPECT_NE(Push(decoder.get(), Bytes(large.compact.begin() + (ptrdiff_t)half, large.compact.end())), -1);
+  EXPECT_EQ(Current_Picture(decoder.get()), Picture_Of(large));
 }
 
 TEST_F(Receiver, NoDataAddsNothing) {
