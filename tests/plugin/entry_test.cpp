@@ -193,6 +193,7 @@ TEST_F(PluginTest, AnInstanceMayEndInItsDrawCallback) {
 TEST_F(PluginTest, ThePumpIsNotEnteredAgainFromADrawCallback) {
   static PluginTest* browser;
   static int32_t depth, deepest;
+  static MSG own;
   static const auto give = [](const Bytes& bytes) {
     return browser->plugin.write(&browser->instance, &browser->stream, 0, (int32_t)bytes.size(), const_cast<uint8_t*>(&bytes[0]));
   };
@@ -200,18 +201,19 @@ TEST_F(PluginTest, ThePumpIsNotEnteredAgainFromADrawCallback) {
   shown = depth = deepest = 0;
   JdecDecoder* const decoder = Open(0, 1, window);
   Pump();
-  const VelartoDrawCallback reenter = [](HWND drawn, uintptr_t) {
+  const VelartoDrawCallback reenter = [](HWND, uintptr_t) {
     deepest = std::max(deepest, ++depth);
     if (++shown <= 3) give(browser->large.jfif);  // Must not post the pump's message either.
     Pump();
-    SendMessageA(drawn, PumpMessage, 0, 0);
+    DispatchMessageA(&own);
     --depth;
   };
   JDEC_register_draw_callback(decoder, reenter, 0);
   int32_t frames = 3;
   // More than the pump takes at once, less than makes the decoder skip pictures.
   for (size_t bytes = 0; bytes < 200000; bytes += small.compact.size(), ++frames) give(small.compact);
-  Pump();
+  ASSERT_TRUE(PeekMessageA(&own, window, Pump_Message(), Pump_Message(), PM_REMOVE));
+  DispatchMessageA(&own);
   EXPECT_EQ(deepest, 1);
   EXPECT_EQ(shown, frames);
   EXPECT_EQ(Current_Picture(decoder), Picture_Of(large)) << "written last";
