@@ -128,7 +128,7 @@ void Draw_Statistics(JdecDisplay* display) {
 void Present_DirectDraw(JdecDisplay* display, const JdecRaster* raster, const PicturePart& part, int32_t mdMode) {
   // If the frame can't be copied, the previous one is shown again.
   Display_Copy_Raster(display->offscreenSurface, raster);
-  if (display->motionSearchEnabled != 0) Motion_Search_Draw(display, part.width);
+  if (display->motionSearchEnabled != 0) Motion_Search_Draw(display, part.width, part.height);
   if (!Show_Overlay(display, part.width, part.height, mdMode)) return;
   if (!Blt_To_Window(display, part)) return;
   Draw_Statistics(display);

@@ -70,8 +70,8 @@ void VELARTO_CDECL JDEC_Exit(void);
 
 /** Makes a decoder for pictures of width by height pixels, each 1 to 65535. Frames of another size change its size later.
  *  Writes a line about the speed regulator to standard output, and waits while another thread holds that stream. Gives the
- * decoder, which the caller owns and frees with JDEC_Free. Gives null for a size out of range, for a picture of more than 128000
- * macroblocks of 16x16 or more than that many times 256 pixels, or without memory. */
+ *  decoder, which the caller owns and frees with JDEC_Free. Gives null for a size out of range, for a picture of more than 128000
+ *  macroblocks of 16x16 or more than that many times 256 pixels, or without memory. */
 JdecDecoder* VELARTO_CDECL JDEC_New(int32_t width, int32_t height);
 
 /** Ends the decoder's display and frees the decoder and everything that it owns. Null is allowed. */
@@ -82,8 +82,8 @@ void VELARTO_CDECL JDEC_Flush(JdecDecoder* decoder);
 
 /** Makes a display for the decoder in that window and shows the current picture there; or with null makes the decoder
  *  headless: the picture becomes dark, and pictures are decoded into a raster of 24 bits and not shown. The window stays the
- * caller's and must outlive the display. Gives 1. Gives 0, with nothing changed, if the decoder has a display already, if window
- * is not a window (on Linux, one of the portable window layer), or if the display or its raster can't be made. */
+ *  caller's and must outlive the display. Gives 1. Gives 0, with nothing changed, if the decoder has a display already, if window
+ *  is not a window (on Linux, one of the portable window layer), or if the display or its raster can't be made. */
 int32_t VELARTO_CDECL JDEC_Draw_Init(JdecDecoder* decoder, VelartoWindow window);
 
 /** Ends the display. JDEC_Receive_Data then skips frames undecoded until JDEC_show. A frame of another size that is decoded
@@ -199,7 +199,11 @@ void VELARTO_CDECL JDEC_reload_palette(JdecDecoder* decoder);
  * nothing to draw on or to set: these operations have no effect, except JDEC_enable_MD and JDEC_set_MD_color, and give 0 if they
  * have a result. What a call draws is shown with the next frame or repaint. A change of the picture's size clears what was drawn
  * and set; the modes of JDEC_enable_MD and the draw callback stay. Coordinates may be any numbers: what lies outside the picture
- * is not drawn. */
+ * is not drawn.
+ *
+ * The overlays are laid out for pictures of 320x240, 640x240 and 640x480. Pictures of other sizes show what the operations below
+ * tell of them. The motion-area layer is as large as the picture, but in other pictures 640 wide it has only their upper
+ * 480 - height rows if they are more than 240 high, and none if they are 480 or more high. */
 
 /** Shows the motion-area layer if value is not 0; 0 hides it without erasing it. Bit 1 of value (mask 2) turns on the rectangle
  *  mode of the whole process, in which the moving rectangle can be shown and lines don't overwrite the layer's red. A value other
@@ -211,27 +215,31 @@ void VELARTO_CDECL JDEC_enable_MD(JdecDecoder* decoder, int32_t value);
 void VELARTO_CDECL JDEC_set_MD_color(int32_t which);
 
 /** Marks a cell of the grid with a hatch, or clears it if marked is 0. column is clamped to 0 to 19, row to 0 to 14. Cells are 16
- *  by 16 pixels of the picture, 32 by 32 at 640x480, 32 by 16 in other pictures 640 wide. */
+ *  by 16 pixels of the picture, 32 by 32 at 640x480, 32 by 16 in other pictures 640 wide. So the grid, 320 by 240 pixels or 640
+ *  by 240, lies at the upper left of a larger picture, and goes over the edges of a smaller one: cells outside are not drawn. */
 void VELARTO_CDECL JDEC_set_MD_area(JdecDecoder* decoder, int32_t column, int32_t row, int32_t marked);
 
-/** Dims the whole picture except an outlined rectangle. It is given in picture pixels, at 640x240 as for 480 rows. If it goes
- *  over the right or bottom edge, it is moved back into the picture. The grid and marked cells are erased. The last argument is
- *  not used. */
+/** Dims all of the layer except an outlined rectangle. It is given in picture pixels, at 640x240 as for 480 rows. If it goes over
+ *  an edge, it is moved back into the picture; one larger than the picture starts at its left or top edge. The grid and marked
+ *  cells are erased. The last argument is not used. */
 void VELARTO_CDECL JDEC_set_MD_area_2(JdecDecoder* decoder, int32_t left, int32_t top, int32_t width, int32_t height,
                                       int32_t unused);
 
-/** Moves the rectangle, or removes it if hide is not 0. It is given for a picture of 320 by 240; in pictures 640 wide it is
- *  scaled up. Works only in the rectangle mode of JDEC_enable_MD. */
+/** Moves the rectangle, or removes it if hide is not 0. It is given in picture pixels, but at 640x480 for a picture of 320 by
+ *  240, and in other pictures 640 wide for one half as wide. If it goes over an edge, it is moved back into the picture, as in
+ *  JDEC_set_MD_area_2. Works only in the rectangle mode of JDEC_enable_MD. */
 void VELARTO_CDECL JDEC_show_rectangle(JdecDecoder* decoder, int32_t x, int32_t y, int32_t width, int32_t height, int32_t hide);
 
 /** Shows a bitmap at the picture's lower right, 20 rows above its bottom, while the motion-area layer is off. Black is
- *  transparent. Of a bitmap higher than 120 rows or wider than the picture, the upper left part is used. A bitmap that was stored
- *  is deleted: the handle is no longer the caller's. Null removes the bitmap. */
+ *  transparent. Of a bitmap higher than 120 rows or wider than the picture, the upper left part is used; what then lies above the
+ *  picture is not shown. A bitmap that was stored is deleted: the handle is no longer the caller's. One that can't be copied
+ *  stays the caller's, and none is shown. Null removes the bitmap. */
 void VELARTO_CDECL JDEC_set_ptz_bmp(JdecDecoder* decoder, VelartoBitmap bitmap);
 
-/** Shows a bitmap over the whole picture, while the motion-area layer is off and no PTZ bitmap is set. Black is transparent. A
- *  larger bitmap is clipped; nothing is shown around a smaller one. Gives 1 if it was stored, and it is deleted then. Otherwise
- *  gives 0, and the bitmap stays the caller's. Null removes the bitmap and gives 0. */
+/** Shows a bitmap over the whole picture, while the motion-area layer is off and no PTZ bitmap is set. In pictures 640 wide,
+ *  other than 640x480, it has at most 240 rows, of which the last is over the picture's last. Black is transparent. A larger
+ *  bitmap is clipped; nothing is shown around a smaller one. Gives 1 if each step of storing it succeeded, and it is deleted
+ * then. Otherwise gives 0, none is shown, and the bitmap stays the caller's. Null removes the bitmap and gives 0. */
 int32_t VELARTO_CDECL JDEC_set_pos_bmp(JdecDecoder* decoder, VelartoBitmap bitmap);
 
 /** Sets the callback that is called, on the thread that shows, after each frame that DirectDraw has shown; null for none. The
@@ -239,8 +247,8 @@ int32_t VELARTO_CDECL JDEC_set_pos_bmp(JdecDecoder* decoder, VelartoBitmap bitma
  *  while another one uses the decoder; a call of the previous callback may still be running then. */
 void VELARTO_CDECL JDEC_register_draw_callback(JdecDecoder* decoder, VelartoDrawCallback callback, uintptr_t user);
 
-/** Shows (not 0) or hides the caption and the rectangle of the motion search, which are drawn in red into each shown frame. This
- *  and the next two give 1; 0 without a decoder or display. */
+/** Shows (not 0) or hides the caption and the rectangle of the motion search, which are drawn in red into each shown frame and
+ *  clipped to it. This and the next two give 1, also with a display of the GDI form; 0 without a decoder or display. */
 int32_t VELARTO_CDECL JDEC_SetMotionSeachEnable(JdecDecoder* decoder, int32_t enable);
 
 /** Sets the rectangle of the motion search, in picture pixels. */

@@ -3,7 +3,8 @@
 
 #include "platform/win32.h"
 
-/** A memory device context with a bitmap selected, as long as it is in scope. dc is null if the system gives none. */
+/** A memory device context with a bitmap selected, as long as it is in scope. dc is null if the system gives none, before if the
+ *  bitmap can't be selected. */
 struct BitmapDc {
   HDC dc = CreateCompatibleDC(nullptr);
   HGDIOBJ before = nullptr;

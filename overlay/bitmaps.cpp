@@ -21,24 +21,25 @@ SIZE Bitmap_Size(HBITMAP bitmap) {
   return {size.bmWidth, size.bmHeight};
 }
 
-/** Fills the strip with black, the key colour, copies the bitmap to it, clipped to the strip, and deletes the bitmap. False, with
- *  the bitmap still the caller's, without a device context. */
-bool Store_Bitmap(IDirectDrawSurface* surface, HBITMAP bitmap, const BitmapStrip& strip) {
-  const int32_t top = Surface_Size(surface).cy - strip.fromBottom;
-  const SIZE size = Bitmap_Size(bitmap);
+/** Fills the strip with black, the key colour, and copies the bitmap to it, clipped to the strip. False if a step fails. */
+bool Copy_To_Strip(IDirectDrawSurface* surface, HBITMAP bitmap, const BitmapStrip& strip) {
+  const SIZE size = Bitmap_Size(bitmap), surfaceSize = Surface_Size(surface);
+  const int32_t top = surfaceSize.cy - strip.fromBottom;
   const int32_t width = std::min<int32_t>(strip.width, size.cx), height = std::min<int32_t>(strip.height, size.cy);
-  {
-    const BitmapDc source(bitmap);
-    HDC dc = nullptr;
-    if (!source.dc || FAILED(IDirectDrawSurface_GetDC(surface, &dc))) return false;
-    const HGDIOBJ brushBefore = SelectObject(dc, GetStockObject(BLACK_BRUSH));
-    Rectangle(dc, 0, top, strip.width, top + strip.height);
-    SelectObject(dc, brushBefore);
-    StretchBlt(dc, 0, top, width, height, source.dc, 0, 0, width, height, SRCCOPY);
-    IDirectDrawSurface_ReleaseDC(surface, dc);
-  }
-  DeleteObject(bitmap);
-  return true;
+  const BitmapDc source(bitmap);
+  HDC dc = nullptr;
+  if (width <= 0 || height <= 0 || surfaceSize.cy == 0 || !source.before) return false;
+  if (FAILED(IDirectDrawSurface_GetDC(surface, &dc))) return false;
+  const HGDIOBJ brushBefore = SelectObject(dc, GetStockObject(BLACK_BRUSH));
+  const bool copied = Rectangle(dc, 0, top, strip.width, top + strip.height) &&
+                      StretchBlt(dc, 0, top, width, height, source.dc, 0, 0, width, height, SRCCOPY);
+  SelectObject(dc, brushBefore);
+  return SUCCEEDED(IDirectDrawSurface_ReleaseDC(surface, dc)) && copied;
+}
+
+/** Copies the bitmap to the strip and deletes it. False, with the bitmap still the caller's, if it can't be copied. */
+bool Store_Bitmap(IDirectDrawSurface* surface, HBITMAP bitmap, const BitmapStrip& strip) {
+  return Copy_To_Strip(surface, bitmap, strip) && DeleteObject(bitmap);
 }
 
 }  // namespace

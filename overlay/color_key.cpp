@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr uint32_t NoPixel = 0xFFFFFFFF;
+constexpr uint32_t NoPixel = 0xFFFFFFFF, BlackPixel = 0;
 
 /** Writes pixel (0, 0) through a device context, so that the system converts the colour. Gives the colour that it had. */
 COLORREF Swap_First_Pixel(IDirectDrawSurface* surface, COLORREF color) {
@@ -47,7 +47,8 @@ HRESULT Set_Color_Key(IDirectDrawSurface* surface, COLORREF color, int32_t keyRo
 
 uint32_t Sample_Colors(IDirectDrawSurface* surface, COLORREF color, int32_t keyRow) {
   const COLORREF before = color != CLR_INVALID ? Swap_First_Pixel(surface, color) : CLR_INVALID;
-  const bool readable = color == CLR_INVALID || before != CLR_INVALID;
+  // Black is what callers ask for, and it is the same in all formats. Any other key would cover the video.
+  if (color != CLR_INVALID && before == CLR_INVALID) return BlackPixel;
 
   DDSURFACEDESC locked = {};
   locked.dwSize = sizeof locked;
@@ -59,7 +60,7 @@ uint32_t Sample_Colors(IDirectDrawSurface* surface, COLORREF color, int32_t keyR
   uint32_t pixel = NoPixel;
   if (SUCCEEDED(result)) {
     if (locked.lpSurface) {
-      if (readable) pixel = Read_Pixel(locked, 0, 0);
+      pixel = Read_Pixel(locked, 0, 0);
       Take_Sample_Row(locked, keyRow);
     }
     IDirectDrawSurface_Unlock(surface, nullptr);

@@ -73,7 +73,9 @@ void Layer_Outline(const Layer& layer, const LayerRect& rect, uint32_t color) {
 
 LayerRect Moved_Inside(const LayerRect& rect, int32_t width, int32_t height) {
   LayerRect moved = rect;
-  if (moved.x + moved.width > width) moved.x = std::max(width - moved.width, 0);
-  if (moved.y + moved.height > height) moved.y = std::max(height - moved.height, 0);
+  if (moved.x + moved.width > width) moved.x = width - moved.width;
+  if (moved.y + moved.height > height) moved.y = height - moved.height;
+  moved.x = std::max(moved.x, 0);
+  moved.y = std::max(moved.y, 0);
   return moved;
 }

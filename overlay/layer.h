@@ -35,5 +35,6 @@ void Layer_Vertical(const Layer& layer, int32_t from, int32_t to, int32_t column
  *  down. */
 void Layer_Outline(const Layer& layer, const LayerRect& rect, uint32_t color);
 
-/** Moves a rectangle that goes over the right or bottom edge of a picture of that size back into it. Its size doesn't change. */
+/** Moves a rectangle that goes over an edge of a picture of that size back into it; one that is larger than the picture starts at
+ *  its left or top edge. Its size doesn't change. */
 LayerRect Moved_Inside(const LayerRect& rect, int32_t width, int32_t height);

@@ -15,14 +15,22 @@ namespace {
 /** Bit of JDEC_enable_MD's value that turns on the rectangle mode. */
 constexpr int32_t RectModeBit = 2;
 
-/** Copies a block from the template's first strip into a cell, clipped to the layer and the surface. */
-void Copy_Block(const Layer& layer, int32_t fromColumn, int32_t column, int32_t row, int32_t width, int32_t height) {
-  width = std::min({width, layer.width - fromColumn, layer.width - column});
-  height = std::min(height, layer.rows - row);
+/** Fills a cell without its lines, clipped to the layer: marked, with the hatch at the left of the template's first strip;
+ *  otherwise with black. That isn't copied: a narrow picture has no black beside the hatch. */
+void Fill_Cell(const Layer& layer, int32_t column, int32_t row, bool marked) {
+  const CellGeometry cell = Cell_Geometry(layer.width, layer.height);
+  const int32_t left = column * cell.width + cell.left, top = row * cell.height + cell.top;
+  const int32_t width = std::min(cell.width - cell.left, layer.width - left);
+  const int32_t height = std::min(cell.height - cell.top, layer.rows - top);
   if (width <= 0) return;
+  const size_t bytes = static_cast<size_t>(width) * static_cast<size_t>(layer.bytes);
   for (int32_t i = 0; i < height; ++i) {
-    std::memmove(Layer_At(layer, column, row + i), Layer_At(layer, fromColumn, layer.templateRow + i),
-                 static_cast<size_t>(width) * static_cast<size_t>(layer.bytes));
+    uint8_t* const to = Layer_At(layer, left, top + i);
+    if (marked) {
+      std::memmove(to, Layer_At(layer, 0, layer.templateRow + i), bytes);
+    } else {
+      std::memset(to, 0, bytes);
+    }
   }
 }
 
@@ -48,6 +56,8 @@ CellGeometry Cell_Geometry(int32_t width, int32_t height) {
   return height == 480 ? CellGeometry{32, 32, 2, 2} : CellGeometry{32, 16, 2, 1};
 }
 
+int32_t Area_Rows(int32_t width, int32_t height) { return width == 640 && height == 240 ? 2 : 1; }
+
 void VELARTO_CDECL JDEC_enable_MD(JdecDecoder* decoder, int32_t value) {
   if (!decoder) return;
   decoder->mdMode = value;
@@ -62,12 +72,7 @@ void VELARTO_CDECL JDEC_set_MD_area(JdecDecoder* decoder, int32_t column, int32_
   column = std::clamp(column, 0, MotionColumns - 1);
   row = std::clamp(row, 0, MotionRows - 1);
   if (layer.surface.lpSurface) decoder->display->motionCells[row * MotionColumns + column] = marked != 0;
-  if (layer.pixels) {
-    const CellGeometry cell = Cell_Geometry(layer.width, layer.height);
-    const int32_t fromColumn = marked ? 0 : cell.width + 1;
-    Copy_Block(layer, fromColumn, column * cell.width + cell.left, row * cell.height + cell.top, cell.width - cell.left,
-               cell.height - cell.top);
-  }
+  if (layer.pixels) Fill_Cell(layer, column, row, marked != 0);
   Layer_Unlock(layer);
 }
 
@@ -76,7 +81,7 @@ void VELARTO_CDECL JDEC_set_MD_area_2(JdecDecoder* decoder, int32_t left, int32_
   Layer layer;
   if (!decoder || !Layer_Lock(decoder->display, &layer)) return;
   LayerRect area = {Within_Reach(left), Within_Reach(top), Within_Reach(width), Within_Reach(height)};
-  if (layer.width == 640 && layer.height == 240) {
+  if (Area_Rows(layer.width, layer.height) == 2) {
     area.y >>= 1;
     area.height >>= 1;
   }

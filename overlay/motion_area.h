@@ -12,6 +12,16 @@ struct CellGeometry {
 /** The cells of pictures of that size. */
 CellGeometry Cell_Geometry(int32_t width, int32_t height);
 
+/** How many pixels of the layer a unit of the moving rectangle's coordinates is, across and down: 2 and 2 in pictures of 640x480,
+ * 2 and 1 in others 640 wide, otherwise 1 and 1. */
+struct RectangleScale {
+  int32_t across, down;
+};
+RectangleScale Rectangle_Scale(int32_t width, int32_t height);
+
+/** Rows that JDEC_set_MD_area_2 counts for each row of the picture: 2 in pictures of 640x240, otherwise 1. */
+int32_t Area_Rows(int32_t width, int32_t height);
+
 /** Copies the template to a new surface, the grid to the layer and the template strips below it, and makes black the surface's
  *  source key. For the three picture sizes that the template is made for (320x240, 640x240, 640x480) it is stretched over the
  *  surface. For other sizes the grid is at the layer's upper left, in the size of the cells, and the template strips are repeated

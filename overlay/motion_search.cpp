@@ -54,15 +54,18 @@ int32_t VELARTO_CDECL JDEC_SetMotionSeachString(JdecDecoder* decoder, const char
   return 1;
 }
 
-void Motion_Search_Draw(JdecDisplay* display, int32_t width) {
+void Motion_Search_Draw(JdecDisplay* display, int32_t width, int32_t height) {
   const HFONT font = CreateFontA(CaptionHeight, CaptionWidth, 0, 0, FW_NORMAL, FALSE, FALSE, FALSE, DEFAULT_CHARSET,
                                  OUT_DEFAULT_PRECIS, CLIP_DEFAULT_PRECIS, PROOF_QUALITY, FIXED_PITCH | FF_MODERN, "Courier New");
   IDirectDrawSurface* surface = display->offscreenSurface;
   IDirectDrawSurface_Restore(surface);
   HDC dc = nullptr;
   if (SUCCEEDED(IDirectDrawSurface_GetDC(surface, &dc))) {
+    // The layer and the strips below the picture are not drawn again with the next frame.
+    IntersectClipRect(dc, 0, 0, width, height);
     Draw_Caption(dc, font, display->motionString, width);
     Draw_Outline(dc, display->motionRect);
+    SelectClipRgn(dc, nullptr);
     IDirectDrawSurface_ReleaseDC(surface, dc);
   }
   DeleteObject(font);

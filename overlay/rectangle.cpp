@@ -1,11 +1,16 @@
 /* The moving rectangle (velarto.h). */
 #include "decode/decoder.h"
 #include "overlay/layer.h"
+#include "overlay/motion_area.h"
 #include "overlay/motion_state.h"
 
-/** Calls give coordinates for a picture of 320 by 240; for pictures 640 wide they are scaled up. */
+RectangleScale Rectangle_Scale(int32_t width, int32_t height) {
+  if (width != 640) return {1, 1};
+  return {2, height == 480 ? 2 : 1};
+}
+
 static LayerRect Scaled(const LayerRect& rect, int32_t width, int32_t height) {
-  const int32_t across = width == 640 ? 2 : 1, down = width == 640 && height == 480 ? 2 : 1;
+  const auto [across, down] = Rectangle_Scale(width, height);
   return {rect.x * across, rect.y * down, rect.width * across, rect.height * down};
 }
 

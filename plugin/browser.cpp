@@ -13,5 +13,6 @@ NPError Browser_Get_URL(NPP instance, const char* url, const char* target) {
 
 NPError Browser_Destroy_Stream(NPP instance, NPStream* stream, NPReason reason) {
   if (!netscapeFuncs || (netscapeFuncs->version & 0xFF) < EndsStreams) return NPERR_INCOMPATIBLE_VERSION_ERROR;
+  if (!netscapeFuncs->destroystream) return NPERR_INVALID_FUNCTABLE_ERROR;
   return netscapeFuncs->destroystream(instance, stream, reason);
 }

@@ -12,6 +12,8 @@ extern NPPluginFuncs* pluginFuncs;
  *  NPERR_INVALID_FUNCTABLE_ERROR without a browser or a URL. */
 NPError Browser_Get_URL(NPP instance, const char* url, const char* target);
 
+/* In both calls the browser may call the plug-in, and end the instance. */
+
 /** Asks the browser to end a stream. Gives its result; NPERR_INCOMPATIBLE_VERSION_ERROR without a browser or for one below minor
- *  version 8. */
+ *  version 8; NPERR_INVALID_FUNCTABLE_ERROR for one that has no such function. */
 NPError Browser_Destroy_Stream(NPP instance, NPStream* stream, NPReason reason);

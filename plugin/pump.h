@@ -5,12 +5,17 @@
 #include "decode/decoder.h"
 #include "plugin/npapi.h"
 
-/** The message. Nothing else sends one of this number. */
-constexpr UINT PumpMessage = WM_APP + 0x56;
+/** The number of the message, which is registered in the system: the window is the browser's, which has messages of its own. 0 if
+ *  it can't be registered. */
+UINT Pump_Message();
 
-/** Posts the message, unless it is posted or being handled already, or without a window: the bytes stay in the ring. */
+/** Posts the message, unless it is posted or being handled already, or without a window: the bytes stay in the ring. If it can't
+ *  be posted, the next call tries again. */
 void Pump_Ask(JdecDecoder* decoder);
 
-/** Handles the message: gives the ring's bytes to the instance's decoder until the ring is empty or the instance has ended. Does
- *  nothing in a recursive call. */
-void Pump_Run(NPP instance);
+/** Handles the message, if it is one that Pump_Ask has posted to that window: gives the ring's bytes to its instance's decoder
+ *  until the ring is empty or the instance has ended. Does nothing in a recursive call. False for any other message. */
+bool Pump_Handle(HWND window, UINT number, WPARAM wParam, LPARAM lParam);
+
+/** Takes the decoder's message out of the queue of its window. Others of the same number stay. */
+void Pump_Forget(JdecDecoder* decoder);

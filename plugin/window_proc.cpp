@@ -54,7 +54,11 @@ End On_End_Stream(const Message& message) {
 
 End On_Get_URL(const Message& message) {
   const JdecDecoder* const decoder = message.decoder;
-  if (decoder->npInstance && decoder->urlBuffer) Browser_Get_URL(decoder->npInstance, decoder->urlBuffer, nullptr);
+  if (!decoder->npInstance || !decoder->urlBuffer) return End::Chain;
+  // A copy: the browser may end the instance, or start a stream of another URL, before it has read this one.
+  char url[UrlSize];
+  std::memcpy(url, decoder->urlBuffer, sizeof url);
+  Browser_Get_URL(decoder->npInstance, url, nullptr);
   return End::Chain;
 }
 
@@ -149,15 +153,24 @@ void Create_Tooltip(HWND window) {
 
 void Window_Take_Over(JdecDecoder* decoder) {
   if (decoder->prevWndProc) return;
-  decoder->prevWndProc = reinterpret_cast<WNDPROC>(GetWindowLongPtrA(decoder->window, GWLP_WNDPROC));
-  SetWindowLongPtrA(decoder->window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(Plugin_Window_Proc));
-  Create_Tooltip(decoder->window);
+  if (const JdecDecoder* const partner = Find_Partner(decoder)) {
+    decoder->prevWndProc = partner->prevWndProc;
+  } else {
+    decoder->prevWndProc = reinterpret_cast<WNDPROC>(GetWindowLongPtrA(decoder->window, GWLP_WNDPROC));
+    // Left by an instance that the browser never ended. The window's own is not known any more.
+    if (decoder->prevWndProc == Plugin_Window_Proc) decoder->prevWndProc = DefWindowProcA;
+    SetWindowLongPtrA(decoder->window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(Plugin_Window_Proc));
+    Create_Tooltip(decoder->window);
+  }
   Pump_Ask(decoder);  // Bytes may have waited in the ring.
 }
 
 void Window_Give_Back(JdecDecoder* decoder) {
   if (!decoder->prevWndProc) return;
-  SetWindowLongPtrA(decoder->window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(decoder->prevWndProc));
+  Pump_Forget(decoder);
+  if (!Find_Partner(decoder)) {
+    SetWindowLongPtrA(decoder->window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(decoder->prevWndProc));
+  }
   decoder->prevWndProc = nullptr;
 }
 
@@ -177,10 +190,7 @@ LRESULT CALLBACK Plugin_Window_Proc(HWND window, UINT number, WPARAM wParam, LPA
   const NPP instance = Find_Instance_By_Window(window);
   if (!instance) return DefWindowProcA(window, number, wParam, lParam);
   const Message message = {instance, Instance_Decoder(instance), window, number, wParam, lParam};
-  if (number == PumpMessage) {
-    Pump_Run(instance);
-    return 0;
-  }
+  if (Pump_Handle(window, number, wParam, lParam)) return 0;
   // A menu or file dialog runs a message loop, in which the instance may end: its procedure is read before.
   const WNDPROC previous = message.decoder->prevWndProc;
   const bool plain = mouseLButton == 0 && mouseRButton == 0;

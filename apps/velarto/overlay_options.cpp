@@ -90,7 +90,8 @@ void Add_Overlay_Options(CLI::App* command, OverlayOptions* options) {
       ->group(group);
   command
       ->add_option("--rectangle", options->rectangle,
-                   "X,Y,WIDTH,HEIGHT in a picture of 320 by 240: a rectangle that the arrow keys move")
+                   "X,Y,WIDTH,HEIGHT: a rectangle that the arrow keys move. In picture pixels; at 640x480 as for half the size, "
+                   "in other pictures 640 wide as for half the width")
       ->delimiter(',')
       ->expected(4)
       ->group(group);

@@ -2,6 +2,7 @@
 
 #include "decode/decoder.h"
 #include "display/statistics.h"
+#include "overlay/layer.h"
 #include "overlay/motion_area.h"
 
 #include <algorithm>
@@ -9,8 +10,6 @@
 
 /** Values of JDEC_enable_MD: the layer, and the layer with the rectangle mode. */
 static constexpr int32_t LayerOff = 0, LayerOn = 1, LayerWithRectangle = 3;
-/** The picture size that the rectangle's coordinates refer to. */
-static constexpr int RectangleWidth = 320, RectangleHeight = 240;
 
 /** A bitmap of the window system, which JDEC_set_*_bmp will own; null for an empty picture. */
 static HBITMAP Bitmap_Of(const Picture& picture) {
@@ -61,7 +60,9 @@ void Overlays_Apply(const Overlays& overlays, JdecDecoder* decoder) {
   if (!decoder || !decoder->display) return;
   JDEC_enable_MD(decoder, overlays.rectangle ? LayerWithRectangle : LayerOn);
   if (overlays.area) {
-    JDEC_set_MD_area_2(decoder, overlays.area->x, overlays.area->y, overlays.area->width, overlays.area->height, 0);
+    const PlacedRect& area = *overlays.area;
+    const int32_t rows = Area_Rows(decoder->width, decoder->height);
+    JDEC_set_MD_area_2(decoder, area.x, Within_Reach(area.y) * rows, area.width, Within_Reach(area.height) * rows, 0);
   }
   for (int row = 0; row < MotionRows; ++row) {
     for (int column = 0; column < MotionColumns; ++column) {
@@ -102,8 +103,9 @@ void Overlays_Toggle_Ptz(Overlays* overlays, JdecDecoder* decoder) {
 void Overlays_Move_Rectangle(Overlays* overlays, JdecDecoder* decoder, int x, int y) {
   if (!overlays->rectangle) return;
   PlacedRect& rect = *overlays->rectangle;
-  rect.x = std::clamp(rect.x + x, 0, std::max(RectangleWidth - rect.width, 0));
-  rect.y = std::clamp(rect.y + y, 0, std::max(RectangleHeight - rect.height, 0));
+  const auto [across, down] = Rectangle_Scale(decoder->width, decoder->height);
+  rect.x = std::clamp(Within_Reach(rect.x) + x, 0, std::max(decoder->width / across - rect.width, 0));
+  rect.y = std::clamp(Within_Reach(rect.y) + y, 0, std::max(decoder->height / down - rect.height, 0));
   Apply_Rectangle(*overlays, decoder);
 }
 

@@ -32,7 +32,7 @@ struct Overlays {
   bool statistics = false, motion = false, ptz = false;
   std::array<std::array<bool, MotionColumns>, MotionRows> marked = {};
   std::optional<PlacedRect> area;       ///< In picture pixels.
-  std::optional<PlacedRect> rectangle;  ///< In a picture of 320 by 240.
+  std::optional<PlacedRect> rectangle;  ///< As JDEC_show_rectangle takes it.
   Picture ptzPicture, positionPicture;  ///< Empty: none.
   std::string caption;
   RECT motionRect = {};

@@ -49,9 +49,10 @@ static bool Start(const std::vector<std::string>& words, Asker* asker) {
 
 static bool Start_Any(const OPENFILENAMEA& dialog, const std::string& proposed, Asker* asker) {
   const std::string title = dialog.lpstrTitle ? dialog.lpstrTitle : "";
-  std::vector<std::string> zenity = {"zenity", "--file-selection", "--save", "--filename=" + proposed, "--title=" + title};
-  if (dialog.Flags & OFN_OVERWRITEPROMPT) zenity.emplace_back("--confirm-overwrite");
-  return Start(zenity, asker) || Start({"kdialog", "--title", title, "--getsavefilename", proposed}, asker);
+  // Without --confirm-overwrite: the dialog to open a file, which this is, doesn't ask before one is replaced, whatever its
+  // flags.
+  return Start({"zenity", "--file-selection", "--save", "--filename=" + proposed, "--title=" + title}, asker) ||
+         Start({"kdialog", "--title", title, "--getsavefilename", proposed}, asker);
 }
 
 static void Read_Answer(Asker* asker) {

@@ -1,7 +1,9 @@
 #include "apps/velarto/viewer.h"
 
 #include "apps/tool.h"
+#include "overlay/motion_state.h"
 #include "platform/portable/rig.h"
+#include "support/window.h"
 
 #include <sys/stat.h>
 
@@ -218,6 +220,23 @@ TEST_F(ViewerTest, OverlaysByKeysAndClicks) {
   };
   EXPECT_EQ(Viewer_Run(options), 0);
   EXPECT_EQ(step, std::size(steps));
+}
+
+TEST_F(ViewerTest, RectangleAndAreaReachAllOfThePicture) {
+  for (const auto& [width, height] : {std::pair{352, 288}, {320, 240}, {640, 240}, {640, 480}}) {
+    const TestWindow window(32, width, height);
+    const DecoderPtr decoder = Shown_Decoder(window.handle, width, height);
+    Overlays overlays;
+    overlays.area = {10, 100, 90, 110};
+    Overlays_Apply(overlays, decoder.get());
+    const LayerRect area = Last_Rect();
+    EXPECT_EQ((std::vector{area.x, area.y, area.width, area.height}), (std::vector{10, 100, 90, 110})) << width;
+    overlays.rectangle = {0, 0, 60, 50};
+    Overlays_Apply(overlays, decoder.get());
+    for (int i = 0; i < 50; ++i) Overlays_Move_Rectangle(&overlays, decoder.get(), 8, 8);
+    const LayerRect moved = Last_Rect();
+    EXPECT_EQ((std::vector{moved.x + moved.width, moved.y + moved.height}), (std::vector{width, height}));
+  }
 }
 
 /** A frame of another size makes a new display. */

@@ -101,6 +101,7 @@ TEST_F(PluginTest, IsSeenAndUsedOnADesktop) {
   }
   user.join();
   EXPECT_EQ(std::system(("grep -qx -e '--title=Save Video Stream...' '" + words + "'").c_str()), 0);
+  EXPECT_NE(std::system(("grep -q overwrite '" + words + "'").c_str()), 0) << "a file is replaced without a question";
   Stop();
   DestroyWindow(top);
   Sdl_Desktop_Stop();

@@ -6,6 +6,8 @@
 #include "plugin/window_proc.h"
 #include "resources/resources.h"
 
+#include <cstring>
+
 namespace {
 
 constexpr char MakerKeyPath[] = "HKEY_LOCAL_MACHINE\\" MAKER_KEY_TEXT;
@@ -43,7 +45,15 @@ void Start(Browser* browser) {
   Library_Attach(Module_Handle());
   NP_GetEntryPoints(&browser->plugin);
   browser->netscape.version = (uint16_t)(browser->input.Byte() % 16);
-  browser->netscape.geturl = [](NPP, const char*, const char*) -> NPError { return NPERR_NO_ERROR; };
+  static Browser* asked;
+  asked = browser;
+  browser->netscape.geturl = [](NPP instance, const char* url, const char*) -> NPError {
+    const uint8_t answer = asked->input.Byte() % 4;
+    if (answer & 1) asked->plugin.newstream(instance, const_cast<char*>("video/x"), &asked->stream, 0, nullptr);
+    if (answer & 2) asked->plugin.destroy(instance, nullptr);
+    REQUIRE(url[strnlen(url, 2000)] == 0);
+    return NPERR_NO_ERROR;
+  };
   browser->netscape.destroystream = [](NPP, NPStream*, NPReason) -> NPError { return NPERR_NO_ERROR; };
   REQUIRE(NP_Initialize(&browser->netscape) == NPERR_NO_ERROR);
 }
@@ -70,14 +80,12 @@ void Call(Browser* browser) {
   const NPPluginFuncs& plugin = browser->plugin;
   const uint8_t which = input.Byte(), detail = input.Byte();
   const NPP instance = detail == 255 ? nullptr : &browser->instances[detail >> 7];
-  NPWindow place = {detail & 1 ? browser->windows[detail >> 7] : nullptr, 0, 0, 101, 64, {}, 1};
+  NPWindow place = {detail & 1 ? browser->windows[detail >> 6 & 1] : nullptr, 0, 0, 101, 64, {}, 1};
   switch (which % 12) {
     case 0:
-      if (instance && !instance->pdata) plugin.newp(nullptr, instance, 0, 0, nullptr, nullptr, nullptr);
-      return;
+      return (void)plugin.newp(nullptr, instance, 0, 0, nullptr, nullptr, nullptr);
     case 1:
-      if (plugin.destroy(instance, nullptr) == NPERR_NO_ERROR && instance) *instance = {};
-      return;
+      return (void)plugin.destroy(instance, nullptr);  // Its pdata stays, and calls for it may follow.
     case 2:
       return (void)plugin.setwindow(instance, detail & 2 ? &place : nullptr);
     case 3:
@@ -98,7 +106,7 @@ void Call(Browser* browser) {
     case 10:
       return Let_Memory_Fail(input.Byte());
     default:
-      return Rig_Fail((RigStep)(detail % ((int)RigStep::SetRegistryValue + 1)), which / 12, 2);
+      return Rig_Fail((RigStep)(detail % ((int)RigStep::PostMessage + 1)), which / 12, 2);
   }
 }
 

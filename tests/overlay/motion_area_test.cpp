@@ -80,15 +80,19 @@ struct Motion : TestDisplay {
       return;
     }
   }
-  /** Checks the layer on the surface, and in the window over a picture, which is visible where the layer is black. */
-  void Expect_Model(const std::string& what) const {
+  const uint8_t* Layer_Pixel(int32_t i) const {
+    return reinterpret_cast<const uint8_t*>(&pixels.at(model[static_cast<size_t>(i)]));
+  }
+  /** Checks the layer on the surface. */
+  void Expect_Layer(const std::string& what) const {
     int32_t surfaceWidth = 0, rows = 0, pitch = 0;
-    const auto layer_pixel = [&](int32_t i) {
-      return reinterpret_cast<const uint8_t*>(&pixels.at(model[static_cast<size_t>(i)]));
-    };
     const uint8_t* const picture = Rig_Surface_Pixels(Surface(), &surfaceWidth, &rows, &pitch);
-    Expect_Pixels(what, picture + height * pitch, pitch, layer_pixel);
-
+    Expect_Pixels(what, picture + height * pitch, pitch, [&](int32_t i) { return Layer_Pixel(i); });
+  }
+  /** Checks it there, and in the window over a picture, which is visible where the layer is black. */
+  void Expect_Model(const std::string& what) const {
+    Expect_Layer(what);
+    int32_t rows = 0, pitch = 0;
     const int32_t bytes = decoder->display->displayBits / 8;
     const RasterPtr raster = Noise_Raster(width, height, 8 * bytes);
     Display_Present(decoder->display, raster.get(), 0, 0, width, height, 1);
@@ -97,7 +101,7 @@ struct Motion : TestDisplay {
     ASSERT_EQ((std::vector{windowWidth, rows}), (std::vector{width, height}));
     Expect_Pixels(what + " in the window", window, pitch, [&](int32_t i) {
       const uint8_t* const below = raster->rows[i / width] + i % width * bytes;
-      return model[static_cast<size_t>(i)] == Black ? below : layer_pixel(i);
+      return model[static_cast<size_t>(i)] == Black ? below : Layer_Pixel(i);
     });
   }
 };
@@ -132,6 +136,12 @@ TEST_F(LayerTest, EverySizeAndDepthAgreesWithTheModel) {
       motion.Outline(10 * across, 20 * down, 30 * across, 40 * down, Black);
       motion.Outline(220 * across, 200 * down, 100 * across, 40 * down, Blue);
       motion.Expect_Model("a rectangle moved inside");
+      JDEC_show_rectangle(decoder, -9, -3, 30, 40, 0);
+      motion.Outline(220 * across, 200 * down, 100 * across, 40 * down, Black);
+      motion.Outline(0, 0, 30 * across, 40 * down, Blue);
+      motion.Expect_Model("a rectangle moved inside from the left and the top");
+      JDEC_show_rectangle(decoder, 220, 200, 100, 40, 0);
+      motion.Outline(0, 0, 30 * across, 40 * down, Black);
       JDEC_show_rectangle(decoder, 0, 0, 320, 240, 1);
       motion.Outline(220 * across, 200 * down, 100 * across, 40 * down, Black);
       motion.Expect_Model("a rectangle taken away");
@@ -150,6 +160,9 @@ TEST_F(LayerTest, EverySizeAndDepthAgreesWithTheModel) {
       JDEC_set_MD_area_2(decoder, width - 20, 50 * tall, 100, 101 * tall, 0);
       motion.Area(width - 100, 50, 100, 101, Red);
       motion.Expect_Model("an area");
+      JDEC_set_MD_area_2(decoder, -40, INT32_MIN, 100, 101 * tall, 0);
+      motion.Area(0, 0, 100, 101, Red);
+      motion.Expect_Model("an area moved inside from the left and the top");
       JDEC_set_MD_color(1);
       JDEC_enable_MD(decoder, 2);
       JDEC_set_MD_area_2(decoder, 8, 8 * tall, 40, 40 * tall, 0);
@@ -187,6 +200,11 @@ TEST_F(LayerTest, AnyCallOnAnyPictureKeepsToTheSurface) {
       }
       EXPECT_TRUE(Rig_Guards_Whole(motion.Surface()));
     }
+  }
+  for (const int32_t narrow : {8, 16, 24, 31}) {
+    Motion motion(32, narrow, 40);
+    for (const int32_t marked : {1, 0}) JDEC_set_MD_area(motion.decoder, 0, 1, marked);
+    motion.Expect_Layer("a cell marked and cleared, " + std::to_string(narrow) + " wide");
   }
   Motion motion(32, 352, 288);  // The part that fits is drawn: cells lie in their grid.
   JDEC_set_MD_area(motion.decoder, 19, 14, 1);

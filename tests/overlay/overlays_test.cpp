@@ -49,14 +49,17 @@ TEST_F(LayerOrderTest, OneLayerAtATimeCoversWhereItIsNotBlack) {
     SCOPED_TRACE(testing::Message() << mdMode << ptz << pos);
     display->ptzEnabled = ptz;
     display->posEnabled = pos;
-    // The bitmaps set black as the key before they are copied, whatever it was; the motion layer uses the one that is set.
-    DDCOLORKEY other = {White, White};
-    if (mdMode == 0) IDirectDrawSurface_SetColorKey(display->offscreenSurface, DDCKEY_SRCBLT, &other);
-    test.Show(green, mdMode);
     const int32_t area = (rect.right - rect.left) * (rect.bottom - rect.top), covered = area ? area - 100 : 0;
-    EXPECT_EQ(Count(color, rect), covered);
-    EXPECT_EQ(Count(Green), 320 * 240 - covered) << "also where the key's colour was converted";
-    EXPECT_EQ(Count(Green, {rect.left + 10, rect.top + 20, rect.left + 20, rect.top + 30}), 100);
+    for (const int32_t withoutDc : {0, 1}) {
+      // The bitmaps set black as the key before they are copied, whatever it was; the motion layer uses the one that is set.
+      DDCOLORKEY other = {White, White};
+      if (mdMode == 0) IDirectDrawSurface_SetColorKey(display->offscreenSurface, DDCKEY_SRCBLT, &other);
+      Rig_Fail(RigStep::SurfaceGetDC, 0, withoutDc);
+      test.Show(green, mdMode);
+      EXPECT_EQ(Count(color, rect), covered);
+      EXPECT_EQ(Count(Green), 320 * 240 - covered) << "also where the key's colour was converted";
+      EXPECT_EQ(Count(Green, {rect.left + 10, rect.top + 20, rect.left + 20, rect.top + 30}), 100);
+    }
   }
 }
 
@@ -98,6 +101,20 @@ TEST_F(LayerOrderTest, MotionSearchDrawsCaptionAndOutline) {
   EXPECT_EQ(Count(Green), 320 * 240) << "the frame itself goes on";
 }
 
+TEST(MotionSearch, KeepsToThePicture) {
+  TestDisplay test(32, 96, 33);
+  JdecDisplay* const display = test.Open(96, 33);
+  int32_t width = 0, rows = 0, pitch = 0;
+  const uint8_t* const below = Rig_Surface_Pixels(display->offscreenSurface, &width, &rows, &pitch) + 33 * pitch;
+  const Bytes before(below, below + (rows - 34) * pitch);
+  display->motionSearchEnabled = 1;
+  display->motionRect = {10, 10, 60, 400};
+  std::strcpy(display->motionString, "XX");
+  test.Show(Plain_Raster(96, 33, Green));
+  EXPECT_TRUE(std::ranges::equal(before, std::span(below, before.size()))) << "the layer and all strips";
+  EXPECT_EQ((std::vector{test.Color(10, 32), test.Color(90, 32)}), (std::vector{Red, Green})) << "the picture's last row";
+}
+
 TEST(ColorKey, ColoursAreSampledInEachDepth) {
   const uint32_t cases[][4] = {
       {15, 0x7C00, 0x7FFF, 0x3E0}, {16, 0xF800, 0xFFFF, 0x7E0}, {24, Red, White, Green}, {32, Red, White, Green}};
@@ -116,10 +133,14 @@ TEST(ColorKey, ColoursAreSampledInEachDepth) {
       EXPECT_EQ((std::vector<uint32_t>{mdColorFirst, mdColorSecond, mdColor}), (std::vector{red, green, red}));
       Rig_Fail(RigStep::LockOffscreen, 0, 4, DDERR_WASSTILLDRAWING);
       EXPECT_EQ(sample(RGB(255, 0, 0)), red) << "busy";
-      for (const RigStep step : {RigStep::LockOffscreen, RigStep::LockWithoutPixels, RigStep::SurfaceGetDC}) {
+      mdColor = 5;
+      const std::pair<RigStep, uint32_t> failures[] = {
+          {RigStep::LockOffscreen, 0xFFFFFFFF}, {RigStep::LockWithoutPixels, 0xFFFFFFFF}, {RigStep::SurfaceGetDC, 0}};
+      for (const auto& [step, result] : failures) {
         Rig_Fail(step, 0, 1);
-        EXPECT_EQ(sample(RGB(255, 0, 0)), 0xFFFFFFFF) << static_cast<int32_t>(step);
+        EXPECT_EQ(sample(RGB(0, 0, 0)), result) << static_cast<int32_t>(step);
       }
+      EXPECT_EQ(mdColor, 5u) << "none of them has sampled";
     }
   }
 }
@@ -167,10 +188,14 @@ TEST_F(Bitmaps, AreStoredInTheirStripsAndDeleted) {
   EXPECT_EQ(Rig_Objects_Alive(), alive) << "all of them deleted";
 
   const HBITMAP kept = Make_Bitmap(5, 5, Red);
-  Rig_Fail(RigStep::SurfaceGetDC);
-  EXPECT_EQ(JDEC_set_pos_bmp(decoder, kept), 0);
-  JDEC_set_ptz_bmp(decoder, kept);
-  EXPECT_EQ(decoder->display->ptzEnabled + decoder->display->posEnabled, 0);
+  for (const RigStep step : {RigStep::SurfaceGetDC, RigStep::CreateCompatibleDC, RigStep::StretchBlt}) {
+    Rig_Fail(step);
+    EXPECT_EQ(JDEC_set_pos_bmp(decoder, kept), 0);
+    JDEC_set_ptz_bmp(decoder, kept);
+    EXPECT_EQ(decoder->display->ptzEnabled + decoder->display->posEnabled, 0);
+    Rig_Fail_Nothing();
+  }
+  EXPECT_EQ(JDEC_set_pos_bmp(decoder, static_cast<HBITMAP>(GetStockObject(NULL_PEN))), 0) << "no bitmap";
   EXPECT_TRUE(DeleteObject(kept)) << "still the caller's";
 }
 
@@ -212,6 +237,10 @@ TEST_F(Bitmaps, CallsWithoutASurfaceOrDisplayDoNothing) {
   ASSERT_EQ(decoder->display->useDirectDraw, 0);
   EXPECT_EQ(JDEC_set_pos_bmp(decoder, kept), 0);
   JDEC_set_ptz_bmp(decoder, kept);
+  EXPECT_EQ(JDEC_SetMotionSeachEnable(decoder, 1) + JDEC_SetMotionSeachArea(decoder, 1, 2, 3, 4) +
+                JDEC_SetMotionSeachString(decoder, "x"),
+            3)
+      << "kept, though not shown in this form";
   JDEC_register_draw_callback(
       decoder, [](HWND, uintptr_t) {}, 1);
   EXPECT_EQ(decoder->display->drawCallbackUser, 1u);

@@ -47,6 +47,23 @@ TEST_F(GdiTest, CopiesAtTheSameSizeAreExactAndBottomUp) {
   Expect_Pixels(window, {{20, 20, RGB(16, 15, 14)}, {21, 20, RGB(19, 18, 17)}});
 }
 
+TEST_F(GdiTest, DrawsInItsClipAlone) {
+  const uint8_t black[4] = {};
+  const HDC dc = GetDC(window);
+  for (const bool text : {false, true}) {  // Both white: the brush, and what is behind a text.
+    SelectClipRgn(dc, nullptr);
+    Stretch(Make_Bitmap(1, 1, 32), black, {0, 0, 80, 60}, {0, 0, 1, 1});
+    EXPECT_EQ(IntersectClipRect(dc, 10, 10, 40, 30), SIMPLEREGION);
+    EXPECT_EQ(IntersectClipRect(dc, 0, 20, 30, 60), SIMPLEREGION);
+    text ? TextOutA(dc, 0, 20, "          ", 10) : Rectangle(dc, 0, 0, 80, 60);
+    Expect_Pixels(window, {{10, 25, White}, {29, 29, White}, {9, 25, 0}, {30, 25, 0}, {20, 19, 0}, {20, 30, 0}});
+  }
+  EXPECT_EQ(IntersectClipRect(dc, 50, 50, 60, 60), NULLREGION);
+  Rectangle(dc, 0, 0, 80, 60);
+  Expect_Pixels(window, {{55, 55, 0}, {70, 50, 0}});
+  ReleaseDC(window, dc);
+}
+
 TEST_F(GdiTest, ReadsEveryDepth) {
   Bitmap masked = Make_Bitmap(2, 1, 16, BI_BITFIELDS), indexed = Make_Bitmap(2, 1, 8);
   masked.colors[0] = 0xF800, masked.colors[1] = 0x07E0, masked.colors[2] = 0x001F;

@@ -67,6 +67,12 @@ TEST_F(SystemTest, PostedMessagesComeFirstThenQuitThenPaint) {
   EXPECT_EQ(seenMessages[0].lParam, 12);
 }
 
+TEST_F(SystemTest, MessagesAreRegisteredByName) {
+  const UINT first = RegisterWindowMessageA("velarto test 1"), second = RegisterWindowMessageA("velarto test 2");
+  EXPECT_TRUE(first >= 0xC000 && second >= 0xC000 && first != second);
+  EXPECT_EQ(RegisterWindowMessageA("velarto test 1"), first);
+}
+
 WNDPROC procBefore;
 
 LRESULT CALLBACK Second_Proc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {

@@ -20,7 +20,31 @@ TEST_F(PluginTest, SlotsAreRefilledAndTheMarkStaysAboveTheHighest) {
   EXPECT_EQ(instanceSlots[5], &many[5]);
   EXPECT_EQ(instanceHighWater, MostInstances - 1) << "a lower slot doesn't lower it";
   EXPECT_EQ(SendMessageA(listed, WM_APP, 0, 0), OwnResult);
-  for (NPInstance& each : many) plugin.destroy(&each, nullptr);
+  for (NPInstance& each : many) EXPECT_EQ(plugin.destroy(&each, nullptr), NPERR_NO_ERROR);
+  EXPECT_EQ(plugin.destroy(&many.back(), nullptr), NPERR_INVALID_INSTANCE_ERROR) << "known to be dead, though never listed";
+}
+
+TEST_F(PluginTest, ADeadInstanceIsLeftAlone) {
+  const auto results = [&] {
+    return std::vector<int32_t>{Adopt(&instance, window),
+                                New_Stream("video"),
+                                plugin.destroystream(&instance, &stream, NPRES_DONE),
+                                plugin.destroy(&instance, nullptr),
+                                plugin.writeready(&instance, &stream),
+                                plugin.write(&instance, &stream, 0, 9, const_cast<char*>("from late"))};
+  };
+  const std::vector<int32_t> dead = {2, 2, 2, 2, 0, 0};
+  Open(0, 1, window);
+  plugin.destroy(&instance, nullptr);
+  EXPECT_EQ(results(), dead) << "its decoder is freed";
+  instance.pdata = &instance;
+  EXPECT_EQ(results(), dead);
+  instance.pdata = nullptr;
+  EXPECT_EQ(results(), dead);
+  EXPECT_EQ(asked, std::vector<std::string>());
+  EXPECT_EQ(Add(&instance), NPERR_NO_ERROR);
+  EXPECT_EQ(Add(&instance), NPERR_INVALID_INSTANCE_ERROR) << "there is one already";
+  EXPECT_EQ(New_Stream("video"), NPERR_NO_ERROR);
 }
 
 TEST_F(PluginTest, VersionsNullsAndMemory) {
@@ -37,9 +61,9 @@ TEST_F(PluginTest, VersionsNullsAndMemory) {
   EXPECT_TRUE(p.version == 9 && p.asfile && p.asfile == p.print && p.print == p.urlnotify && !p.event && !p.javaClass);
   for (NPP none : {NPP(nullptr), &instance}) {  // The second one without a decoder.
     EXPECT_EQ(Adopt(none, window) + p.newstream(none, nullptr, nullptr, 0, nullptr) + p.destroystream(none, nullptr, 0), 6);
-    EXPECT_EQ(p.destroy(none, nullptr) + p.writeready(none, nullptr) + p.write(none, nullptr, 0, 1, nullptr), 0);
+    EXPECT_EQ(p.writeready(none, nullptr) + p.write(none, nullptr, 0, 1, nullptr), 0);
   }
-  EXPECT_EQ(Add(nullptr), NPERR_INVALID_INSTANCE_ERROR);
+  EXPECT_EQ(Add(nullptr) + p.destroy(nullptr, nullptr), NPERR_INVALID_INSTANCE_ERROR);
   for (int32_t after = 0; !instance.pdata; ++after) {
     Rig_Fail(RigStep::Memory, after, 1);
     const NPError result = Add(&instance);
@@ -68,6 +92,65 @@ TEST_F(PluginTest, StreamsKeepVideoUrlsAndAskAgainWithoutAWindow) {
   EXPECT_EQ(asked, (std::vector<std::string>{"b", "b"}));
 }
 
+/** In NPN_GetURL, which both the end of a stream and a message to the window call. */
+TEST_F(PluginTest, TheBrowserMayStartTheStreamOrEndTheInstanceWhenAskedForIt) {
+  static PluginTest* browser;
+  static NPStream next;
+  browser = this;
+  const auto* const decoder = Open(0, 0, nullptr);
+  next = {nullptr, nullptr, "http://camera/next", 0, 0, nullptr};
+  netscape.geturl = [](NPP asking, const char* url, const char*) {
+    browser->plugin.newstream(asking, const_cast<char*>("video"), &next, 0, nullptr);
+    return asked.push_back(url), NPERR_NO_ERROR;
+  };
+  New_Stream("video");
+  EXPECT_EQ(plugin.destroystream(&instance, &stream, NPRES_DONE), NPERR_NO_ERROR);
+  EXPECT_TRUE(decoder->npStream == &next && decoder->streamState == 1);
+  Adopt(&instance, window);
+  New_Stream("video");
+  SendMessageA(window, GetUrlMessage, 0, 0);
+  EXPECT_EQ(asked, (std::vector<std::string>{stream.url, stream.url})) << "that of the stream which was open";
+
+  netscape.geturl = [](NPP, const char* url, const char*) {
+    browser->End_Instance();
+    return asked.push_back(url), NPERR_NO_ERROR;
+  };
+  SendMessageA(window, GetUrlMessage, 0, 0);
+  Add(&instance), New_Stream("video");
+  EXPECT_EQ(plugin.destroystream(&instance, &stream, NPRES_DONE), NPERR_NO_ERROR);
+  EXPECT_EQ(instance.pdata, nullptr);
+  EXPECT_EQ(asked, (std::vector<std::string>{stream.url, stream.url, next.url, stream.url}));
+}
+
+/** A screen of four bits, for which no display can be made: the user is told so in a message box. */
+TEST_F(PluginTest, TheInstanceMayEndInTheMessageBoxOfItsDisplay) {
+  static PluginTest* browser;
+  static bool ends;
+  browser = this;
+  Start(0, 1);
+  ScreenDesktop desktop = {};
+  desktop.showMessage = [](HWND, const char*, const char*, UINT) {
+    for (const HWND handle : {browser->window, browser->page}) {
+      EXPECT_EQ(browser->Adopt(&browser->instance, handle), NPERR_MODULE_LOAD_FAILED_ERROR);
+    }
+    if (ends) browser->End_Instance();
+  };
+  Screen_Set_Desktop(desktop);
+  for (const bool end : {false, true}) {
+    ends = end;
+    Add(&instance);
+    Screen_Set_Up(Screen_Of_Depth(4));
+    EXPECT_EQ(Adopt(&instance, window), end ? NPERR_INVALID_INSTANCE_ERROR : NPERR_MODULE_LOAD_FAILED_ERROR);
+    EXPECT_EQ(SendMessageA(window, WM_SETCURSOR, 0, 0), OwnResult) << "not taken over";
+    Screen_Set_Up(Screen_Of_Depth(32));
+    EXPECT_EQ(Adopt(&instance, window), end ? NPERR_INVALID_INSTANCE_ERROR : NPERR_NO_ERROR);
+    EXPECT_EQ(SendMessageA(window, WM_SETCURSOR, 0, 0), end ? OwnResult : 1);
+    End_Instance();
+    EXPECT_EQ(SendMessageA(window, WM_SETCURSOR, 0, 0), OwnResult) << "given back";
+  }
+  Screen_Set_Desktop({});
+}
+
 static int32_t shown;
 
 TEST_F(PluginTest, ALongStreamIsShownAndNothingIsHeldBackForGood) {
@@ -78,7 +161,11 @@ TEST_F(PluginTest, ALongStreamIsShownAndNothingIsHeldBackForGood) {
   EXPECT_EQ(plugin.write(&instance, &stream, 0, 600000, frames.data()), StreamBufferSize);
   Pump();
   EXPECT_EQ(plugin.writeready(&instance, &stream), 0) << "held until there is a window";
+  Rig_Fail(RigStep::PostMessage, 0, 2);
   Adopt(&instance, window);
+  EXPECT_EQ(plugin.writeready(&instance, &stream), 0) << "the pump could not be asked, neither then nor now";
+  Pump();
+  EXPECT_EQ(plugin.writeready(&instance, &stream), 0) << "now it can";
   SendMessageA(window, WM_COMMAND, StartRecordingCommand, 0);
   const VelartoDrawCallback count = [](HWND, uintptr_t) { ++shown; };
   JDEC_register_draw_callback(decoder, count, 0);
@@ -106,6 +193,7 @@ TEST_F(PluginTest, AnInstanceMayEndInItsDrawCallback) {
 TEST_F(PluginTest, ThePumpIsNotEnteredAgainFromADrawCallback) {
   static PluginTest* browser;
   static int32_t depth, deepest;
+  static MSG own;
   static const auto give = [](const Bytes& bytes) {
     return browser->plugin.write(&browser->instance, &browser->stream, 0, (int32_t)bytes.size(), const_cast<uint8_t*>(&bytes[0]));
   };
@@ -113,18 +201,19 @@ TEST_F(PluginTest, ThePumpIsNotEnteredAgainFromADrawCallback) {
   shown = depth = deepest = 0;
   JdecDecoder* const decoder = Open(0, 1, window);
   Pump();
-  const VelartoDrawCallback reenter = [](HWND drawn, uintptr_t) {
+  const VelartoDrawCallback reenter = [](HWND, uintptr_t) {
     deepest = std::max(deepest, ++depth);
     if (++shown <= 3) give(browser->large.jfif);  // Must not post the pump's message either.
     Pump();
-    SendMessageA(drawn, PumpMessage, 0, 0);
+    DispatchMessageA(&own);
     --depth;
   };
   JDEC_register_draw_callback(decoder, reenter, 0);
   int32_t frames = 3;
   // More than the pump takes at once, less than makes the decoder skip pictures.
   for (size_t bytes = 0; bytes < 200000; bytes += small.compact.size(), ++frames) give(small.compact);
-  Pump();
+  ASSERT_TRUE(PeekMessageA(&own, window, Pump_Message(), Pump_Message(), PM_REMOVE));
+  DispatchMessageA(&own);
   EXPECT_EQ(deepest, 1);
   EXPECT_EQ(shown, frames);
   EXPECT_EQ(Current_Picture(decoder), Picture_Of(large)) << "written last";

@@ -1,4 +1,7 @@
 #include "plugin/browser.h"
+#include "plugin/instances.h"
+
+#include <algorithm>
 
 /** Who gets a message: D the default procedure, C the window's own, P the page, 1 nobody. In lower case if it restores the
  * colours that another program has changed. */
@@ -39,10 +42,62 @@ TEST_F(PluginTest, EachModeHandlesTheMessagesThatItShould) {
     EXPECT_EQ(found, receivers);
     netscape.version = 7;
     Receiver(window, EndStreamMessage, nullptr);
+    netscape.version = 11, netscape.destroystream = nullptr;
+    Receiver(window, EndStreamMessage, nullptr);
     EXPECT_EQ(asked, (std::vector<std::string>{"end", stream.url})) << "of which the first only by a browser that can";
     EXPECT_EQ(Signs(), signs);
     Stop();
     EXPECT_EQ(Receiver(window, WM_APP + 1, nullptr), 'C') << "given back";
+  }
+}
+
+/** The window is the browser's, and so are all messages that the plug-in hasn't posted to itself. */
+TEST_F(PluginTest, OnlyThePumpsOwnMessagesAreTaken) {
+  const UINT number = RegisterWindowMessageA("velarto plug-in pump");
+  for (const bool lost : {false, true}) {
+    const JdecDecoder* const decoder = Open(0, 1, window);
+    Pump();
+    plugin.write(&instance, &stream, 0, static_cast<int32_t>(small.compact.size()), const_cast<uint8_t*>(small.compact.data()));
+    MSG own;
+    ASSERT_TRUE(PeekMessageA(&own, window, number, number, PM_REMOVE));
+    for (const UINT foreign : {number, UINT{WM_APP + 0x56}}) {
+      EXPECT_EQ(SendMessageA(window, foreign, own.wParam, 2), OwnResult);
+    }
+    EXPECT_NE(decoder->ringFill, 0);
+    PostMessageA(window, number, 1, 2);
+    if (!lost) PostMessageA(own.hwnd, own.message, own.wParam, own.lParam);
+    PostMessageA(window, number, 3, 4);
+    PostQuitMessage(5);
+    End_Instance();
+    std::vector<WPARAM> left;
+    for (MSG message; PeekMessageA(&message, window, number, number, PM_REMOVE);) left.push_back(message.wParam);
+    std::sort(left.begin(), left.end());
+    EXPECT_EQ(left, (std::vector<WPARAM>{1, 3, 5})) << "those of others, and the end of the program";
+    EXPECT_EQ(SendMessageA(own.hwnd, own.message, own.wParam, own.lParam), OwnResult) << "nobody's any more";
+    Stop();
+  }
+}
+
+TEST_F(PluginTest, TwoInstancesShareAWindowUntilTheLastOneEnds) {
+  NPInstance second = {};
+  for (const bool firstEnds : {true, false}) {
+    Open(0, 1, window);
+    const int32_t objects = Rig_Objects_Alive();
+    Add(&second), Adopt(&second, window);
+    EXPECT_EQ(Rig_Tooltip_Text(window), IDLE_TEXT);
+    for (NPInstance* const each : {&instance, &second}) {
+      plugin.write(each, &stream, 0, static_cast<int32_t>(large.jfif.size()), const_cast<uint8_t*>(large.jfif.data()));
+    }
+    Pump();
+    for (NPInstance* const each : {&instance, &second}) EXPECT_EQ(Current_Picture(Instance_Decoder(each)), Picture_Of(large));
+    plugin.destroy(firstEnds ? &instance : &second, nullptr);
+    EXPECT_EQ(SendMessageA(window, WM_SETCURSOR, 0, 0), 1) << "the other one has it still";
+    EXPECT_EQ(SendMessageA(window, WM_APP + 1, 0, 0), OwnResult);
+    plugin.destroy(firstEnds ? &second : &instance, nullptr);
+    EXPECT_EQ(SendMessageA(window, WM_SETCURSOR, 0, 0), OwnResult) << "given back";
+    EXPECT_LT(Rig_Objects_Alive(), objects) << "but for the tooltip";
+    instance = {};
+    Stop();
   }
 }
 

@@ -66,6 +66,7 @@ int StretchDIBits(HDC dc, int x, int y, int width, int height, int srcX, int src
 
 BOOL StretchBlt(HDC dc, int x, int y, int width, int height, HDC source, int srcX, int srcY, int srcWidth, int srcHeight,
                 DWORD operation) {
+  if (Step_Fails(RigStep::StretchBlt)) return FALSE;
   if (!dc || !source || !source->bitmap || operation != SRCCOPY) return FALSE;
   if (!Copy_Allowed({x, y, srcX, srcY}, {width, height, srcWidth, srcHeight})) return FALSE;
   const RECT part{srcX, srcY, srcX + srcWidth, srcY + srcHeight};

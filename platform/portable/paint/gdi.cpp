@@ -59,10 +59,25 @@ void Dc_End(HDC dc) {
   Object_Ended();
 }
 
-Canvas Dc_Canvas(HDC dc) {
+/** What the DC would draw on without a clip. */
+static Canvas Whole_Canvas(HDC dc) {
   if (dc->bitmap) return {};
   if (!dc->surface) return {Canvas_Of(dc->window).view, {0, 0}};
   return dc->surface->primary ? Canvas_Of(Surface_Window(dc->surface)) : Canvas{dc->surface->view, {0, 0}};
+}
+
+Canvas Dc_Canvas(HDC dc) {
+  Canvas canvas = Whole_Canvas(dc);
+  if (!dc->clipped) return canvas;
+  RECT part = dc->clip;
+  OffsetRect(&part, -canvas.origin.x, -canvas.origin.y);
+  part = Rect_Common(part, {0, 0, canvas.view.width, canvas.view.height});
+  if (Rect_Is_Empty(part)) return {};
+  canvas.view.pixels = Pixel_At(canvas.view, part.left, part.top);
+  canvas.view.width = part.right - part.left;
+  canvas.view.height = part.bottom - part.top;
+  canvas.origin = {canvas.origin.x + part.left, canvas.origin.y + part.top};
+  return canvas;
 }
 
 HDC GetDC(HWND window) {
@@ -168,6 +183,18 @@ int SetBkMode(HDC dc, int mode) {
   const int before = dc->backgroundMode;
   dc->backgroundMode = mode;
   return before;
+}
+
+int IntersectClipRect(HDC dc, int left, int top, int right, int bottom) {
+  const RECT rect = {left, top, right, bottom};
+  dc->clip = dc->clipped ? Rect_Common(dc->clip, rect) : rect;
+  dc->clipped = true;
+  return Rect_Is_Empty(dc->clip) ? NULLREGION : SIMPLEREGION;
+}
+
+int SelectClipRgn(HDC dc, HRGN) {
+  dc->clipped = false;
+  return SIMPLEREGION;
 }
 
 BOOL Rectangle(HDC dc, int left, int top, int right, int bottom) {

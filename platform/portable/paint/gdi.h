@@ -12,6 +12,7 @@ constexpr UINT DIB_RGB_COLORS = 0;
 constexpr DWORD CBM_INIT = 4;
 constexpr DWORD SRCCOPY = 0x00CC0020;
 constexpr int TRANSPARENT = 1, OPAQUE = 2;
+constexpr int NULLREGION = 1, SIMPLEREGION = 2;
 constexpr int FW_NORMAL = 400, FW_BOLD = 700;
 constexpr DWORD DEFAULT_CHARSET = 1, OUT_DEFAULT_PRECIS = 0, CLIP_DEFAULT_PRECIS = 0, DEFAULT_QUALITY = 0, PROOF_QUALITY = 2;
 constexpr DWORD FIXED_PITCH = 1, FF_MODERN = 0x30;
@@ -130,6 +131,10 @@ int SetBkMode(HDC dc, int mode);
 BOOL TextOutA(HDC dc, int x, int y, LPCSTR text, int length);
 /** Draws an outline with the pen and fills it with the brush. */
 BOOL Rectangle(HDC dc, int left, int top, int right, int bottom);
+/** Limits what is drawn to that rectangle and what it was limited to before. Gives the kind of region that is left. */
+int IntersectClipRect(HDC dc, int left, int top, int right, int bottom);
+/** Ends the limit. region is null. */
+int SelectClipRgn(HDC dc, HRGN region);
 /** CLR_INVALID outside of what the DC can draw on. */
 COLORREF GetPixel(HDC dc, int x, int y);
 /** Gives the colour that was set, which the screen's depth may change, or CLR_INVALID. */

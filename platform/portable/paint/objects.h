@@ -51,6 +51,8 @@ struct HDC__ {
   IDirectDrawSurface* surface;  ///< Surface drawn on, or null. With neither it is the screen's.
   HBITMAP bitmap;               ///< Of a memory DC.
   bool changed;                 ///< Something was drawn.
+  bool clipped;                 ///< It draws only in
+  RECT clip;                    ///< this rectangle, in its coordinates.
   int stretchMode;
   COLORREF textColor;
   int backgroundMode;

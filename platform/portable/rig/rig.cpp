@@ -15,7 +15,7 @@
 
 namespace {
 
-constexpr size_t StepCount = static_cast<size_t>(RigStep::SetRegistryValue) + 1;
+constexpr size_t StepCount = static_cast<size_t>(RigStep::PostMessage) + 1;
 
 struct StepState {
   std::atomic<int32_t> calls{0};

@@ -31,4 +31,6 @@ enum class RigStep {
   ShortWrite,  ///< WriteFile succeeds and writes one byte less.
   CreateRegistryKey,
   SetRegistryValue,
+  StretchBlt,
+  PostMessage,
 };

@@ -49,6 +49,7 @@ using HFONT = struct HFONT__*;
 using HPEN = struct HPEN__*;
 using HBRUSH = struct HBRUSH__*;
 using HPALETTE = struct HPALETTE__*;
+using HRGN = struct HRGN__*;
 using HBITMAP = struct HBITMAP__*;
 using HMONITOR = struct HMONITOR__*;
 using HINSTANCE = struct HINSTANCE__*;

@@ -1,6 +1,7 @@
 #include "platform/portable/paint/gdi.h"
 #include "platform/portable/paint/objects.h"
 #include "platform/portable/system/kernel.h"
+#include "platform/portable/system/seam.h"
 #include "platform/portable/window/window.h"
 #include "platform/portable/window/window_record.h"
 
@@ -13,6 +14,8 @@
 namespace {
 
 using Clock = std::chrono::steady_clock;
+/** The number of the first message that is registered by name. */
+constexpr UINT FirstRegistered = 0xC000;
 /** The longest single wait of pumpEvents, in milliseconds. */
 constexpr int64_t LongestPump = 60000;
 
@@ -158,7 +161,19 @@ LRESULT DispatchMessageA(const MSG* message) {
   return SendMessageA(message->hwnd, message->message, message->wParam, message->lParam);
 }
 
+UINT RegisterWindowMessageA(LPCSTR name) {
+  static std::mutex lock;
+  static std::vector<std::string> names;
+  if (!name || !*name) return 0;
+  const std::lock_guard guard(lock);
+  const auto found = std::find(names.begin(), names.end(), name);
+  const auto number = static_cast<UINT>(FirstRegistered + (found - names.begin()));
+  if (found == names.end()) names.emplace_back(name);
+  return number;
+}
+
 BOOL PostMessageA(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  if (Step_Fails(RigStep::PostMessage)) return FALSE;
   const MSG posted = Make_Message(window, message, wParam, lParam);
   {
     const std::lock_guard guard(queueLock);

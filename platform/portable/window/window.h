@@ -177,6 +177,8 @@ BOOL GetMessageA(MSG* message, HWND window, UINT first, UINT last);
 /** Posts the WM_CHAR that belongs to a WM_KEYDOWN of a letter (lower case), digit, space, Return, Escape or Backspace. */
 BOOL TranslateMessage(const MSG* message);
 LRESULT DispatchMessageA(const MSG* message);
+/** A message number of the whole process for that name, the same each time. 0 for null or an empty name. Any thread. */
+UINT RegisterWindowMessageA(LPCSTR name);
 /** Queues a message and wakes the thread that waits. It is dropped if its window has ended when its turn comes. Any thread. */
 BOOL PostMessageA(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 /** Calls the window's procedure; on the windows' thread only. 0 if there is no such window. */
