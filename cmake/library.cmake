@@ -33,8 +33,10 @@ set(library_objects $<TARGET_OBJECTS:velarto_objects> $<TARGET_OBJECTS:velarto_c
 # need it, with what platform/portable/rig.h controls; linked beside velarto_core it takes the place of the one in there.
 if(WIN32)
   add_library(velarto_system INTERFACE)
-  target_link_libraries(velarto_system INTERFACE ddraw dxguid gdi32 user32 advapi32 comctl32 comdlg32)
+  target_link_libraries(velarto_system INTERFACE gdi32 user32 advapi32 comctl32 comdlg32)
+  # Displays load DirectDraw when they want it; tests of its operations link it.
   add_library(velarto_system_rig INTERFACE)
+  target_link_libraries(velarto_system_rig INTERFACE ddraw)
 else()
   enable_language(ASM)
   find_package(Freetype REQUIRED)

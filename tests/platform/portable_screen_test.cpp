@@ -13,6 +13,8 @@ TEST_F(PortableScreenTest, CopiesOverItselfDoNotRepeat) {
     Screen_Set_Up(Screen_Of_Depth(bits));
     IDirectDraw* ddraw = nullptr;
     ASSERT_EQ(DirectDrawCreate(nullptr, &ddraw, nullptr), DD_OK);
+    EXPECT_EQ(Make_Surface(ddraw, 3, 6), nullptr) << "no level yet";
+    ASSERT_EQ(IDirectDraw_SetCooperativeLevel(ddraw, nullptr, DDSCL_NORMAL), DD_OK);
     IDirectDrawSurface* surface = Make_Surface(ddraw, 3, 6);
     IDirectDraw_Release(ddraw);
     ASSERT_NE(surface, nullptr);
