@@ -69,6 +69,19 @@ TEST_F(LibraryTest, PaletteIndicesShowInTheirColours) {
   }
 }
 
+TEST(Palette, IsOnTheScreenBeforeTheFirstFrame) {
+  for (const bool gdi : {false, true}) {
+    TestDisplay test(Screen_With(8, gdi), 64, 64);
+    test.Open(64, 64);
+    PALETTEENTRY entries[256];
+    const HDC dc = GetDC(test.handle);
+    ASSERT_EQ(GetSystemPaletteEntries(dc, 0, 256, entries), 256u);
+    ReleaseDC(test.handle, dc);
+    const auto shown = [](uint32_t color) { return [color](const PALETTEENTRY& entry) { return Color_Of(entry) == color; }; };
+    for (size_t i = FirstColor; i <= LastColor; ++i) EXPECT_TRUE(std::any_of(entries, entries + 256, shown(listed[i]))) << i;
+  }
+}
+
 TEST(Palette, WithoutAPaletteThereIsNoTable) {
   TestDisplay test(Screen_With(8), 64, 64);
   PALETTEENTRY table[256];

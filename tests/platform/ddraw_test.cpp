@@ -87,10 +87,6 @@ TEST_F(DirectDrawTest, ThePrimaryShowsInTheClippersClientOnly) {
   const int x = origin.x, y = origin.y;
   Expect_Pixels(nullptr, {{x + 4, y + 4, Red}, {x + 39, y + 9, Red}, {x + 40, y + 5, White}});
   Expect_Pixels(nullptr, {{x + 3, y + 4, Green}, {x + 10, y + 3, Green}, {x + 10, y + 10, Green}});
-  // A copy is cut to the clipper's window, what is drawn through a DC is not.
-  On_Surface(primary, [x, y](HDC dc) { return SetPixel(dc, x + 45, y + 5, Blue); });
-  Pump();
-  Expect_Pixels(nullptr, {{x + 45, y + 5, Blue}});
 }
 
 }  // namespace
