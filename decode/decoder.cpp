@@ -6,7 +6,6 @@
 #include "decode/speed.h"
 #include "display/context.h"
 #include "pixel/arena.h"
-
 #include "platform/lock.h"
 
 LONG jdecInitCount = 0;

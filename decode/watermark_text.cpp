@@ -1,8 +1,7 @@
 #include "decode/watermark_text.h"
 
-#include "velarto.h"
-
 #include "platform/lock.h"
+#include "velarto.h"
 
 #include <cstring>
 #include <string_view>

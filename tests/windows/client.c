@@ -1,7 +1,7 @@
 /* A client in plain C. It links all exports through the header's prototypes and the import library, and calls each family so. It
  * calls two of them again as programs without a header do, in Visual Basic for example, where an operation is declared by its
- * arguments (Declare Function vb_JDEC_New Lib "velarto.dll" [Alias "#6"] (ByVal width As Long, ByVal height As Long) As Long), and
- * checks the stack after each call. All operations are found by name and by ordinal. */
+ * arguments (Declare Function vb_JDEC_New Lib "velarto.dll" [Alias "#6"] (ByVal width As Long, ByVal height As Long) As Long),
+ * and checks the stack after each call. All operations are found by name and by ordinal. */
 #include "velarto.h"
 
 #include <windows.h>
