@@ -136,17 +136,17 @@ inline uint8_t Keep_Bits(uint8_t value, int bits) {
   return static_cast<uint8_t>(level << (8 - bits) | level >> (2 * bits - 8));
 }
 
-/** Bits of green on a screen of 16 bits: 5 or 6. */
+/** Bits of green on a screen of 16 bits: 5 or 6. Only a window tells: bitmaps may have another format. */
 inline int Green_Bits() {
-  const HDC screen = GetDC(nullptr), memory = CreateCompatibleDC(screen);
-  const HBITMAP bitmap = CreateCompatibleBitmap(screen, 1, 1);
-  const HGDIOBJ before = SelectObject(memory, bitmap);
-  SetPixel(memory, 0, 0, RGB(0, 4, 0));
-  const int bits = GetPixel(memory, 0, 0) == 0 ? 5 : 6;
-  SelectObject(memory, before);
-  DeleteObject(bitmap);
-  DeleteDC(memory);
-  ReleaseDC(nullptr, screen);
+  static const int bits = [] {
+    const HWND window = Make_Window(DefWindowProcA, nullptr, 0, 0, 8, 8);
+    const HDC dc = GetDC(window);
+    const COLORREF least = SetPixel(dc, 4, 4, RGB(0, 4, 0)) == CLR_INVALID ? CLR_INVALID : GetPixel(dc, 4, 4);
+    ReleaseDC(window, dc);
+    DestroyWindow(window);
+    EXPECT_NE(least, CLR_INVALID);
+    return least == 0 ? 5 : 6;
+  }();
   return bits;
 }
 
