@@ -1,5 +1,6 @@
 /* The current picture for callers: the raster itself, or a BMP file made from the planes (velarto.h). */
 #include "decode/decoder.h"
+#include "decode/picture_decode.h"
 #include "display/palette.h"
 #include "pixel/arena.h"
 #include "pixel/convert.h"
@@ -47,7 +48,7 @@ static int32_t Format_Of_Depth(int32_t bitsPerPixel) {
 }
 
 static int32_t Raster_Format(const JdecDecoder* decoder) {
-  if (decoder->headless) return PixelRgb24;
+  if (decoder->rasterFormat != NoPixels) return decoder->rasterFormat;
   if (decoder->display) return decoder->display->pixelFormat;
   return Format_Of_Depth(decoder->codec->raster->bitsPerPixel);
 }

@@ -2,6 +2,7 @@
 
 #include "decode/frame.h"
 #include "decode/global_tables.h"
+#include "decode/picture_decode.h"
 #include "decode/rasters.h"
 #include "decode/speed.h"
 #include "display/context.h"
@@ -98,17 +99,16 @@ static void Decoder_Adopt_Display(JdecDecoder* decoder, JdecDisplay* display) {
   ReleaseMutex(decoder->lock);
 }
 
-/** Makes a display for the window, and a raster of the display's depth. False, with nothing changed, if one can't be made. */
+/** Makes a display for the window, and a raster of the display's depth if it has another one. False, with nothing changed, if one
+ * can't be made. */
 static bool Decoder_Show_In(JdecDecoder* decoder, HWND window) {
   JdecDisplay* const display = Display_Create(window, decoder->width, decoder->height);
   if (!display) return false;
-  const int32_t before = decoder->headless;
-  decoder->headless = 0;
-  if (decoder->codec->raster->bitsPerPixel != display->displayBits && !Build_Rasters(decoder)) {
-    decoder->headless = before;
+  if (decoder->codec->raster->bitsPerPixel != display->displayBits && !Replace_Raster(decoder, display->displayBits)) {
     Display_Destroy(display);
     return false;
   }
+  decoder->headless = 0;
   Decoder_Adopt_Display(decoder, display);
   GetClientRect(window, &decoder->srcRect);
   return true;
@@ -118,6 +118,7 @@ int32_t VELARTO_CDECL JDEC_Draw_Init(JdecDecoder* decoder, VelartoWindow window)
   if (!decoder || decoder->display || (window && !IsWindow(window))) return 0;
   if (!(window ? Decoder_Show_In(decoder, window) : Decoder_Go_Headless(decoder))) return 0;
   decoder->window = window;
+  Redraw_Frame(decoder);
   return 1;
 }
 
@@ -206,6 +207,7 @@ bool Decoder_Change_Size(JdecDecoder* decoder, int32_t width, int32_t height) {
   decoder->width = decoder->codec->width = width;
   decoder->height = decoder->codec->height = height;
   Codec_Exchange_Buffers(decoder->codec, buffers);
+  decoder->rasterFormat = NoPixels;
   if (headless) {
     decoder->headless = 1;
   } else {

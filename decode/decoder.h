@@ -60,6 +60,7 @@ struct JdecDecoder {
   int32_t statsSlot;                 ///< Entry of statsBits that counts now.
   double statsBits[2];               ///< Bits received.
   int32_t endSearched;               ///< Bytes at the start of assemblyBuffer known to hold no end marker.
+  int32_t rasterFormat;              ///< The PixelFormat that the raster was filled with last, or NoPixels.
   int32_t pumpState;                 ///< Plug-in: whether the pump is waiting, asked for or running (plugin/pump).
   int32_t sizeChanging;              ///< 1 from the end of one size's display until the next one is made.
   VelartoDrawCallback keptCallback;  ///< The draw callback during that time,

@@ -47,7 +47,9 @@ int32_t Decode_Frame(JdecDecoder* decoder, int32_t isJfif, int32_t draw) {
   JdecCodec* const codec = decoder->codec;
   Codec_Set_Quality(codec, header.quality);
   codec->frame->position += header.dataOffset;
-  Decode_Picture(codec, Target_For_Frame(decoder, draw != 0));
+  const PictureTarget to = Target_For_Frame(decoder, draw != 0);
+  Decode_Picture(codec, to);
+  if (to.format != NoPixels) decoder->rasterFormat = to.format;
   Watermark_Publish(*codec->watermark);
   if (decoder->headless || !draw) return 1;
   if (!decoder->display) {
@@ -85,5 +87,6 @@ void Redraw_Frame(JdecDecoder* decoder) {
   if (!decoder->display || decoder->headless) return;
   const PictureTarget to = Target_For_Display(decoder);
   Convert_Planes(to.format, decoder->codec->planes, to.raster, to.ditherMode);
+  decoder->rasterFormat = to.format;
   Present_Picture(decoder);
 }

@@ -1,5 +1,6 @@
 #include "decode/framing.h"
 
+#include <algorithm>
 #include <cstring>
 
 /** A frame start, as the search finds it. */
@@ -71,4 +72,16 @@ int32_t Find_EOI(const uint8_t* data, int32_t count) {
     if (data[i] == 0xFF && data[i + 1] == 0xD9) return i;
   }
   return -1;
+}
+
+int32_t Uncut_Length(const uint8_t* data, int32_t count, int32_t most) {
+  if (count <= most) return count;
+  const int32_t last = std::min(count - CompactHeaderSize, most + PrefixSize - 1);
+  for (int32_t i = most - (LeastJfifBytes - 1); i <= last; ++i) {
+    if (i < most && JFIF_Start_At(data + i)) return i;
+    if (i + CompactHeaderSize <= most || !Compact_Header_At(data + i)) continue;
+    const int32_t start = Prefix_At(data + i - PrefixSize) ? i - PrefixSize : i;
+    if (start < most) return start;
+  }
+  return most;
 }

@@ -19,3 +19,7 @@ int32_t Frame_Sync_Strict(const uint8_t* data, int32_t count, int32_t* isJfif, i
 
 /** Offset of the first FF D9, or -1. */
 int32_t Find_EOI(const uint8_t* data, int32_t count);
+
+/** Where to cut `count` bytes that can't be taken at once: the largest offset up to `most` that cuts no frame's header, nor a
+ * JFIF header off its first two bytes of data; count if that is not above `most`, which must be at least LeastJfifBytes. */
+int32_t Uncut_Length(const uint8_t* data, int32_t count, int32_t most);

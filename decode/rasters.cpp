@@ -1,5 +1,6 @@
 #include "decode/rasters.h"
 
+#include "decode/picture_decode.h"
 #include "display/context.h"
 #include "pixel/arena.h"
 
@@ -23,6 +24,16 @@ bool Build_Rasters(JdecDecoder* decoder) {
   Free_Rasters(decoder);
   decoder->codec->raster = raster;
   decoder->codec->planes = planes;
+  decoder->rasterFormat = NoPixels;
+  return true;
+}
+
+bool Replace_Raster(JdecDecoder* decoder, int32_t bitsPerPixel) {
+  JdecRaster* const raster = Raster_New(decoder->width, decoder->height, bitsPerPixel);
+  if (!raster) return false;
+  Arena_Free(decoder->codec->raster);
+  decoder->codec->raster = raster;
+  decoder->rasterFormat = NoPixels;
   return true;
 }
 

@@ -11,5 +11,9 @@ int32_t Raster_Depth(bool headless);
  *  without memory. */
 bool Build_Rasters(JdecDecoder* decoder);
 
+/** Replaces the raster of a decoder without a display by a new one of that depth. The planes stay. False, with nothing changed,
+ *  without memory. */
+bool Replace_Raster(JdecDecoder* decoder, int32_t bitsPerPixel);
+
 /** Frees the codec's raster and planes and sets both to null. */
 void Free_Rasters(JdecDecoder* decoder);

@@ -179,9 +179,9 @@ int32_t VELARTO_CDECL JDEC_Receive_Data(JdecDecoder* decoder, int32_t length, co
 
   bool taken = false;
   int32_t result = length;
-  // The frame loop never leaves the buffer full, so each slice is at least one byte.
+  // The frame loop leaves room for more than a header each time, so each slice is at least one byte.
   for (int32_t remaining = length; remaining > 0;) {
-    const int32_t slice = std::min(remaining, StreamBufferSize - decoder->assemblyFill);
+    const int32_t slice = Uncut_Length(data, remaining, StreamBufferSize - decoder->assemblyFill);
     std::memcpy(decoder->assemblyBuffer + decoder->assemblyFill, data, static_cast<size_t>(slice));
     decoder->assemblyFill += slice;
     data += slice;
@@ -199,8 +199,40 @@ int32_t VELARTO_CDECL JDEC_Receive_Data(JdecDecoder* decoder, int32_t length, co
   return taken ? result : -1;
 }
 
+/** Offset of the JFIF start for which a poll waits because bytes of its header are missing, or -1. */
+static int32_t Waiting_Start(const Assembly& assembly) {
+  int32_t isJfif = 0, wanted = 0;
+  if (assembly.fill < LeastSearchBytes) return -1;
+  Frame_Sync_Strict(assembly.cursor, assembly.fill, &isJfif, &wanted);
+  return wanted == 0 ? -1 : assembly.fill - (LeastJfifBytes - wanted);
+}
+
+static bool Fits(int32_t fill, uint32_t length) { return length <= static_cast<uint32_t>(StreamBufferSize - fill); }
+
+/** Makes room for a chunk while a poll waits for the frame of a start: drops the bytes before that start. If that isn't enough,
+ *  a JFIF start whose end isn't held is given up, as the bytes that it waits for can't come. False if the chunk is refused. */
+static bool Make_Room(JdecDecoder* decoder, uint32_t length) {
+  if (Fits(decoder->assemblyFill, length)) return true;
+  Assembly assembly = Open_Assembly(decoder);
+  int32_t isJfif = 1, hasPrefix = 0;
+  if (decoder->frameOpen) {
+    Frame_Sync(assembly.cursor, assembly.fill, &isJfif, &hasPrefix);
+  } else {
+    const int32_t start = Waiting_Start(assembly);
+    if (start < 0) return false;
+    Advance_Assembly(&assembly, start);
+  }
+  const bool fits = Fits(assembly.fill, length);
+  if (!fits && isJfif && JFIF_Length(&assembly) < 0) {
+    Advance_Assembly(&assembly, 2);
+    Close_Frame(decoder);
+  }
+  Close_Assembly(decoder, assembly);
+  return fits;
+}
+
 int32_t VELARTO_CDECL JDEC_Receive_Data_2(JdecDecoder* decoder, const uint8_t* data, uint32_t length) {
-  if (!decoder || !data || length == 0 || length > static_cast<uint32_t>(StreamBufferSize - decoder->assemblyFill)) return 0;
+  if (!decoder || !data || length == 0 || !Make_Room(decoder, length)) return 0;
   std::memcpy(decoder->assemblyBuffer + decoder->assemblyFill, data, length);
   decoder->assemblyFill += static_cast<int32_t>(length);
   return std::max(JfifHeaderSize - decoder->assemblyFill, 0);

@@ -1,7 +1,7 @@
 /* velarto: live video from network cameras, from the bytes of the camera to a picture in a window.
  *
- * A camera sends compressed pictures one after another with no container around them. A decoder takes those bytes in
- * chunks of any size, finds the frames, decodes them and, if it has a window, shows them:
+ * A camera sends compressed pictures one after another with no container around them. A decoder takes those bytes as they
+ * come, finds the frames, decodes them and, if it has a window, shows them:
  *
  *     JDEC_Init();
  *     JdecDecoder *decoder = JDEC_New(640, 480);
@@ -69,9 +69,9 @@ void VELARTO_CDECL JDEC_Exit(void);
 /* ---- A decoder's life ---------------------------------------------------------------------------------------- */
 
 /** Makes a decoder for pictures of width by height pixels, each 1 to 65535. Frames of another size change its size later.
- *  Writes a line about the speed regulator to standard output. Gives the decoder, which the caller owns and frees with
- *  JDEC_Free. Gives null for a size out of range, for a picture of more than 128000 macroblocks of 16x16 or more than
- *  that many times 256 pixels, or without memory. */
+ *  Writes a line about the speed regulator to standard output, and waits while another thread holds that stream. Gives the
+ * decoder, which the caller owns and frees with JDEC_Free. Gives null for a size out of range, for a picture of more than 128000
+ * macroblocks of 16x16 or more than that many times 256 pixels, or without memory. */
 JdecDecoder* VELARTO_CDECL JDEC_New(int32_t width, int32_t height);
 
 /** Ends the decoder's display and frees the decoder and everything that it owns. Null is allowed. */
@@ -80,16 +80,18 @@ void VELARTO_CDECL JDEC_Free(JdecDecoder* decoder);
 /** Drops the bytes of an incomplete frame and makes the picture dark. A window shows that at once. */
 void VELARTO_CDECL JDEC_Flush(JdecDecoder* decoder);
 
-/** Makes a display for the decoder in that window, or with null makes the decoder headless: pictures are decoded into a
- *  raster of 24 bits and not shown. The window stays the caller's and must outlive the display. Gives 1. Gives 0, with
- *  nothing changed, if the decoder has a display already, if window is not a window (on Linux, one of the portable
- *  window layer), or if the display or its raster can't be made. */
+/** Makes a display for the decoder in that window and shows the current picture there; or with null makes the decoder
+ *  headless: the picture becomes dark, and pictures are decoded into a raster of 24 bits and not shown. The window stays the
+ * caller's and must outlive the display. Gives 1. Gives 0, with nothing changed, if the decoder has a display already, if window
+ * is not a window (on Linux, one of the portable window layer), or if the display or its raster can't be made. */
 int32_t VELARTO_CDECL JDEC_Draw_Init(JdecDecoder* decoder, VelartoWindow window);
 
-/** Ends the display. Frames are then skipped undecoded until JDEC_show. */
+/** Ends the display. JDEC_Receive_Data then skips frames undecoded until JDEC_show. A frame of another size that is decoded
+ *  after that makes a display for the same window again. */
 void VELARTO_CDECL JDEC_Draw_Exit(JdecDecoder* decoder);
 
-/** Hides frames if show is 0: they are taken out of the stream but neither decoded nor shown. Any other value ends that. */
+/** Hides frames if show is 0: JDEC_Receive_Data takes them out of the stream but neither decodes nor shows them. Any other value
+ *  ends that. JDEC_Check_Decode_Frame is told by its own arguments. */
 void VELARTO_CDECL JDEC_show(JdecDecoder* decoder, int32_t show);
 
 /** Stores the picture's size in pixels, before the first frame the size given to JDEC_New. An out pointer may be null. */
@@ -100,7 +102,10 @@ int32_t VELARTO_CDECL JDEC_Get_Quality(JdecDecoder* decoder);
 
 /* ---- Feeding ------------------------------------------------------------------------------------------------- */
 
-/** The pushing path: takes a chunk of length bytes, and decodes and shows each frame that it completes.
+/** The pushing path: takes a chunk of length bytes, any number, and decodes and shows each frame that it completes.
+ *  A frame start must be recognised in the bytes that are held when a chunk ends, else they are dropped: of a compact header 12
+ *  bytes, with a prefix 26, of a JFIF frame 625. Where chunks may end earlier in a frame, as with reads from a socket, use the
+ *  polling path, which keeps a JFIF start whose header is incomplete, or offer whole frames. Within a chunk nothing is cut.
  *  status: if it is not 0, the hidden text is checked after each decoded frame and the result is stored in it; once it is
  *  0, the call checks no more. Null counts as 0. A hidden frame doesn't change it.
  *  Gives -1 if no frame was completed; and if data is null or length is 0 or less, which adds nothing. Otherwise gives
@@ -111,7 +116,10 @@ int32_t VELARTO_CDECL JDEC_Receive_Data(JdecDecoder* decoder, int32_t length, co
 
 /** The polling path: stores length bytes for JDEC_Check_Decode_Frame. Gives the number of bytes missing to 623, or 0. Gives
  *  0 too, and stores nothing, for null data, a length of 0, or if they don't fit the buffer of 524288 bytes. These bytes
- *  are neither counted for the bit rate nor recorded. */
+ *  are neither counted for the bit rate nor recorded.
+ *  As long as JDEC_Check_Decode_Frame is called until it gives no more frames before the next bytes are offered, 12288 bytes
+ *  always fit: offer a longer chunk in such pieces. A longer one may be refused; if a JFIF frame was open whose end had not come
+ *  by then, that frame is lost, and the next poll looks for another one. */
 int32_t VELARTO_CDECL JDEC_Receive_Data_2(JdecDecoder* decoder, const uint8_t* data, uint32_t length);
 
 /** The polling path: takes at most one frame out of the stored bytes and copies it to buffer, which has capacity bytes.
@@ -164,7 +172,8 @@ int32_t VELARTO_CDECL JDEC_read_watermark_string(JdecDecoder* decoder, uint8_t* 
 int32_t VELARTO_CDECL JDEC_Compress_RGB888(JdecDecoder* decoder, int32_t quality, const uint8_t* pixels, uint32_t ignored,
                                            uint8_t* buffer, int32_t capacity, int32_t withMarkers, int32_t doubleRows);
 
-/** Writes the frame that was decoded or compressed last to an open stream as a JPEG image, without compressing it again. The
+/** Writes the frame that was taken out of the stream or compressed last to an open stream as a JPEG image, without compressing it
+ *  again; even if it was hidden or couldn't be decoded. JDEC_Get_Quality then gives the quality of a frame that was not JFIF. The
  *  stream must belong to the same C runtime. Gives the bytes of the last write: 2 if the image is complete. Gives 0, and
  *  writes nothing, for a null argument or if there is no frame. */
 int32_t VELARTO_CDECL JDEC_Write_JFIF_File(JdecDecoder* decoder, FILE* stream);
@@ -186,10 +195,11 @@ void VELARTO_CDECL JDEC_reload_palette(JdecDecoder* decoder);
 /* ---- Overlays ------------------------------------------------------------------------------------------------ */
 
 /* Overlays lie over the picture in the window; the exported picture doesn't contain them. They are shown in the DirectDraw form
- * of the display only. Without a display there is nothing to draw on or to set: these operations have no effect, except
- * JDEC_enable_MD and JDEC_set_MD_color, and give 0 if they have a result. What a call draws is shown with the next frame or
- * repaint. A change of the picture's size clears what was drawn and set; the modes of JDEC_enable_MD and the draw callback stay.
- * Coordinates may be any numbers: what lies outside the picture is not drawn. */
+ * of the display only; in the GDI form the operations give the same results and nothing is drawn. Without a display there is
+ * nothing to draw on or to set: these operations have no effect, except JDEC_enable_MD and JDEC_set_MD_color, and give 0 if they
+ * have a result. What a call draws is shown with the next frame or repaint. A change of the picture's size clears what was drawn
+ * and set; the modes of JDEC_enable_MD and the draw callback stay. Coordinates may be any numbers: what lies outside the picture
+ * is not drawn. */
 
 /** Shows the motion-area layer if value is not 0; 0 hides it without erasing it. Bit 1 of value (mask 2) turns on the rectangle
  *  mode of the whole process, in which the moving rectangle can be shown and lines don't overwrite the layer's red. A value other

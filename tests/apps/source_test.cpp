@@ -3,6 +3,7 @@
 #include "apps/velarto/jpeg.h"
 #include "apps/velarto/sources/multipart.h"
 #include "apps/velarto/sources/part_frame.h"
+#include "apps/velarto/sources/reconnect.h"
 #include "apps/velarto/stream.h"
 #include "support/djpeg.h"
 
@@ -221,6 +222,28 @@ TEST_F(SourceTest, ABrokenConnectionIsOpenedAgain) {
     EXPECT_EQ(outcome.err, line + "was lost (closed by the other side); trying again\n" + line + "is back\n");
     EXPECT_TRUE(Read_Text(folder / "live") == first + second);
   }
+}
+
+/** The time of the last try is set so that a tenth of a second is missing until the next one. */
+TEST_F(SourceTest, TriesToConnectComeLessAndLessOften) {
+  using std::chrono::milliseconds, std::chrono::steady_clock;
+  const std::atomic<bool> stop = false;
+  Reconnect reconnect;
+  EXPECT_FALSE(Reconnect_Back(&reconnect));
+  EXPECT_TRUE(Reconnect_Lost(&reconnect));
+  for (const int pause : {250, 500, 1000, 2000, 2000, 2000}) {
+    const auto start = steady_clock::now(), due = start + milliseconds(100);
+    reconnect.lastTry = due - milliseconds(pause);
+    Source source;
+    ASSERT_TRUE(Reconnect_Open(&reconnect, sample, &stop, &source));
+    EXPECT_GE(reconnect.lastTry, due) << pause;
+    EXPECT_LT(steady_clock::now(), due + milliseconds(1000)) << pause;
+    Source_Close(&source);
+    EXPECT_FALSE(Reconnect_Lost(&reconnect)) << "still the same loss";
+  }
+  EXPECT_TRUE(Reconnect_Back(&reconnect));
+  EXPECT_TRUE(Reconnect_Lost(&reconnect));
+  EXPECT_EQ(reconnect.tries, 0u) << "the next loss begins quickly";
 }
 
 TEST_F(SourceTest, RecordEndsOnASignalAfterTheLastWholeFrame) {

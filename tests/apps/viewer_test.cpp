@@ -117,6 +117,45 @@ TEST_F(ViewerTest, PauseHoldsTheRecording) {
   EXPECT_GT(watcher.changes, atPause);
 }
 
+/** 30 periods have passed in the pause. Frames of the next 20 may come at once: one that waited for room, the one that waited for
+ *  the pause to end, and those of the two periods that are made up for; the others don't. */
+TEST_F(ViewerTest, ARecordingDoesNotRushAfterAPause) {
+  options.feed.framesPerSecond = 50;
+  const std::shared_ptr<Feed> feed = Feed_Start(options.feed);
+  const auto take = [&](int32_t count) {
+    for (FedFrame frame; count > 0; count -= Feed_Take(feed.get(), &frame)) Feed_Await(feed.get(), 1000);
+  };
+  take(10);
+  Feed_Pause(feed.get(), true);
+  Sleep(600);
+  for (FedFrame queued; Feed_Take(feed.get(), &queued);) continue;
+  const auto resumed = std::chrono::steady_clock::now();
+  Feed_Pause(feed.get(), false);
+  take(20);
+  EXPECT_GE(std::chrono::steady_clock::now() - resumed, std::chrono::milliseconds((20 - 4) * 20));
+  Feed_Stop(feed.get());
+}
+
+TEST_F(ViewerTest, APauseDropsTheFramesOfALiveSource) {
+  options.feed = {.source = Pipe()};
+  const std::shared_ptr<Feed> feed = Feed_Start(options.feed);
+  const std::string stream = Read_Text(sample);
+  std::ofstream camera(folder / "pipe", std::ios::binary);
+  FedFrame frame;
+  camera.write(stream.data(), 40000).flush();
+  Feed_Await(feed.get(), 10000);
+  Feed_Pause(feed.get(), true);
+  EXPECT_FALSE(Feed_Take(feed.get(), &frame)) << "the one that waited";
+  camera.write(&stream[40000], 40000).flush();
+  Sleep(100);
+  EXPECT_FALSE(Feed_Take(feed.get(), &frame)) << "those of the pause";
+  Feed_Pause(feed.get(), false);
+  camera.write(&stream[80000], 40000).flush();
+  Feed_Await(feed.get(), 10000);
+  EXPECT_TRUE(Feed_Take(feed.get(), &frame)) << "and they come again";
+  Feed_Stop(feed.get());
+}
+
 /** All frames come at once and the screen is slow: of a recording each is shown, of a live source the last and a few before it.
  */
 TEST_F(ViewerTest, LiveFramesAreSkippedOnASlowScreen) {
@@ -149,6 +188,9 @@ TEST_F(ViewerTest, OverlaysByKeysAndClicks) {
   options.overlays.motionRect = {0, 0, 2, 2};
   uint32_t plain = 0;
   const auto at = [](int32_t x, int32_t y) { return Rig_Window_Color(watcher.window, x, y); };
+  const auto push = [](WPARAM key, int32_t times) {
+    for (; times > 0; --times) PostMessageA(watcher.window, WM_KEYDOWN, key, 0);
+  };
   const struct {
     std::function<bool()> shows;
     std::function<void()> then;
@@ -156,8 +198,12 @@ TEST_F(ViewerTest, OverlaysByKeysAndClicks) {
       {[] { return Title().find("paused") != std::string::npos; }, [&] { plain = at(80, 100), Press('g'); }},
       {[&] { return at(80, 100) == Red && at(101, 100) == Blue && at(102, 102) != Blue; },
        [] { PostMessageA(watcher.window, WM_LBUTTONDOWN, 0, MAKELPARAM(100, 100)); }},
-      {[&] { return at(98, 98) == Red; }, [] { PostMessageA(watcher.window, WM_KEYDOWN, VK_RIGHT, 0); }},
-      {[&] { return at(105, 100) != Blue && at(166, 100) == Blue; }, [] { Press('m'); }},
+      {[&] { return at(98, 98) == Red; }, [&] { push(VK_RIGHT, 1); }},
+      {[&] { return at(105, 100) != Blue && at(166, 100) == Blue; }, [&] { push(VK_RIGHT, 40), push(VK_DOWN, 40); }},
+      {[&] { return at(260, 210) == Blue && at(319, 239) == Blue; }, [&] { push(VK_LEFT, 1), push(VK_UP, 1); }},
+      {[&] { return at(252, 183) == Blue && at(311, 210) == Blue; }, [&] { push(VK_LEFT, 40), push(VK_UP, 40); }},
+      {[&] { return at(0, 20) == Blue && at(59, 49) == Blue; }, [&] { push(VK_RIGHT, 1), push(VK_DOWN, 1); }},
+      {[&] { return at(8, 20) == Blue && at(67, 57) == Blue; }, [] { Press('m'); }},
       {[&] { return at(0, 0) == Red; }, [] { Press('g'); }},
       {[&] { return at(80, 100) == plain; }, [] { Press('q'); }},
   };

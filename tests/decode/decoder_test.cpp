@@ -43,6 +43,19 @@ TEST_F(DecoderTest, FlushForgetsBytesAndDarkensThePicture) {
   EXPECT_EQ(Current_Picture(decoder.get()), Current_Picture(Headless_Decoder(48, 48).get()));
   EXPECT_EQ(Push(decoder.get(), small.compact), (int32_t)small.compact.size());
   EXPECT_EQ(Current_Picture(decoder.get()), Picture_Of(small));
+
+  // The search for an end marker starts again too: that of the next frame lies before the place it had reached.
+  const Bytes unfinished(large.jfif.begin(), large.jfif.end() - 1);
+  ASSERT_GT(unfinished.size(), small.jfif.size());
+  EXPECT_EQ(Push(decoder.get(), unfinished), -1);
+  JDEC_Flush(decoder.get());
+  EXPECT_EQ(Push(decoder.get(), small.jfif), (int32_t)small.jfif.size());
+  Store(decoder.get(), unfinished);
+  EXPECT_EQ(Poll(decoder.get()), 2);
+  JDEC_Flush(decoder.get());
+  Store(decoder.get(), small.jfif);
+  EXPECT_EQ(Poll(decoder.get()), 1);
+  EXPECT_EQ(Current_Picture(decoder.get()), Picture_Of(small));
 }
 
 TEST_F(DecoderTest, NewFreesEverythingWhenMemoryRunsOut) {

@@ -38,6 +38,22 @@ TEST_F(DisplayedDecoder, RasterHasTheDepthOfTheScreen) {
     EXPECT_EQ(JDEC_Draw_Init(decoder.get(), nullptr), 0);
     EXPECT_EQ(decoder->window, window.handle);
     EXPECT_NE(decoder->display, nullptr);
+
+    // Without the display the raster is what it was; a new display shows the picture that was current.
+    int32_t code = -1;
+    JDEC_Draw_Exit(decoder.get());
+    JDEC_get_decompressed_bitmap_ex(decoder.get(), &code, nullptr);
+    EXPECT_EQ(code, format);
+    for (const HWND next : {(HWND) nullptr, window.handle}) {
+      JDEC_show(decoder.get(), 1);
+      EXPECT_EQ(JDEC_Draw_Init(decoder.get(), next), 1);
+      if (!next) Push(decoder.get(), small.jfif);
+    }
+    EXPECT_EQ(Current_Picture(decoder.get()), Picture_Of(small)) << screen;
+    const RasterPtr whole(Raster_New(48, 48, bits));
+    Convert_Planes(format, decoder->codec->planes, whole.get(), DitherNormal);
+    EXPECT_TRUE(std::equal(whole->rows[47], whole->rows[0] + whole->pitch, decoder->codec->raster->rows[47])) << screen;
+    EXPECT_EQ(decoder->display->lastRaster, decoder->codec->raster) << screen;
   }
 }
 

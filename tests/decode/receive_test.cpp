@@ -1,6 +1,7 @@
 // Chunks of any size into both paths; the bit rate; the recording.
 #include "decode/receive.h"
 
+#include "decode/frame.h"
 #include "display/context.h"
 #include "platform/portable/rig.h"
 #include "support/streams.h"
@@ -66,11 +67,72 @@ TEST_F(Receiver, StartAtTheEndOfAFullBufferIsKept) {
   EXPECT_EQ(Current_Picture(decoder.get()), Picture_Of(small));
 }
 
+/** A JFIF start whose end never comes must not block the stream, nor bytes before a start keep out those that it waits for. */
+TEST_F(Receiver, RefusedChunksMakeRoom) {
+  const Bytes endless = Joined({Bytes(small.jfif.begin(), small.jfif.begin() + 623), Bytes(700000, 'x')});
+  for (const size_t largest : {24000u, 50000u, 100000u}) {
+    const Bytes stream = Joined({endless, Joined(std::vector<Bytes>(40, large.jfif))});
+    size_t taken = 0, refused = 0;
+    for (size_t at = 0, count; at < stream.size(); at += count) {
+      count = std::min(stream.size() - at, largest);
+      const int32_t before = decoder->assemblyFill;
+      JDEC_Receive_Data_2(decoder.get(), &stream[at], (uint32_t)count);
+      if (decoder->assemblyFill == before) count = 0, ++refused;
+      while (Poll(decoder.get()) == 1) ++taken;
+      ASSERT_LE(refused, 2u) << largest;
+    }
+    EXPECT_EQ(taken, 40u) << largest;
+    JDEC_Flush(decoder.get());
+  }
+  const auto middleOfHeader = small.jfif.begin() + 100;
+  Store(decoder.get(), Joined({Bytes(StreamBufferSize - 200, 'x'), Bytes(small.jfif.begin(), middleOfHeader)}));
+  EXPECT_EQ(Poll(decoder.get()), 2);
+  Store(decoder.get(), Bytes(middleOfHeader, small.jfif.end()));
+  EXPECT_EQ(Poll(decoder.get()), 1);
+  // A frame whose end is held already stays, even if no poll has seen the end yet.
+  Store(decoder.get(), {small.jfif.begin(), small.jfif.end() - 1});
+  EXPECT_EQ(Poll(decoder.get()), 2);
+  Store(decoder.get(), {small.jfif.back()});
+  EXPECT_EQ(Store(decoder.get(), Bytes(StreamBufferSize)), 0);
+  EXPECT_EQ(Poll(decoder.get()), 1);
+}
+
+TEST_F(Receiver, SlicesOfALongChunkCutNoHeader) {
+  for (const int32_t inFirstSlice : {1, 9, 13, 14, 25, 300, 624, 625}) {
+    for (const size_t form : {Jfif, Compact, Prefixed}) {
+      const Bytes frame = middle.In_Form(form), filler((size_t)(StreamBufferSize - inFirstSlice), 'x');
+      JDEC_Flush(decoder.get());
+      EXPECT_NE(Push(decoder.get(), Joined({filler, frame, small.compact})), -1);
+      EXPECT_EQ(Current_Picture(decoder.get()), Picture_Of(small));
+      EXPECT_NE(Push(decoder.get(), Joined({filler, frame})), -1) << form << " with " << inFirstSlice;
+      EXPECT_EQ(Current_Picture(decoder.get()), Picture_Of(middle)) << form << " with " << inFirstSlice;
+    }
+  }
+}
+
 TEST_F(Receiver, PollingSkipsAHeaderWithoutScan) {
   Bytes bytes = small.jfif;
   bytes[610] = 0;
   Store(decoder.get(), bytes);
   EXPECT_EQ(Poll(decoder.get()), 3);
+}
+
+TEST_F(Receiver, DelimitedFramesLeaveTheOpenFrameAlone) {
+  const size_t half = large.compact.size() / 2;
+  Push(decoder.get(), Bytes(large.compact.begin(), large.compact.begin() + (ptrdiff_t)half));
+  JDEC_show(decoder.get(), 0);
+  for (size_t i = 0; i < frames.size(); ++i) {
+    const Bytes& frame = frames[i];
+    const auto form = i % 3 == Jfif ? FrameForm::Jfif : i % 3 == Compact ? FrameForm::Compact : FrameForm::Prefixed;
+    EXPECT_TRUE(Decode_Delimited_Frame(decoder.get(), frame, form, false));
+    EXPECT_EQ(Current_Picture(decoder.get()), pictures[i]) << i;
+    EXPECT_FALSE(Decode_Delimited_Frame(decoder.get(), {frame.data(), 11}, form, false));
+    EXPECT_FALSE(Decode_Delimited_Frame(decoder.get(), Bytes(FrameStoreSize + 1), form, false));
+    EXPECT_EQ(Current_Picture(decoder.get()), pictures[i]) << i;
+  }
+  JDEC_show(decoder.get(), 1);
+  EXPECT_NE(Push(decoder.get(), Bytes(large.compact.begin() + (ptrdiff_t)half, large.compact.end())), -1);
+  EXPECT_EQ(Current_Picture(decoder.get()), Picture_Of(large));
 }
 
 TEST_F(Receiver, NoDataAddsNothing) {

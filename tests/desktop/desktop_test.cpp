@@ -78,6 +78,8 @@ TEST_F(PluginTest, IsSeenAndUsedOnADesktop) {
         {"search --name page windowmove 20 30 mousemove 100 100 click 3", "the menu where the window is now", 135, 124, diskette},
         {"key Escape", "closed by the key", 135, 124, picture},
         {"click 3", "and open again", 135, 124, diskette},
+        {"search --name page windowfocus --sync key Escape", "closed by a key for the page below", 135, 124, picture},
+        {"click 3", "and open again", 135, 124, diskette},
     };
     for (const auto& [action, sight, x, y, color] : steps) {
       Do(action);

@@ -67,6 +67,34 @@ struct TestDisplay : TestWindow {
   }
 };
 
+inline std::vector<uint32_t> Colors(const TestDisplay& test, const RECT& rect) {
+  std::vector<uint32_t> colors;
+  for (LONG y = rect.top; y < rect.bottom; ++y) {
+    for (LONG x = rect.left; x < rect.right; ++x) colors.push_back(test.Color(x, y));
+  }
+  return colors;
+}
+
+/** Checks that the window shows the text on black at that point, over the height of a line. Draws it there to compare. */
+inline void Expect_Text(const TestDisplay& test, int32_t x, int32_t y, const std::string& text, int32_t height = 16,
+                        uint32_t color = White) {
+  const RECT line = {x, y, 320, y + height};
+  const std::vector<uint32_t> shown = Colors(test, line);
+  const HDC dc = GetDC(test.handle);
+  const HFONT font = CreateFontA(height, height / 2, 0, 0, FW_NORMAL, FALSE, FALSE, FALSE, DEFAULT_CHARSET, OUT_DEFAULT_PRECIS,
+                                 CLIP_DEFAULT_PRECIS, PROOF_QUALITY, FIXED_PITCH | FF_MODERN, "Courier New");
+  const HGDIOBJ old = SelectObject(dc, font);
+  SelectObject(dc, GetStockObject(BLACK_BRUSH));
+  Rectangle(dc, line.left, line.top, line.right, line.bottom);
+  SetBkMode(dc, TRANSPARENT);
+  SetTextColor(dc, RGB(color >> 16, color >> 8 & 255, color & 255));
+  TextOutA(dc, x, y, text.c_str(), static_cast<int>(text.size()));
+  SelectObject(dc, old);
+  DeleteObject(font);
+  ReleaseDC(test.handle, dc);
+  EXPECT_EQ(shown, Colors(test, line)) << text;
+}
+
 inline RasterPtr Noise_Raster(int32_t width, int32_t height, int32_t bits) {
   RasterPtr raster(Raster_New(width, height, bits));
   std::ranges::copy(Noise{7}.Some(static_cast<size_t>(height * raster->pitch)), raster->rows[height - 1]);

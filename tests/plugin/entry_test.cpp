@@ -1,5 +1,6 @@
 #include "plugin/browser.h"
 #include "plugin/instances.h"
+#include "plugin/pump.h"
 
 TEST_F(PluginTest, SlotsAreRefilledAndTheMarkStaysAboveTheHighest) {
   Start(1, 0);
@@ -17,6 +18,8 @@ TEST_F(PluginTest, SlotsAreRefilledAndTheMarkStaysAboveTheHighest) {
   EXPECT_EQ(instanceHighWater, MostInstances - 1);
   Add(&many[5]);
   EXPECT_EQ(instanceSlots[5], &many[5]);
+  EXPECT_EQ(instanceHighWater, MostInstances - 1) << "a lower slot doesn't lower it";
+  EXPECT_EQ(SendMessageA(listed, WM_APP, 0, 0), OwnResult);
   for (NPInstance& each : many) plugin.destroy(&each, nullptr);
 }
 
@@ -97,4 +100,32 @@ TEST_F(PluginTest, AnInstanceMayEndInItsDrawCallback) {
     EXPECT_FALSE(instance.pdata || IsWindow(drawn));
     Stop();
   }
+}
+
+/** A draw callback runs in the middle of a frame. Whatever it does, the bytes after that frame wait until the frame is done. */
+TEST_F(PluginTest, ThePumpIsNotEnteredAgainFromADrawCallback) {
+  static PluginTest* browser;
+  static int32_t depth, deepest;
+  static const auto give = [](const Bytes& bytes) {
+    return browser->plugin.write(&browser->instance, &browser->stream, 0, (int32_t)bytes.size(), const_cast<uint8_t*>(&bytes[0]));
+  };
+  browser = this;
+  shown = depth = deepest = 0;
+  JdecDecoder* const decoder = Open(0, 1, window);
+  Pump();
+  const VelartoDrawCallback reenter = [](HWND drawn, uintptr_t) {
+    deepest = std::max(deepest, ++depth);
+    if (++shown <= 3) give(browser->large.jfif);  // Must not post the pump's message either.
+    Pump();
+    SendMessageA(drawn, PumpMessage, 0, 0);
+    --depth;
+  };
+  JDEC_register_draw_callback(decoder, reenter, 0);
+  int32_t frames = 3;
+  // More than the pump takes at once, less than makes the decoder skip pictures.
+  for (size_t bytes = 0; bytes < 200000; bytes += small.compact.size(), ++frames) give(small.compact);
+  Pump();
+  EXPECT_EQ(deepest, 1);
+  EXPECT_EQ(shown, frames);
+  EXPECT_EQ(Current_Picture(decoder), Picture_Of(large)) << "written last";
 }

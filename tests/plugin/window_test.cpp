@@ -87,3 +87,31 @@ TEST_F(PluginTest, MenuLooksAndActsAsTheRecordingAllows) {
   });
   EXPECT_EQ(again, "001") << "closing it had started nothing";
 }
+
+/** Keys and buttons that reached the page or the plug-in's window. */
+static std::vector<UINT> Input_Passed(std::initializer_list<HWND> windows) {
+  std::vector<UINT> passed;
+  for (const UINT input : {WM_KEYDOWN, WM_CHAR, WM_LBUTTONDOWN, WM_LBUTTONUP, WM_RBUTTONUP}) {
+    for (const HWND each : windows) {
+      seen = {};
+      PostMessageA(each, input, 'X', 0);
+      Pump();
+      if (seen.message != 0) passed.push_back(seen.message);
+    }
+  }
+  return passed;
+}
+
+TEST_F(PluginTest, AnOpenMenuKeepsKeysAndButtonsFromThePage) {
+  Open(0, 1, window);
+  Menu(window, CloseButtonId, [&](HWND menu) {
+    EXPECT_EQ(Input_Passed({page, window}), std::vector<UINT>());
+    EXPECT_FALSE(IsWindowEnabled(page));
+    seen = {};
+    PostMessageA(page, WM_APP + 1, 0, 0);
+    Pump();
+    EXPECT_EQ(seen.message, UINT{WM_APP + 1}) << "other messages come";
+    EXPECT_EQ(Rig_Dialog(), menu);
+  });
+  EXPECT_EQ(Input_Passed({page}), (std::vector<UINT>{WM_KEYDOWN, WM_CHAR, WM_LBUTTONDOWN, WM_LBUTTONUP, WM_RBUTTONUP}));
+}

@@ -180,13 +180,15 @@ bool Rig_Guards_Whole(const IDirectDrawSurface* surface) {
   const PixelView& view = surface->view;
   if (!surface->memory) return true;
   const size_t pitch = static_cast<size_t>(view.pitch), used = Pixel_Row_Bytes(view), outer = GuardRows * pitch;
-  const size_t bytes = pitch * static_cast<size_t>(view.height) + 2 * outer;
-  const uint8_t value = Guard_Value(bytes);
-  for (size_t at = 0; at < bytes; ++at) {
-    const bool guard = at < outer || at >= bytes - outer || at % pitch >= used;
-    if (guard && surface->memory[at] != value) return false;
-  }
-  return true;
+  const uint8_t* const first = surface->memory + outer;
+  const uint8_t* const last = first + pitch * static_cast<size_t>(view.height);
+  const uint8_t value = Guard_Value(static_cast<size_t>(last - first) + 2 * outer);
+  const auto whole = [value](const uint8_t* from, size_t bytes) {
+    return std::all_of(from, from + bytes, [value](uint8_t byte) { return byte == value; });
+  };
+  for (const uint8_t* row = first; row < last; row += pitch)
+    if (!whole(row + used, pitch - used)) return false;
+  return whole(surface->memory, outer) && whole(last, outer);
 }
 
 /* ---- The registry --------------------------------------------------------------------------------------------------------- */
