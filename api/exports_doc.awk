@@ -83,7 +83,7 @@ END {
   print "# The exports\n"
   print "`./run exports` makes this page from [api/exports.list](../api/exports.list) and the docstrings in"
   print "[include/velarto.h](../include/velarto.h), which describe arguments, ownership and results. The `.def`"
-  print "file of `velarto.dll` and the version script of `libvelarto.so` are made from the same list."
+  print "files of `velarto.dll` and the version script of `libvelarto.so` are made from the same list."
   print ""
   print "On 32-bit Windows the " count " names are exported undecorated, with these ordinals. Arguments and results"
   print "have 32 bits there, except the results of `NP_`, which have 16. On Linux the names are the same;"

@@ -1,23 +1,43 @@
-# Makes the .def file for Windows, or the version script for other platforms, from the list of exports. A line of the list has
-# ordinal, name and calling convention; # starts a comment.
+# Makes from the list of exports: for Windows the .def file, from which the DLL is linked, and its import library; for other
+# platforms the version script. A line of the list has ordinal, name and calling convention, and with stdcall the bytes of its
+# arguments; # starts a comment.
 function(velarto_exports target list)
   set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${list})
   file(STRINGS ${list} lines REGEX "^[0-9]")
   set(def "LIBRARY velarto.dll\nEXPORTS\n")
+  set(import_def ${def})
   set(script "{\n  global:\n")
+  set(entries "")
   foreach(line IN LISTS lines)
     separate_arguments(fields UNIX_COMMAND "${line}")
     list(GET fields 0 ordinal)
     list(GET fields 1 name)
+    list(GET fields 2 convention)
+    set(decorated ${name})
+    if(convention STREQUAL stdcall)
+      list(GET fields 3 bytes)
+      set(decorated ${name}@${bytes})
+    endif()
     string(APPEND def "  ${name} @${ordinal}\n")
+    string(APPEND import_def "  ${decorated} @${ordinal}\n")
     string(APPEND script "    ${name};\n")
+    string(APPEND entries "EXPORT(${name}, ${ordinal})\n")
   endforeach()
   string(APPEND script "  local: *;\n};\n")
   if(WIN32)
     file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/velarto.def CONTENT "${def}" @ONLY)
+    file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/velarto_import.def CONTENT "${import_def}" @ONLY)
+    # For the client that tests them all.
+    file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/exports.inc CONTENT "${entries}" @ONLY)
     target_sources(${target} PRIVATE ${PROJECT_BINARY_DIR}/velarto.def)
     target_link_options(${target} PRIVATE -Wl,--enable-stdcall-fixup)
     set_target_properties(${target} PROPERTIES PREFIX "")
+    if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+      # Callers that are compiled by the header want the names of stdcall decorated, which the DLL exports plain. The linker's own
+      # import library has them plain as well; -k lets ours lead from the one to the other.
+      add_custom_command(TARGET ${target} POST_BUILD VERBATIM COMMAND ${CMAKE_DLLTOOL} -k -d ${PROJECT_BINARY_DIR}/velarto_import.def
+        -l $<TARGET_LINKER_FILE:${target}>)
+    endif()
   else()
     file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/velarto.map CONTENT "${script}" @ONLY)
     target_link_options(${target} PRIVATE -Wl,--version-script=${PROJECT_BINARY_DIR}/velarto.map)

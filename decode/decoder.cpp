@@ -7,21 +7,20 @@
 #include "decode/speed.h"
 #include "display/context.h"
 #include "pixel/arena.h"
-
-#include <mutex>
+#include "platform/lock.h"
 
 LONG jdecInitCount = 0;
 /** The tables are ready when JDEC_Init returns, on whatever thread it is called. */
-static std::mutex initLock;
+static ModuleLock initLock;
 
 int32_t VELARTO_CDECL JDEC_Init(void) {
-  const std::lock_guard guard(initLock);
+  const LockHold hold(initLock);
   if (++jdecInitCount == 1) Init_Global_Tables();
   return 1;
 }
 
 void VELARTO_CDECL JDEC_Exit(void) {
-  const std::lock_guard guard(initLock);
+  const LockHold hold(initLock);
   if (--jdecInitCount >= 1) return;
   Free_Global_Tables();
   jdecInitCount = 0;

@@ -6,8 +6,7 @@
 #include "overlay/motion_area.h"
 #include "pixel/arena.h"
 #include "pixel/convert.h"
-
-#include "platform/win32.h"
+#include "platform/module.h"
 
 #include <algorithm>
 
@@ -15,6 +14,8 @@ namespace {
 
 constexpr size_t BitmapInfoSize = sizeof(BITMAPINFOHEADER) + PaletteSlots * sizeof(RGBQUAD);
 constexpr DWORD RedMask555 = 0x7C00, RedMask565 = 0xF800;
+
+constexpr char ddrawName[] = "ddraw.dll";
 
 constexpr char depthCaption[] = "PLUGIN";
 constexpr char depthMessage[] =
@@ -76,9 +77,20 @@ int32_t Surface_Format(int32_t bits, DWORD redMask) {
   return redMask == RedMask565 ? int32_t{PixelRgb565} : -1;
 }
 
+using CreateDirectDraw = HRESULT(WINAPI*)(GUID*, IDirectDraw**, IUnknown*);
+using EnumerateDevices = HRESULT(WINAPI*)(LPDDENUMCALLBACKA, LPVOID);
+using EnumerateDevicesEx = HRESULT(WINAPI*)(LPDDENUMCALLBACKEXA, LPVOID, DWORD);
+
+/** Loads DirectDraw, which not every system has, and makes its object. The library stays loaded as long as the display lives. */
+bool Load_DirectDraw(JdecDisplay* display) {
+  display->ddrawLibrary = LoadLibraryA(ddrawName);
+  const auto create = Module_Function<CreateDirectDraw>(display->ddrawLibrary, "DirectDrawCreate");
+  return create && SUCCEEDED(create(nullptr, &display->ddraw, nullptr));
+}
+
 /** Sets up DirectDraw, up to the window's clipper. False means the GDI form; what was made so far stays in the record. */
 bool Open_DirectDraw(JdecDisplay* display) {
-  if (FAILED(DirectDrawCreate(nullptr, &display->ddraw, nullptr))) return false;
+  if (!Load_DirectDraw(display)) return false;
   IDirectDraw_SetCooperativeLevel(display->ddraw, display->window, DDSCL_NORMAL);
 
   DDSURFACEDESC description = {};
@@ -150,7 +162,13 @@ BOOL CALLBACK Count_First_Device(GUID*, LPSTR, LPSTR, LPVOID count) {
   return FALSE;
 }
 
-using EnumerateDevices = HRESULT(WINAPI*)(BOOL(CALLBACK*)(GUID*, LPSTR, LPSTR, LPVOID, HMONITOR), LPVOID, DWORD);
+/** A system without the extended enumeration counts as having one device. */
+HRESULT Count_Devices(HMODULE library, int32_t* count) {
+  if (const auto enumerate = Module_Function<EnumerateDevicesEx>(library, "DirectDrawEnumerateExA"))
+    return enumerate(Count_Attached_Device, count, DDENUM_ATTACHEDSECONDARYDEVICES);
+  const auto enumerate = Module_Function<EnumerateDevices>(library, "DirectDrawEnumerateA");
+  return enumerate ? enumerate(Count_First_Device, count) : E_FAIL;
+}
 
 }  // namespace
 
@@ -199,6 +217,7 @@ void Display_Destroy(JdecDisplay* display) {
     if (display->ddPalette) IDirectDrawPalette_Release(display->ddPalette);
     IDirectDraw_Release(display->ddraw);
   }
+  if (display->ddrawLibrary) FreeLibrary(display->ddrawLibrary);
   Display_Free_Palette(display);
   if (display->lock) CloseHandle(display->lock);
   Arena_Free(display->bitmapInfo);
@@ -229,13 +248,9 @@ JdecDisplay* Display_Use_GDI(JdecDisplay* display) {
 }
 
 HRESULT Display_Count_Adapters(int32_t* count) {
-  const HMODULE library = LoadLibraryA("ddraw.dll");
+  const HMODULE library = LoadLibraryA(ddrawName);
   if (!library) return E_FAIL;
-  const auto enumerate =
-      reinterpret_cast<EnumerateDevices>(reinterpret_cast<void*>(GetProcAddress(library, "DirectDrawEnumerateExA")));
-  // A system without the extended enumeration counts as having one device.
-  const HRESULT result = enumerate != nullptr ? enumerate(Count_Attached_Device, count, DDENUM_ATTACHEDSECONDARYDEVICES)
-                                              : DirectDrawEnumerateA(Count_First_Device, count);
+  const HRESULT result = Count_Devices(library, count);
   FreeLibrary(library);
   return result;
 }

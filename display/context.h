@@ -30,8 +30,8 @@ struct JdecDisplay {
   int32_t pixelFormat;       ///< A PixelFormat.
   int32_t displayBits;       ///< Bits per pixel of the screen: 8, 16, 24 or 32.
   BITMAPINFO* bitmapInfo;    ///< Owned: a header and 240 colour slots, 1000 bytes.
-  HPALETTE gdiPalette;       ///< 8-bit GDI form only.
-  HPALETTE previousPalette;  ///< The palette that gdiPalette replaced.
+  HPALETTE gdiPalette;       ///< On 8 bits, for frames that GDI shows.
+  HPALETTE previousPalette;  ///< 8-bit GDI form only: the palette that gdiPalette replaced.
   uint8_t* motionCells;      ///< Owned: MotionRows rows of MotionColumns flags. Null in the GDI form.
   HANDLE lock;               ///< Guards the two fields below. Null in the GDI form.
   DrawCallback drawCallback;
@@ -48,6 +48,7 @@ struct JdecDisplay {
   int32_t motionSearchEnabled;
   RECT motionRect;  ///< Picture coordinates.
   char motionString[256];
+  HMODULE ddrawLibrary;  ///< Owned, or null: DirectDraw, once it was wanted.
 };
 
 /** Rows of the off-screen surface for a picture size. From the top: the picture, the motion-area layer, the template strips, the
@@ -76,5 +77,6 @@ void Display_Destroy(JdecDisplay* display);
 /** Changes the display to the GDI form and returns it. DirectDraw objects made so far stay until Display_Destroy. */
 JdecDisplay* Display_Use_GDI(JdecDisplay* display);
 
-/** Adds the number of display devices to *count. Gives the enumeration's result; E_FAIL if DirectDraw can't be loaded. */
+/** Adds the number of display devices to *count. Gives the enumeration's result; E_FAIL if DirectDraw or its enumeration is
+ *  missing. */
 HRESULT Display_Count_Adapters(int32_t* count);

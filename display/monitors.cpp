@@ -1,6 +1,7 @@
 #include "display/monitors.h"
 
-#include "platform/win32.h"
+#include "platform/lock.h"
+#include "platform/module.h"
 
 namespace {
 
@@ -21,23 +22,25 @@ constexpr const char* functionNames[] = {"GetSystemMetrics",    "MonitorFromWind
 
 constexpr DWORD AnyDefault = MONITOR_DEFAULTTOPRIMARY | MONITOR_DEFAULTTONEAREST;
 
-template <typename Function>
-Function Find_Function(HMODULE library, const char* name) {
-  return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(library, name)));
-}
-
 MonitorFunctions Find_Functions() {
   const HMODULE library = GetModuleHandleA("USER32");
   if (!library) return {};
   for (const char* name : functionNames) {
     if (!GetProcAddress(library, name)) return {};
   }
-  return {Find_Function<FromWindow>(library, "MonitorFromWindow"), Find_Function<FromRect>(library, "MonitorFromRect"),
-          Find_Function<GetInfo>(library, "GetMonitorInfoA")};
+  return {Module_Function<FromWindow>(library, "MonitorFromWindow"), Module_Function<FromRect>(library, "MonitorFromRect"),
+          Module_Function<GetInfo>(library, "GetMonitorInfoA")};
 }
 
-const MonitorFunctions& Functions() {
-  static const MonitorFunctions functions = Find_Functions();
+ModuleLock functionsLock;
+
+/** They are looked up once. */
+MonitorFunctions Functions() {
+  static bool found = false;
+  static MonitorFunctions functions = {};
+  const LockHold hold(functionsLock);
+  if (!found) functions = Find_Functions();
+  found = true;
   return functions;
 }
 

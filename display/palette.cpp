@@ -14,8 +14,10 @@ constexpr int32_t PaletteSize = 256;
 /** In the DirectDraw table the colour of an index is this many entries before that index: the system keeps the first ten entries
  *  of the screen's palette, and the table comes after them. */
 constexpr int32_t TableOffset = 10;
-/** PC_RESERVED and PC_NOCOLLAPSE: no entry is merged with another. Unused entries are filled with this byte. */
-constexpr uint8_t KeptEntry = 5;
+/** Entries of the screen that a palette can have; the system keeps ten at either end. */
+constexpr WORD PlacedEntries = 236;
+/** No entry is merged with another. Unused entries are filled with this byte. */
+constexpr uint8_t KeptEntry = PC_RESERVED | PC_NOCOLLAPSE;
 constexpr WORD PaletteVersion = 0x300;
 
 constexpr uint8_t Limited(int32_t value) { return static_cast<uint8_t>(std::clamp(value >> 16, 0, 255)); }
@@ -31,10 +33,16 @@ void Fill_Colors(Table* table, int32_t offset, uint8_t flags) {
   }
 }
 
-void Build_DirectDraw(JdecDisplay* display) {
+/** The colours as the palette manager is to place them: it starts after the screen's first ten entries. */
+Table Placed_Colors(uint8_t flags) {
   Table table;
   std::memset(&table, KeptEntry, sizeof table);
-  Fill_Colors(&table, TableOffset, KeptEntry);
+  Fill_Colors(&table, TableOffset, flags);
+  return table;
+}
+
+void Build_DirectDraw(JdecDisplay* display) {
+  Table table = Placed_Colors(KeptEntry);
   IDirectDraw_CreatePalette(display->ddraw, DDPCAPS_8BIT, table.data(), &display->ddPalette, nullptr);
   if (display->ddPalette) IDirectDrawSurface_SetPalette(display->primarySurface, display->ddPalette);
 }
@@ -54,13 +62,23 @@ void Fill_Color_Indices(BITMAPINFO* info) {
   std::memcpy(info->bmiColors, indices, sizeof indices);
 }
 
-void Build_GDI(JdecDisplay* display) {
+/** The palette for what GDI shows. That of the DirectDraw form is placed as the one of DirectDraw is, so that neither takes
+ * entries from the other. Null if the system fails. */
+HPALETTE Create_Logical(bool directDraw) {
   LogicalPalette logical;
-  Fill_Colors(&logical.entries, 0, 0);
+  if (directDraw) {
+    logical.palNumEntries = PlacedEntries;
+    logical.entries = Placed_Colors(PC_NOCOLLAPSE);
+  } else {
+    Fill_Colors(&logical.entries, 0, 0);
+  }
+  return CreatePalette(reinterpret_cast<const LOGPALETTE*>(&logical));
+}
+
+void Build_GDI(JdecDisplay* display) {
   Fill_Color_Indices(display->bitmapInfo);
   const HDC dc = GetDC(display->window);
   if (!dc) return;
-  display->gdiPalette = CreatePalette(reinterpret_cast<const LOGPALETTE*>(&logical));
   if (display->gdiPalette) {
     display->previousPalette = SelectPalette(dc, display->gdiPalette, FALSE);
     RealizePalette(dc);
@@ -80,6 +98,7 @@ PALETTEENTRY Palette_Color(int32_t index) {
 
 void Display_Build_Palette(JdecDisplay* display) {
   if (display->pixelFormat != PixelPalette8) return;
+  display->gdiPalette = Create_Logical(display->useDirectDraw != 0);
   if (display->useDirectDraw) {
     Build_DirectDraw(display);
   } else {

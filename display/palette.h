@@ -11,8 +11,8 @@ constexpr int32_t PaletteSlots = 240;
 /** Colour of an index from FirstColor to LastColor, flags 0. */
 PALETTEENTRY Palette_Color(int32_t index);
 
-/** Makes and installs the palette, in either form, while the display is made. Does nothing on screens of other depths. If the
- *  system fails, the display has no palette. */
+/** Makes and installs the palette, in either form, while the display is made; the DirectDraw form gets the logical one as well,
+ *  for frames that GDI shows. Does nothing on screens of other depths. If the system fails, the display has no palette. */
 void Display_Build_Palette(JdecDisplay* display);
 
 /** Gives the window its previous palette again and deletes that of the GDI form. */

@@ -1,8 +1,8 @@
 #include "platform/module.h"
 
 HMODULE Module_Handle() {
-  HMODULE module = nullptr;
-  const DWORD flags = GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT;
-  GetModuleHandleExA(flags, reinterpret_cast<LPCSTR>(&Module_Handle), &module);
-  return module;
+  // The memory that a module is loaded into was allocated at its handle. GetModuleHandleEx would need Windows XP.
+  MEMORY_BASIC_INFORMATION memory = {};
+  if (VirtualQuery(reinterpret_cast<LPCVOID>(&Module_Handle), &memory, sizeof memory) == 0) return nullptr;
+  return static_cast<HMODULE>(memory.AllocationBase);
 }

@@ -94,6 +94,20 @@ TEST(Present, TheMonitorIsAskedForEachFrame) {
   }
 }
 
+TEST(Present, GdiStretchesSmoothly) {
+  TestDisplay test(Screen_With(32, true), 128, 128);
+  test.Open(64, 64);
+  const RasterPtr raster = Plain_Raster(64, 64, Black);
+  for (int32_t y = 0; y < 64; ++y) std::fill_n(reinterpret_cast<uint32_t*>(raster->rows[y]) + 32, 32, White);
+  test.Show(raster);
+  EXPECT_EQ(test.Color(62, 62), Black);
+  EXPECT_EQ(test.Color(65, 62), White);
+  for (const int32_t x : {63, 64}) {
+    EXPECT_GT(test.Color(x, 62), Black);
+    EXPECT_LT(test.Color(x, 62), White);
+  }
+}
+
 enum Overlay { NoOverlay, MotionLayer, PtzBitmap, PositionBitmap };
 
 void Switch_On(JdecDisplay* display, Overlay overlay) {
@@ -113,6 +127,7 @@ TEST(Present, EachFailureHasItsReaction) {
     Overlay overlay;
     uint32_t color;
   } cases[] = {{LockOffscreen, always, other, NoOverlay, Green},
+               {LockOffscreen, 1, busy, NoOverlay, Blue},
                {LockWithoutPixels, always, other, NoOverlay, Green},
                {RestoreOffscreen, always, other, NoOverlay, Blue},
                {BltPrimary, 5, busy, NoOverlay, Blue},
@@ -141,6 +156,7 @@ TEST(Present, EachFailureHasItsReaction) {
     if (restoreFails) Rig_Fail(RestorePrimary);
     test.Show(blue, mdMode);
     EXPECT_EQ(test.Color(33, 33), color);  // Beside the grid's lines.
+    EXPECT_TRUE(code != busy || step == LockOffscreen || Rig_Calls(step) == times + 2) << "asked again, not waited for";
     const bool shownAgain = step == LockOffscreen || step == LockWithoutPixels;
     EXPECT_EQ(test.frames, color == Blue || shownAgain ? 2 : 1);
     Rig_Fail_Nothing();

@@ -239,6 +239,10 @@ TEST_F(LayerTest, FailuresLeaveThingsAsTheyWere) {
   EXPECT_EQ(decoder->display->motionCells[3 * 20 + 3], 0);
   Rig_Fail_Nothing();
   motion.Expect_Model("untouched");
+  Rig_Fail(RigStep::LockOffscreen, 0, 1, DDERR_WASSTILLDRAWING);
+  JDEC_show_rectangle(decoder, 5, 6, 9, 8, 0);
+  EXPECT_EQ(Last_Rect().width, 9) << "a busy blitter is waited for";
+  JDEC_show_rectangle(decoder, 5, 6, 9, 8, 1);
   JDEC_enable_MD(nullptr, 1);
   call_all(nullptr);
 

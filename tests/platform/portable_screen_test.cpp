@@ -13,6 +13,8 @@ TEST_F(PortableScreenTest, CopiesOverItselfDoNotRepeat) {
     Screen_Set_Up(Screen_Of_Depth(bits));
     IDirectDraw* ddraw = nullptr;
     ASSERT_EQ(DirectDrawCreate(nullptr, &ddraw, nullptr), DD_OK);
+    EXPECT_EQ(Make_Surface(ddraw, 3, 6), nullptr) << "no level yet";
+    ASSERT_EQ(IDirectDraw_SetCooperativeLevel(ddraw, nullptr, DDSCL_NORMAL), DD_OK);
     IDirectDrawSurface* surface = Make_Surface(ddraw, 3, 6);
     IDirectDraw_Release(ddraw);
     ASSERT_NE(surface, nullptr);
@@ -50,6 +52,28 @@ TEST_F(PortableScreenTest, WindowsFollowTheScreen) {
   Screen_Remove();
   EXPECT_EQ(Rig_Window_Pixels(window, &width, &height, &pitch), nullptr);
   EXPECT_EQ(GetDeviceCaps(nullptr, BITSPIXEL), 24);
+}
+
+TEST_F(PortableScreenTest, ThePrimaryDrawsOnTheWholeScreen) {
+  HWND left = Make_Window(10, 10, 8, 20), right = Make_Window(18, 10, 8, 20);
+  IDirectDraw* ddraw = nullptr;
+  ASSERT_EQ(DirectDrawCreate(nullptr, &ddraw, nullptr), DD_OK);
+  ASSERT_EQ(IDirectDraw_SetCooperativeLevel(ddraw, left, DDSCL_NORMAL), DD_OK);
+  IDirectDrawSurface* primary = Make_Surface(ddraw);
+  IDirectDraw_Release(ddraw);
+  ASSERT_NE(primary, nullptr);
+  On_Surface(primary, [](HDC dc) {
+    SelectObject(dc, GetStockObject(BLACK_BRUSH));
+    return static_cast<COLORREF>(Rectangle(dc, 14, 12, 20, 14) && TextOutA(dc, 14, 20, "M", 1));
+  });
+  Expect_Pixels(left, {{3, 2, White}, {4, 2, 0}, {7, 3, 0}});
+  Expect_Pixels(right, {{0, 2, 0}, {1, 3, 0}, {2, 2, White}});
+  for (HWND window : {left, right}) {
+    bool inked = false;
+    for (int i = 0; i < 8 * 10; ++i) inked |= Pixel(window, i % 8, 10 + i / 8) != White;
+    EXPECT_TRUE(inked);
+  }
+  IDirectDrawSurface_Release(primary);
 }
 
 std::atomic<int> wakes, pixelChanges;

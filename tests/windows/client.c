@@ -1,7 +1,7 @@
-/* A client in plain C. It calls the JDEC_ operations through the header's prototypes, linked. It calls the other two families as
- * programs without a header do, in Visual Basic for example, where an operation is declared by its arguments
- * (Declare Function vb_JDEC_New Lib "velarto.dll" [Alias "#6"] (ByVal width As Long, ByVal height As Long) As Long), and checks
- * the stack after each call. All operations are found by name and by ordinal. */
+/* A client in plain C. It links all exports through the header's prototypes and the import library, and calls each family so. It
+ * calls two of them again as programs without a header do, in Visual Basic for example, where an operation is declared by its
+ * arguments (Declare Function vb_JDEC_New Lib "velarto.dll" [Alias "#6"] (ByVal width As Long, ByVal height As Long) As Long),
+ * and checks the stack after each call. All operations are found by name and by ordinal. */
 #include "velarto.h"
 
 #include <windows.h>
@@ -12,7 +12,7 @@
 #include <string.h>
 
 /* The frame to decode, and its picture as a BMP file from each way of calling the DLL. */
-enum { Width = 96, Height = 64, Quality = 40, BmpSize = Width * Height * 3 + 54, Ways = 4 };
+enum { Width = 96, Height = 64, Quality = 40, BmpSize = Width * Height * 3 + 54, Ways = 6 };
 static uint8_t frame[4096], bmp[Ways][BmpSize];
 static uint32_t frameSize;
 static HMODULE library;
@@ -29,6 +29,25 @@ static void* Find(const char* name, int ordinal) {
 
 /* ---- The header's prototypes ---------------------------------------------------------------------------------------------- */
 
+/* Each export is linked, and leads to the one that its name and its ordinal lead to: by a jump through the import table. */
+static void Check_Links(void) {
+  typedef void (*Operation)(void);
+  static const struct {
+    const char* name;
+    int ordinal;
+    Operation linked;
+  } exports[] = {
+#define EXPORT(name, ordinal) {#name, ordinal, (Operation)name},
+#include "exports.inc"
+  };
+  for (size_t i = 0; i < sizeof exports / sizeof *exports; ++i) {
+    const uint8_t* const jump = (const uint8_t*)exports[i].linked;
+    void** slot = NULL;
+    memcpy(&slot, jump + 2, sizeof slot);
+    CHECK(jump[0] == 0xFF && jump[1] == 0x25 && *slot == Find(exports[i].name, exports[i].ordinal));
+  }
+}
+
 static void Run_Linked(uint8_t* picture) {
   int32_t status = 0, width = 0, height = 0;
   FILE* const file = fopen("client.jpg", "w+b");
@@ -43,6 +62,26 @@ static void Run_Linked(uint8_t* picture) {
   fclose(file);
   JDEC_Free(decoder);
   JDEC_Exit();
+}
+
+static void Run_Linked_Stdcall(uint8_t* picture) {
+  CHECK(vb_JDEC_Init() == 1);
+  JdecDecoder* const decoder = vb_JDEC_New(320, 240);
+  CHECK(vb_JDEC_Draw_Init(decoder, NULL) == 1);
+  CHECK(vb_JDEC_Receive_Data(decoder, (int32_t)frameSize, frame) == (int32_t)frameSize);
+  CHECK(vb_JDEC_get_decompressed_bitmap_ex2(decoder, picture, BmpSize) == BmpSize);
+  vb_JDEC_Free(decoder);
+  vb_JDEC_Exit();
+}
+
+static void Run_Linked_Guarded(uint8_t* picture) {
+  CHECK(decoder_Initialize() == 1);
+  JdecDecoder* const decoder = decoder_new();
+  CHECK(decoder_draw_init(decoder, NULL) == 1);
+  CHECK(decoder_receive_data(decoder, (int32_t)frameSize, frame) == (int32_t)frameSize);
+  CHECK(decoder_get_decompressed_bitmap_ex2(decoder, picture, BmpSize) == BmpSize);
+  decoder_free(decoder);
+  decoder_Shutdown();
 }
 
 /* ---- Without a header ----------------------------------------------------------------------------------------------------- */
@@ -148,12 +187,12 @@ int main(void) {
   library = LoadLibraryA("velarto.dll");
   if (!library || !file) exit(printf("no velarto.dll, or no frame\n"));
   frameSize = (uint32_t)fread(frame, 1, sizeof frame, file);
-  Find("JDEC_Draw_Init", 26), Find("JDEC_Exit", 27), Find("JDEC_Free", 29), Find("JDEC_Get_Quality", 30), Find("JDEC_Init", 31);
-  Find("JDEC_New", 32), Find("JDEC_Receive_Data", 33), Find("JDEC_Write_JFIF_File", 38), Find("JDEC_get_size", 43);
-  Find("JDEC_get_decompressed_bitmap_ex2", 42);
+  Check_Links();
   Run_Linked(bmp[0]);
-  Run_Cdecl(bmp[1]);
-  Run_Stdcall(bmp[2], bmp[3]);
+  Run_Linked_Stdcall(bmp[1]);
+  Run_Linked_Guarded(bmp[2]);
+  Run_Cdecl(bmp[3]);
+  Run_Stdcall(bmp[4], bmp[5]);
   for (int way = 1; way < Ways; ++way) CHECK(memcmp(bmp[way], bmp[0], BmpSize) == 0);
   if (!failures) printf("ok: %d ways to the same picture\n", Ways);
   return failures != 0;

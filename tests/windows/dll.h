@@ -59,17 +59,14 @@ struct DllTest : testing::Test {
   /** Waits until the window shows the decoder's picture, repainting now and then; gives how many pixels still differ. */
   int Differing_Pixels(HWND window) { return Differing_Pixels(window, Expected()); }
   int Differing_Pixels(HWND window, const Bytes& expected) {
-    // On 8 bits Wine keeps some of the palette's entries for itself: a few colours are replaced by their neighbours in the
-    // palette, one chroma step away.
-    const int most = Screen_Depth() == 8 ? 66 : 0;
-    const auto same = [most](int a, int b) { return std::abs(a - b) <= most; };
     int differing = 0;
     for (int attempt = 0; attempt < 20; ++attempt) {
       Pump_Messages(100);
       const Bytes shown = Read_Screen(window);
       if (shown.size() != expected.size()) return -1;
       differing = 0;
-      for (size_t i = 0; i < shown.size(); i += 4) differing += !std::equal(&shown[i], &shown[i] + 3, &expected[i], same);
+      const Bytes reachable = On_Palette(expected);
+      for (size_t i = 0; i < shown.size(); i += 4) differing += !std::equal(&shown[i], &shown[i] + 3, &reachable[i]);
       if (differing == 0) return 0;
       Repaint(window);
     }

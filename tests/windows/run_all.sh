@@ -1,7 +1,9 @@
 #!/usr/bin/env bash
 # run_all.sh FOLDER: runs the Windows programs of a build under Wine (cmake/windows-run.sh): the DLL in its DirectDraw and in its GDI form, on
-# screens of 32 and 16 bits, in its GDI form on one of 8 bits, where Wine has no 3D, and with the kernels of lower levels; the plug-in in a page
-# and in the host; a client in C; the kernels in 32 bits; and the platform tests on Windows' own operations. Ends with a closing line.
+# screens of 32 and 16 bits, in its GDI form on those of 15 and 8 bits, without ddraw.dll, and with the kernels of lower levels; the plug-in in a
+# page and in the host; a client in C; the kernels in 32 bits; and the platform tests on Windows' own operations, those of palettes on 8 bits.
+# Ends with a closing line. What Wine can't run: the DirectDraw form on 15 and 8 bits, where it has no 3D, so that its primary surface lies in
+# system memory; a lost primary surface that refuses to be drawn on; and more than one monitor.
 set -uo pipefail
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 folder=$1
@@ -14,9 +16,12 @@ cat >"$work/commands" <<'END'
 VELARTO_FORM=ddraw windows_tests.exe
 depth=16 VELARTO_FORM=ddraw windows_tests.exe
 depth=16 VELARTO_FORM=gdi WINE_D3D_CONFIG=renderer=no3d windows_tests.exe
+depth=15 VELARTO_FORM=gdi windows_tests.exe
 depth=8 VELARTO_FORM=gdi windows_tests.exe
+depth=8 platform_tests.exe --gtest_filter=GdiPaletteTest.*
+WINEDLLOVERRIDES=ddraw= VELARTO_FORM=gdi windows_tests.exe --gtest_filter=DllTest.*
 WINE_D3D_CONFIG=renderer=no3d shell_tests.exe
-platform_tests.exe
+platform_tests.exe --gtest_filter=-GdiPaletteTest.*
 VELARTO_FORM=gdi WINE_D3D_CONFIG=renderer=no3d windows_tests.exe
 VELARTO_DLL=velarto-sse2.dll VELARTO_FORM=gdi WINE_D3D_CONFIG=renderer=no3d windows_tests.exe
 VELARTO_DLL=velarto-plain.dll VELARTO_FORM=gdi WINE_D3D_CONFIG=renderer=no3d windows_tests.exe

@@ -3,6 +3,8 @@
 
 #include "platform/portable/paint/pixels.h"
 
+#include <vector>
+
 /** Something to draw on. */
 struct Canvas {
   PixelView view;  ///< Without pixels, what is drawn is lost.
@@ -13,6 +15,9 @@ struct Canvas {
 Canvas Canvas_Of(HWND window);
 /** That of the uppermost window with a pixel at this place of the screen; without pixels if there is none. */
 Canvas Canvas_At(LONG x, LONG y);
+
+/** Those of all windows that show, each above those before it. */
+std::vector<Canvas> All_Canvases();
 
 /** Tell the desktop of new pixels of a window, if there is such a window, or of all windows. */
 void Canvas_Changed(HWND window);

@@ -77,17 +77,21 @@ HRESULT DirectDrawEnumerateExA(LPDDENUMCALLBACKEXA callback, LPVOID context, DWO
   return DD_OK;
 }
 
-HRESULT IDirectDraw_SetCooperativeLevel(IDirectDraw*, HWND, DWORD flags) {
+HRESULT IDirectDraw_SetCooperativeLevel(IDirectDraw* ddraw, HWND, DWORD flags) {
   HRESULT code = E_FAIL;
   if (Step_Fails(RigStep::SetCooperativeLevel, &code)) return code;
-  return flags == DDSCL_NORMAL ? DD_OK : DDERR_INVALIDPARAMS;
+  if (flags != DDSCL_NORMAL) return DDERR_INVALIDPARAMS;
+  ddraw->leveled = true;
+  return DD_OK;
 }
 
 HRESULT IDirectDraw_CreateClipper(IDirectDraw*, DWORD, IDirectDrawClipper** clipper, IUnknown*) {
   return Make_Object(RigStep::CreateClipper, clipper);
 }
 
-HRESULT IDirectDraw_CreatePalette(IDirectDraw*, DWORD flags, PALETTEENTRY* entries, IDirectDrawPalette** palette, IUnknown*) {
+HRESULT IDirectDraw_CreatePalette(IDirectDraw* ddraw, DWORD flags, PALETTEENTRY* entries, IDirectDrawPalette** palette,
+                                  IUnknown*) {
+  if (!ddraw->leveled) return DDERR_NOCOOPERATIVELEVELSET;
   if (!(flags & DDPCAPS_8BIT) || !entries) return DDERR_INVALIDPARAMS;
   const HRESULT result = Make_Object(RigStep::CreatePalette, palette);
   if (FAILED(result)) return result;

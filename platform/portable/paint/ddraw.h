@@ -25,6 +25,7 @@ constexpr HRESULT DDERR_UNSUPPORTED = E_NOTIMPL;
 constexpr HRESULT DDERR_INVALIDRECT = DirectDraw_Error(150);
 constexpr HRESULT DDERR_NOCLIPLIST = DirectDraw_Error(205);
 constexpr HRESULT DDERR_NOCOLORKEY = DirectDraw_Error(215);
+constexpr HRESULT DDERR_NOCOOPERATIVELEVELSET = DirectDraw_Error(212);
 constexpr HRESULT DDERR_SURFACEBUSY = DirectDraw_Error(430);
 constexpr HRESULT DDERR_CANTLOCKSURFACE = DirectDraw_Error(435);
 constexpr HRESULT DDERR_SURFACELOST = DirectDraw_Error(450);
@@ -91,7 +92,7 @@ HRESULT DirectDrawCreate(GUID* guid, IDirectDraw** ddraw, IUnknown* outer);
 HRESULT DirectDrawEnumerateA(LPDDENUMCALLBACKA callback, LPVOID context);
 HRESULT DirectDrawEnumerateExA(LPDDENUMCALLBACKEXA callback, LPVOID context, DWORD flags);
 
-/** Only DDSCL_NORMAL. */
+/** Only DDSCL_NORMAL. Until a level is set, surfaces and palettes are refused with DDERR_NOCOOPERATIVELEVELSET. */
 HRESULT IDirectDraw_SetCooperativeLevel(IDirectDraw* ddraw, HWND window, DWORD flags);
 /** Makes the primary surface (DDSCAPS_PRIMARYSURFACE), or an off-screen one with a width and height, zero-filled, in the screen's
  *  format. */
@@ -112,15 +113,19 @@ HRESULT IDirectDrawSurface_SetColorKey(IDirectDrawSurface* surface, DWORD flags,
  * entry i shows entry i - 10 of the palette. Keeps a reference. */
 HRESULT IDirectDrawSurface_SetPalette(IDirectDrawSurface* surface, IDirectDrawPalette* palette);
 /** Gives the pixels of an off-screen surface at desc->lpSurface, of rect or with null of all of it, rows desc->lPitch bytes
- * apart. DDERR_SURFACEBUSY while it is locked or a DC of it is in use. The primary one can't be locked. */
+ * apart. DDERR_SURFACEBUSY while it is locked or a DC of it is in use; while the blitter works on it, DDLOCK_WAIT waits, and
+ * without that flag the code is DDERR_WASSTILLDRAWING. DDLOCK_READONLY changes nothing, other flags are refused. The primary one
+ * can't be locked. */
 HRESULT IDirectDrawSurface_Lock(IDirectDrawSurface* surface, RECT* rect, DDSURFACEDESC* desc, DWORD flags, HANDLE event);
 HRESULT IDirectDrawSurface_Unlock(IDirectDrawSurface* surface, LPVOID pixels);
 /** Copies a rectangle, stretched where the sizes differ (smoothly without a key); null rectangles mean all. DDBLT_KEYSRC leaves
- *  out the source's key; effects is null. Rectangles may lie in one surface and overlap. One that is empty or reaches outside an
- *  off-screen surface gives DDERR_INVALIDRECT; on the primary one the copy is cut to the client area of the clipper's window, and
- *  is lost without one. */
+ *  out the source's key; effects is null. While the blitter is busy, DDBLT_WAIT waits, and without that flag the code is
+ *  DDERR_WASSTILLDRAWING. Other flags are refused. Rectangles may lie in one surface and overlap. One that is empty or reaches
+ * outside an off-screen surface gives DDERR_INVALIDRECT; on the primary one the copy is cut to the client area of the clipper's
+ * window, and is lost without one. */
 HRESULT IDirectDrawSurface_Blt(IDirectDrawSurface* surface, RECT* rect, IDirectDrawSurface* source, RECT* sourceRect, DWORD flags,
                                DDBLTFX* effects);
+/** That of the primary surface is of the whole screen: what is drawn is not cut to the clipper's window. */
 HRESULT IDirectDrawSurface_GetDC(IDirectDrawSurface* surface, HDC* dc);
 HRESULT IDirectDrawSurface_ReleaseDC(IDirectDrawSurface* surface, HDC dc);
 /** Restores a lost surface, with its pixels zero. DD_OK also when it wasn't lost. */

@@ -17,6 +17,12 @@ bool Copy_Allowed(const int (&places)[4], const int (&sizes)[4]) {
   return true;
 }
 
+/** A rectangle of the DC as one of the canvas's view. */
+RECT Area_On(const Canvas& canvas, int x, int y, int width, int height) {
+  const LONG left = x - canvas.origin.x, top = y - canvas.origin.y;
+  return {left, top, left + width, top + height};
+}
+
 PixelView Bitmap_View(HBITMAP bitmap) {
   return {reinterpret_cast<uint8_t*>(bitmap->colors.data()),
           bitmap->width,
@@ -57,9 +63,14 @@ int StretchDIBits(HDC dc, int x, int y, int width, int height, int srcX, int src
   const int32_t top = source.view.height - srcY - srcHeight;
   const RECT part{srcX, top, srcX + srcWidth, top + srcHeight};
   if (!Rect_Within(part, source.view.width, source.view.height)) return 0;
-  const Canvas canvas = Dc_Canvas(dc);
-  const LONG left = x - canvas.origin.x, upper = y - canvas.origin.y;
-  Copy_Pixels({canvas.view, {left, upper, left + width, upper + height}, source.view, part, dc->stretchMode == HALFTONE});
+  uint32_t reachable[256];
+  for (Canvas& canvas : Dc_Canvases(dc)) {
+    if (canvas.view.format.bits == 8 && dc->window) {
+      Dc_Reachable_Colors(dc, reachable);
+      canvas.view.format.colors = reachable;
+    }
+    Copy_Pixels({canvas.view, Area_On(canvas, x, y, width, height), source.view, part, dc->stretchMode == HALFTONE});
+  }
   dc->changed = true;
   return srcHeight;
 }
@@ -71,10 +82,10 @@ BOOL StretchBlt(HDC dc, int x, int y, int width, int height, HDC source, int src
   if (!Copy_Allowed({x, y, srcX, srcY}, {width, height, srcWidth, srcHeight})) return FALSE;
   const RECT part{srcX, srcY, srcX + srcWidth, srcY + srcHeight};
   if (!Rect_Within(part, source->bitmap->width, source->bitmap->height)) return FALSE;
-  const Canvas canvas = Dc_Canvas(dc);
-  const LONG left = x - canvas.origin.x, upper = y - canvas.origin.y;
-  const RECT area{left, upper, left + width, upper + height};
-  Copy_Pixels({canvas.view, area, Bitmap_View(source->bitmap), part, dc->stretchMode == HALFTONE});
+  for (const Canvas& canvas : Dc_Canvases(dc)) {
+    const RECT area = Area_On(canvas, x, y, width, height);
+    Copy_Pixels({canvas.view, area, Bitmap_View(source->bitmap), part, dc->stretchMode == HALFTONE});
+  }
   dc->changed = true;
   return TRUE;
 }

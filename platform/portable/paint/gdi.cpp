@@ -18,7 +18,7 @@ HBRUSH__ whiteBrush{{GdiKind::Brush, true}, true, White}, blackBrush{{GdiKind::B
 HPEN__ whitePen{{GdiKind::Pen, true}, true, White}, blackPen{{GdiKind::Pen, true}, true, Black},
     nullPen{{GdiKind::Pen, true}, false, Black};
 HFONT__ systemFont{{GdiKind::Font, true}, 16, 8};
-HPALETTE__ systemPalette{{GdiKind::Palette, true}, {}};
+HPALETTE__ systemPalette{{GdiKind::Palette, true}, {}, {}, {}};
 
 /** Sets the slot; gives what was there. */
 template <class Handle>
@@ -54,22 +54,22 @@ HDC Dc_Make(HWND window, IDirectDrawSurface* surface) {
 }
 
 void Dc_End(HDC dc) {
-  if (dc->changed) Canvas_Changed(dc->surface ? Surface_Window(dc->surface) : dc->window);
+  if (dc->changed && dc->surface && dc->surface->primary) All_Canvases_Changed();
+  if (dc->changed && dc->window) Canvas_Changed(dc->window);
   delete dc;
   Object_Ended();
 }
 
 /** What the DC would draw on without a clip. */
-static Canvas Whole_Canvas(HDC dc) {
-  if (dc->bitmap) return {};
-  if (!dc->surface) return {Canvas_Of(dc->window).view, {0, 0}};
-  return dc->surface->primary ? Canvas_Of(Surface_Window(dc->surface)) : Canvas{dc->surface->view, {0, 0}};
+static std::vector<Canvas> Whole_Canvases(HDC dc) {
+  if (dc->surface && dc->surface->primary) return All_Canvases();
+  if (dc->surface) return {{dc->surface->view, {0, 0}}};
+  if (dc->window) return {{Canvas_Of(dc->window).view, {0, 0}}};
+  return {};
 }
 
-Canvas Dc_Canvas(HDC dc) {
-  Canvas canvas = Whole_Canvas(dc);
-  if (!dc->clipped) return canvas;
-  RECT part = dc->clip;
+/** The part of a canvas in a rectangle of the DC. */
+static Canvas Canvas_Part(Canvas canvas, RECT part) {
   OffsetRect(&part, -canvas.origin.x, -canvas.origin.y);
   part = Rect_Common(part, {0, 0, canvas.view.width, canvas.view.height});
   if (Rect_Is_Empty(part)) return {};
@@ -78,6 +78,13 @@ Canvas Dc_Canvas(HDC dc) {
   canvas.view.height = part.bottom - part.top;
   canvas.origin = {canvas.origin.x + part.left, canvas.origin.y + part.top};
   return canvas;
+}
+
+std::vector<Canvas> Dc_Canvases(HDC dc) {
+  std::vector<Canvas> canvases = Whole_Canvases(dc);
+  if (!dc->clipped) return canvases;
+  for (Canvas& canvas : canvases) canvas = Canvas_Part(canvas, dc->clip);
+  return canvases;
 }
 
 HDC GetDC(HWND window) {
@@ -202,14 +209,15 @@ BOOL Rectangle(HDC dc, int left, int top, int right, int bottom) {
   if (left > right) std::swap(left, right);
   if (top > bottom) std::swap(top, bottom);
   if (!Rect_Allowed({left, top, right, bottom})) return TRUE;
-  const Canvas canvas = Dc_Canvas(dc);
   dc->changed = true;
-  if (dc->brush->draws) Fill_Rect(canvas, left, top, right, bottom, dc->brush->color);
-  if (!dc->pen->draws) return TRUE;
-  Fill_Rect(canvas, left, top, right, top + 1, dc->pen->color);
-  Fill_Rect(canvas, left, bottom - 1, right, bottom, dc->pen->color);
-  Fill_Rect(canvas, left, top, left + 1, bottom, dc->pen->color);
-  Fill_Rect(canvas, right - 1, top, right, bottom, dc->pen->color);
+  for (const Canvas& canvas : Dc_Canvases(dc)) {
+    if (dc->brush->draws) Fill_Rect(canvas, left, top, right, bottom, dc->brush->color);
+    if (!dc->pen->draws) continue;
+    Fill_Rect(canvas, left, top, right, top + 1, dc->pen->color);
+    Fill_Rect(canvas, left, bottom - 1, right, bottom, dc->pen->color);
+    Fill_Rect(canvas, left, top, left + 1, bottom, dc->pen->color);
+    Fill_Rect(canvas, right - 1, top, right, bottom, dc->pen->color);
+  }
   return TRUE;
 }
 
@@ -221,10 +229,14 @@ struct PixelPlace {
   ColorFormat format;
 };
 
-/** The pixel at a place of the DC; the screen's DC shows that of the uppermost window there. */
+/** The pixel at a place of the DC; for the screen and the primary surface that of the uppermost window there. */
 PixelPlace Find_Pixel(HDC dc, int x, int y) {
-  const bool ofScreen = !dc->window && !dc->surface && !dc->bitmap;
-  const Canvas canvas = ofScreen ? Canvas_At(x, y) : Dc_Canvas(dc);
+  Canvas canvas{};
+  if (dc->surface ? dc->surface->primary : !dc->window && !dc->bitmap) {
+    canvas = Canvas_At(x, y);
+  } else if (!dc->bitmap) {
+    canvas = Dc_Canvases(dc)[0];
+  }
   return {Pixel_At(canvas.view, x - canvas.origin.x, y - canvas.origin.y), canvas.view.format};
 }
 

@@ -84,8 +84,8 @@ int SetStretchBltMode(HDC dc, int mode);
 /** Copies a part of a bottom-up bitmap of 8, 16, 24 or 32 bits, stretched to a rectangle. Rows of the bitmap lie at multiples of
  * 4 bytes and srcY counts from the bottom. 16 bits are 5-5-5, or with BI_BITFIELDS what the three masks say, 8 bits index the
  * colours after the header (biClrUsed of them, or 256). At the same size the copy is exact. usage is DIB_RGB_COLORS and operation
- * SRCCOPY. Gives the rows of the bitmap used; 0 for anything else than the above, for sizes below 1, and if the part reaches
- * outside the bitmap. */
+ * SRCCOPY. On an 8-bit screen the copy has the system's colours and those of the DC's palette. Gives the rows of the bitmap used;
+ * 0 for anything else than the above, for sizes below 1, and if the part reaches outside the bitmap. */
 int StretchDIBits(HDC dc, int x, int y, int width, int height, int srcX, int srcY, int srcWidth, int srcHeight, const void* bits,
                   const BITMAPINFO* info, UINT usage, DWORD operation);
 
@@ -99,12 +99,17 @@ HBITMAP CreateDIBitmap(HDC dc, const BITMAPINFOHEADER* header, DWORD flags, cons
 /** Describes a bitmap in a BITMAP. Gives the bytes stored, or 0 for another kind of object or size. */
 int GetObjectA(HGDIOBJ object, int size, void* out);
 
+constexpr BYTE PC_RESERVED = 1, PC_NOCOLLAPSE = 4;
+
 /* Palettes. An 8-bit screen shows 256 colours: the system's own twenty at both ends, and between them, from the eleventh on,
  * those of the palette installed last. Other screens have none. */
 HPALETTE CreatePalette(const LOGPALETTE* palette);
-/** Selects a palette into the DC; gives the one before, or null for null. */
+/** Selects a palette into the DC; gives the one before, or null for null. One selected as background takes no colours of the
+ * screen: RealizePalette then maps it to those there. */
 HPALETTE SelectPalette(HDC dc, HPALETTE palette, BOOL background);
-/** Installs the colours of the DC's palette on an 8-bit screen, each once. Gives how many of the screen's colours changed. */
+/** Installs the colours of the DC's palette on an 8-bit screen: each once and only if the system has it not, but those with
+ * PC_NOCOLLAPSE always. Bitmaps copied with the palette get these colours from then on. Gives how many of the screen's colours
+ * changed. */
 UINT RealizePalette(HDC dc);
 /** Reads colours of an 8-bit screen; gives how many, 0 on other screens. */
 UINT GetSystemPaletteEntries(HDC dc, UINT first, UINT count, PALETTEENTRY* entries);

@@ -44,6 +44,8 @@ struct HBITMAP__ {
 struct HPALETTE__ {
   GdiObject object;
   std::vector<uint32_t> colors;  ///< 0xRRGGBB.
+  std::vector<uint8_t> flags;    ///< Of each colour.
+  std::vector<uint8_t> indices;  ///< For each colour the index of the screen that it was realized to last; empty before.
 };
 
 struct HDC__ {
@@ -60,14 +62,18 @@ struct HDC__ {
   HPEN pen;
   HBRUSH brush;
   HPALETTE palette;
+  bool background;  ///< How the palette was selected.
 };
 
 /** A DC for a window, a surface, or with both null the screen. Null without memory. */
 HDC Dc_Make(HWND window, IDirectDrawSurface* surface);
 /** Frees a DC and tells the desktop what was drawn. */
 void Dc_End(HDC dc);
-/** What the DC draws on at this moment. */
-Canvas Dc_Canvas(HDC dc);
+/** What the DC draws on at this moment. That of the primary surface draws on the whole screen, on all windows. */
+std::vector<Canvas> Dc_Canvases(HDC dc);
+/** What bitmaps copied through the DC to an 8-bit screen are matched to: the system's own colours and those of the DC's palette,
+ * each at the index that it was realized to. The other indices repeat the first colour, so that none is chosen. */
+void Dc_Reachable_Colors(HDC dc, uint32_t (&colors)[256]);
 
 /** A bitmap as StretchDIBits is given it. */
 struct DibSource {
@@ -86,6 +92,7 @@ uint32_t Entry_Color(const PALETTEENTRY& entry);
 
 struct IDirectDraw {
   ULONG references;
+  bool leveled;  ///< Its cooperative level is set.
 };
 
 struct IDirectDrawClipper {

@@ -1,5 +1,6 @@
 /* The colours of an 8-bit screen, as the system's palette manager assigns them. */
 #include "platform/portable/paint/gdi.h"
+#include "platform/portable/paint/nearest_color.h"
 #include "platform/portable/paint/objects.h"
 #include "platform/portable/paint/screen.h"
 #include "platform/portable/system/seam.h"
@@ -7,6 +8,7 @@
 #include <algorithm>
 #include <iterator>
 #include <new>
+#include <span>
 
 namespace {
 
@@ -48,31 +50,64 @@ UINT Install_Colors(const uint32_t* colors, size_t count) {
 
 HPALETTE CreatePalette(const LOGPALETTE* palette) {
   if (!palette) return nullptr;
-  HPALETTE made = new (std::nothrow) HPALETTE__{{GdiKind::Palette, false}, {}};
+  HPALETTE made = new (std::nothrow) HPALETTE__{{GdiKind::Palette, false}, {}, {}, {}};
   if (!made) return nullptr;
-  made->colors.resize(palette->palNumEntries);
-  std::transform(palette->palPalEntry, palette->palPalEntry + palette->palNumEntries, made->colors.begin(), Entry_Color);
+  for (const PALETTEENTRY& entry : std::span(palette->palPalEntry, palette->palNumEntries)) {
+    made->colors.push_back(Entry_Color(entry));
+    made->flags.push_back(entry.peFlags);
+  }
   Object_Made();
   return made;
 }
 
-HPALETTE SelectPalette(HDC dc, HPALETTE palette, BOOL) {
+HPALETTE SelectPalette(HDC dc, HPALETTE palette, BOOL background) {
   if (!dc || !palette) return nullptr;
   HPALETTE before = dc->palette;
   dc->palette = palette;
+  dc->background = background != FALSE;
   return before;
 }
 
-UINT RealizePalette(HDC dc) {
-  if (!dc || dc->palette->object.stock) return 0;
-  // A colour that the system has, or that came earlier in the palette, takes no entry.
+namespace {
+
+/** The colours of a palette that need entries of the screen: unless an entry is kept, the system may have it, or it came before.
+ */
+std::vector<uint32_t> Colors_To_Place(const HPALETTE__& palette) {
   std::vector<uint32_t> placed;
-  for (const uint32_t color : dc->palette->colors) {
-    const bool owned = std::find(screenState.colors, screenState.colors + FirstFree, color) != screenState.colors + FirstFree ||
-                       std::find(screenState.colors + EndFree, screenState.colors + 256, color) != screenState.colors + 256;
-    if (!owned && std::find(placed.begin(), placed.end(), color) == placed.end()) placed.push_back(color);
+  const uint32_t* const system = screenState.colors;
+  for (size_t i = 0; i < palette.colors.size(); ++i) {
+    const uint32_t color = palette.colors[i];
+    const bool owned = std::find(system, system + FirstFree, color) != system + FirstFree ||
+                       std::find(system + EndFree, system + 256, color) != system + 256 ||
+                       std::find(placed.begin(), placed.end(), color) != placed.end();
+    if (!owned || (palette.flags[i] & PC_NOCOLLAPSE)) placed.push_back(color);
   }
-  return Install_Colors(placed.data(), placed.size());
+  return placed;
+}
+
+}  // namespace
+
+UINT RealizePalette(HDC dc) {
+  if (!dc || dc->palette->object.stock || screenState.setup.bits != 8) return 0;
+  HPALETTE palette = dc->palette;
+  UINT changed = 0;
+  if (!dc->background) {
+    const std::vector<uint32_t> placed = Colors_To_Place(*palette);
+    changed = Install_Colors(placed.data(), placed.size());
+  }
+  NearestColors* const nearest = Nearest_For(screenState.colors);
+  palette->indices.clear();
+  for (const uint32_t color : palette->colors) palette->indices.push_back(static_cast<uint8_t>(Nearest_Index(nearest, color)));
+  return changed;
+}
+
+void Dc_Reachable_Colors(HDC dc, uint32_t (&colors)[256]) {
+  const uint32_t* const system = screenState.colors;
+  std::fill(std::begin(colors), std::end(colors), system[0]);
+  std::copy(system, system + FirstFree, colors);
+  std::copy(system + EndFree, system + 256, colors + EndFree);
+  const HPALETTE palette = dc->palette;
+  for (size_t i = palette->indices.size(); i-- > 0;) colors[palette->indices[i]] = palette->colors[i];
 }
 
 UINT GetSystemPaletteEntries(HDC dc, UINT first, UINT count, PALETTEENTRY* entries) {

@@ -32,10 +32,10 @@ void Clear_Pixels(const PixelView& view) {
   for (int32_t y = 0; y < view.height; ++y) std::memset(view.pixels + y * view.pitch, 0, Pixel_Row_Bytes(view));
 }
 
-/** The step's own failure, or the reason why the surface can't be used now. */
-HRESULT Check_Use(const IDirectDrawSurface* surface, RigStep step) {
+/** The step's own failure, or the reason why the surface can't be used now. With `waits`, a busy blitter is none. */
+HRESULT Check_Use(const IDirectDrawSurface* surface, RigStep step, bool waits = false) {
   HRESULT code = E_FAIL;
-  if (Step_Fails(step, &code)) return code;
+  if (Step_Fails(step, &code) && !(waits && code == DDERR_WASSTILLDRAWING)) return code;
   if (Is_Lost(surface)) return DDERR_SURFACELOST;
   return surface->locked || surface->dc ? DDERR_SURFACEBUSY : DD_OK;
 }
@@ -136,7 +136,8 @@ size_t Pixel_Row_Bytes(const PixelView& view) {
   return static_cast<size_t>(view.width) * static_cast<size_t>(view.format.bits / 8);
 }
 
-HRESULT IDirectDraw_CreateSurface(IDirectDraw*, DDSURFACEDESC* desc, IDirectDrawSurface** surface, IUnknown*) {
+HRESULT IDirectDraw_CreateSurface(IDirectDraw* ddraw, DDSURFACEDESC* desc, IDirectDrawSurface** surface, IUnknown*) {
+  if (!ddraw->leveled) return DDERR_NOCOOPERATIVELEVELSET;
   const HRESULT result = Check_Create(desc, surface);
   if (FAILED(result)) return result;
   const bool primary = (desc->ddsCaps.dwCaps & DDSCAPS_PRIMARYSURFACE) != 0;
@@ -194,10 +195,10 @@ HRESULT IDirectDrawSurface_SetPalette(IDirectDrawSurface* surface, IDirectDrawPa
   return DD_OK;
 }
 
-HRESULT IDirectDrawSurface_Lock(IDirectDrawSurface* surface, RECT* rect, DDSURFACEDESC* desc, DWORD, HANDLE) {
-  if (!desc || desc->dwSize != sizeof *desc) return DDERR_INVALIDPARAMS;
+HRESULT IDirectDrawSurface_Lock(IDirectDrawSurface* surface, RECT* rect, DDSURFACEDESC* desc, DWORD flags, HANDLE) {
+  if (!desc || desc->dwSize != sizeof *desc || (flags & ~(DDLOCK_WAIT | DDLOCK_READONLY))) return DDERR_INVALIDPARAMS;
   if (surface->primary) return DDERR_CANTLOCKSURFACE;
-  const HRESULT result = Check_Use(surface, RigStep::LockOffscreen);
+  const HRESULT result = Check_Use(surface, RigStep::LockOffscreen, (flags & DDLOCK_WAIT) != 0);
   if (FAILED(result)) return result;
   const PixelView& view = surface->view;
   const RECT area = rect ? *rect : RECT{0, 0, view.width, view.height};
@@ -217,8 +218,9 @@ HRESULT IDirectDrawSurface_Unlock(IDirectDrawSurface* surface, LPVOID) {
 
 HRESULT IDirectDrawSurface_Blt(IDirectDrawSurface* surface, RECT* rect, IDirectDrawSurface* source, RECT* sourceRect, DWORD flags,
                                DDBLTFX*) {
-  if (!source || source->primary) return DDERR_INVALIDPARAMS;
-  HRESULT result = Check_Use(surface, surface->primary ? RigStep::BltPrimary : RigStep::BltOffscreen);
+  if (!source || source->primary || (flags & ~(DDBLT_KEYSRC | DDBLT_WAIT))) return DDERR_INVALIDPARAMS;
+  const RigStep step = surface->primary ? RigStep::BltPrimary : RigStep::BltOffscreen;
+  HRESULT result = Check_Use(surface, step, (flags & DDBLT_WAIT) != 0);
   if (FAILED(result)) return result;
   if (Is_Lost(source)) return DDERR_SURFACELOST;
   if (source->locked || source->dc) return DDERR_SURFACEBUSY;

@@ -5,6 +5,7 @@
 #include <ft2build.h>
 
 #include <algorithm>
+#include <string_view>
 
 #include FT_FREETYPE_H
 #include FT_TRUETYPE_TABLES_H
@@ -93,6 +94,25 @@ void Draw_Glyph(const PixelView& view, FT_GlyphSlot slot, int32_t x, int32_t y, 
   }
 }
 
+/** Draws a text with its upper left corner at a point of the DC. It may start far outside; what is drawn of it is the part whose
+ * cells touch the canvas. */
+void Draw_Line(const HDC__& dc, const Canvas& canvas, const ScaledFace& scaled, POINT at, std::string_view text) {
+  const int64_t top = int64_t{at.y} - canvas.origin.y;
+  int64_t left = int64_t{at.x} - canvas.origin.x;
+  if (top + scaled.cellHeight <= 0 || top >= canvas.view.height) return;
+  const uint32_t color = Swap_Color(dc.textColor);
+  for (const char letter : text) {
+    const int64_t from = left;
+    left += scaled.cellWidth;
+    if (left + scaled.cellWidth <= 0 || from - scaled.cellWidth >= canvas.view.width) continue;
+    const auto column = static_cast<int32_t>(from), row = static_cast<int32_t>(top);
+    if (dc.backgroundMode == OPAQUE)
+      Fill_Pixels(canvas.view, {column, row, column + scaled.cellWidth, row + scaled.cellHeight}, 0xFFFFFF);
+    if (FT_Load_Char(scaled.face, static_cast<uint8_t>(letter), FT_LOAD_RENDER) != 0) continue;
+    Draw_Glyph(canvas.view, scaled.face->glyph, column, row + scaled.baseline, color);
+  }
+}
+
 }  // namespace
 
 std::span<const char* const> Face_Files() { return faceFiles; }
@@ -100,20 +120,7 @@ std::span<const char* const> Face_Files() { return faceFiles; }
 BOOL TextOutA(HDC dc, int x, int y, LPCSTR text, int length) {
   ScaledFace scaled;
   if (!dc || !text || length < 0 || !Scale_Face(*dc->font, scaled)) return FALSE;
-  const Canvas canvas = Dc_Canvas(dc);
-  // A text may start far outside; what is drawn of it is the part whose cells touch the canvas.
-  const int64_t top = int64_t{y} - canvas.origin.y;
-  int64_t left = int64_t{x} - canvas.origin.x;
-  if (top + scaled.cellHeight <= 0 || top >= canvas.view.height) return TRUE;
+  for (const Canvas& canvas : Dc_Canvases(dc)) Draw_Line(*dc, canvas, scaled, {x, y}, {text, static_cast<size_t>(length)});
   dc->changed = true;
-  const uint32_t color = Swap_Color(dc->textColor);
-  for (int i = 0; i < length; ++i, left += scaled.cellWidth) {
-    if (left + 2 * scaled.cellWidth <= 0 || left - scaled.cellWidth >= canvas.view.width) continue;
-    const auto column = static_cast<int32_t>(left), row = static_cast<int32_t>(top);
-    if (dc->backgroundMode == OPAQUE)
-      Fill_Pixels(canvas.view, {column, row, column + scaled.cellWidth, row + scaled.cellHeight}, 0xFFFFFF);
-    if (FT_Load_Char(scaled.face, static_cast<uint8_t>(text[i]), FT_LOAD_RENDER) != 0) continue;
-    Draw_Glyph(canvas.view, scaled.face->glyph, column, row + scaled.baseline, color);
-  }
   return TRUE;
 }

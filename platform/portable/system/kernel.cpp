@@ -12,7 +12,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
-#include <mutex>
 #include <new>
 #include <thread>
 
@@ -61,6 +60,11 @@ BOOL HeapFree(HANDLE, DWORD, LPVOID memory) {
   std::free(memory);
   return TRUE;
 }
+
+void InitializeCriticalSection(CRITICAL_SECTION*) {}
+void DeleteCriticalSection(CRITICAL_SECTION*) {}
+void EnterCriticalSection(CRITICAL_SECTION* section) { section->mutex.lock(); }
+void LeaveCriticalSection(CRITICAL_SECTION* section) { section->mutex.unlock(); }
 
 HANDLE CreateMutexA(SECURITY_ATTRIBUTES*, BOOL initialOwner, LPCSTR) {
   if (Step_Fails(RigStep::CreateMutex)) return nullptr;

@@ -3,6 +3,8 @@
 
 #include "platform/portable/system/types.h"
 
+#include <mutex>
+
 constexpr DWORD INFINITE = 0xFFFFFFFF;
 constexpr DWORD WAIT_OBJECT_0 = 0;
 constexpr DWORD WAIT_TIMEOUT = 258;
@@ -30,6 +32,22 @@ HANDLE GetProcessHeap();
 LPVOID HeapAlloc(HANDLE heap, DWORD flags, SIZE_T bytes);
 /** Frees memory of HeapAlloc; null is allowed. */
 BOOL HeapFree(HANDLE heap, DWORD flags, LPVOID memory);
+
+struct MEMORY_BASIC_INFORMATION {
+  LPVOID AllocationBase;
+};
+/** For an address in code: AllocationBase is the handle of its module, which is always the one that this code lies in. Gives the
+ * bytes stored, or 0 for another size. */
+SIZE_T VirtualQuery(LPCVOID address, MEMORY_BASIC_INFORMATION* memory, SIZE_T bytes);
+
+/** A recursive lock within the process. */
+struct CRITICAL_SECTION {
+  std::recursive_mutex mutex;
+};
+void InitializeCriticalSection(CRITICAL_SECTION* section);
+void DeleteCriticalSection(CRITICAL_SECTION* section);
+void EnterCriticalSection(CRITICAL_SECTION* section);
+void LeaveCriticalSection(CRITICAL_SECTION* section);
 
 /** A recursive mutex, which the caller owns at once with initialOwner. Attributes and name are null. Null on failure. */
 HANDLE CreateMutexA(SECURITY_ATTRIBUTES* attributes, BOOL initialOwner, LPCSTR name);
@@ -66,9 +84,6 @@ BOOL ReadFile(HANDLE file, LPVOID data, DWORD bytes, DWORD* got, OVERLAPPED* ove
 HMODULE LoadLibraryA(LPCSTR name);
 HMODULE GetModuleHandleA(LPCSTR name);
 BOOL FreeLibrary(HMODULE module);
-/** Gives the module that the address lies in, which is always the one that this code lies in; flags are the two below. */
-constexpr DWORD GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT = 2, GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS = 4;
-BOOL GetModuleHandleExA(DWORD flags, LPCSTR address, HMODULE* module);
 FARPROC GetProcAddress(HMODULE module, LPCSTR name);
 
 /** Text for a debugger. There is none here: the text is dropped. */

@@ -6,6 +6,7 @@
 #include "platform/portable/window/window.h"
 
 #include <cstring>
+#include <optional>
 #include <strings.h>
 
 struct HINSTANCE__ {
@@ -20,6 +21,7 @@ struct NamedFunction {
   HMODULE module;
   const char* name;
   FARPROC function;
+  std::optional<RigStep> step = std::nullopt;  ///< By which a test makes it missing.
 };
 
 /** Callers know the true type and cast back to it. */
@@ -29,13 +31,15 @@ FARPROC As_Procedure(Function* function) {
 }
 
 const NamedFunction namedFunctions[] = {
-    {&ddrawModule, "DirectDrawEnumerateExA", As_Procedure(DirectDrawEnumerateExA)},
+    {&ddrawModule, "DirectDrawCreate", As_Procedure(DirectDrawCreate), RigStep::FindDirectDrawCreate},
+    {&ddrawModule, "DirectDrawEnumerateA", As_Procedure(DirectDrawEnumerateA), RigStep::FindEnumerate},
+    {&ddrawModule, "DirectDrawEnumerateExA", As_Procedure(DirectDrawEnumerateExA), RigStep::FindEnumerateEx},
     {&userModule, "GetSystemMetrics", As_Procedure(GetSystemMetrics)},
     {&userModule, "MonitorFromWindow", As_Procedure(MonitorFromWindow)},
     {&userModule, "MonitorFromRect", As_Procedure(MonitorFromRect)},
     {&userModule, "MonitorFromPoint", As_Procedure(MonitorFromPoint)},
     {&userModule, "EnumDisplayMonitors", As_Procedure(EnumDisplayMonitors)},
-    {&userModule, "GetMonitorInfoA", As_Procedure(GetMonitorInfoA)},
+    {&userModule, "GetMonitorInfoA", As_Procedure(GetMonitorInfoA), RigStep::FindMonitorFunction},
     {&userModule, "EnumDisplayDevicesA", As_Procedure(EnumDisplayDevicesA)},
 };
 
@@ -59,9 +63,10 @@ HMODULE LoadLibraryA(LPCSTR name) {
   return module;
 }
 
-BOOL GetModuleHandleExA(DWORD, LPCSTR, HMODULE* module) {
-  *module = &ownModule;
-  return TRUE;
+SIZE_T VirtualQuery(LPCVOID, MEMORY_BASIC_INFORMATION* memory, SIZE_T bytes) {
+  if (bytes != sizeof *memory) return 0;
+  memory->AllocationBase = &ownModule;
+  return bytes;
 }
 
 BOOL FreeLibrary(HMODULE module) { return module != nullptr; }
@@ -69,9 +74,7 @@ BOOL FreeLibrary(HMODULE module) { return module != nullptr; }
 FARPROC GetProcAddress(HMODULE module, LPCSTR name) {
   for (const NamedFunction& entry : namedFunctions) {
     if (entry.module != module || std::strcmp(entry.name, name) != 0) continue;
-    if (module == &ddrawModule && Step_Fails(RigStep::FindEnumerateEx)) return nullptr;
-    if (std::strcmp(name, "GetMonitorInfoA") == 0 && Step_Fails(RigStep::FindMonitorFunction)) return nullptr;
-    return entry.function;
+    return entry.step && Step_Fails(*entry.step) ? nullptr : entry.function;
   }
   return nullptr;
 }

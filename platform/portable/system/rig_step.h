@@ -2,10 +2,12 @@
 #pragma once
 
 enum class RigStep {
-  Memory,               ///< HeapAlloc gives null.
-  LoadDirectDraw,       ///< LoadLibraryA of ddraw.dll.
-  FindEnumerateEx,      ///< GetProcAddress of DirectDrawEnumerateExA.
-  FindMonitorFunction,  ///< GetProcAddress of GetMonitorInfoA.
+  Memory,                ///< HeapAlloc gives null.
+  LoadDirectDraw,        ///< LoadLibraryA of ddraw.dll.
+  FindDirectDrawCreate,  ///< This and the next three: GetProcAddress of that function.
+  FindEnumerate,
+  FindEnumerateEx,
+  FindMonitorFunction,  ///< GetMonitorInfoA.
   DirectDrawCreate,
   SetCooperativeLevel,
   CreatePrimary,

@@ -15,6 +15,15 @@ Canvas Canvas_At(LONG x, LONG y) {
   return {};
 }
 
+std::vector<Canvas> All_Canvases() {
+  std::vector<Canvas> canvases;
+  for (HWND window : allWindows) {
+    const Canvas canvas = Canvas_Of(window);
+    if (canvas.view.pixels) canvases.push_back(canvas);
+  }
+  return canvases;
+}
+
 void Canvas_Changed(HWND window) {
   if (Window_Find(window)) Desktop_Pixels_Changed(window);
 }
