@@ -1,4 +1,4 @@
-/* The decoder_ family: JDEC_ operations behind a check for a null decoder, and a few that give fixed results. */
+/* The decoder_ family: JDEC_ operations after a check for a null decoder, and a few that give fixed results. */
 #include "decode/speed.h"
 #include "resources/resources.h"
 

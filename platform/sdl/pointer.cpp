@@ -12,7 +12,7 @@ static constexpr uint32_t RestTime = 500, ShownTime = 5000;
 static struct {
   HWND window;     ///< Where the pointer rests; null when no tooltip is to open.
   POINT point;     ///< The place on the screen.
-  uint32_t since;  ///< When the rest began, or when the tooltip opened.
+  uint32_t since;  ///< When the pointer stopped, or when the tooltip opened.
   HWND tooltip;    ///< The one that is open, or null.
 } rest;
 

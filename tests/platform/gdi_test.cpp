@@ -50,7 +50,7 @@ TEST_F(GdiTest, CopiesAtTheSameSizeAreExactAndBottomUp) {
 TEST_F(GdiTest, DrawsInItsClipAlone) {
   const uint8_t black[4] = {};
   const HDC dc = GetDC(window);
-  for (const bool text : {false, true}) {  // Both white: the brush, and what is behind a text.
+  for (const bool text : {false, true}) {  // Both white: the brush, and the background of a text.
     SelectClipRgn(dc, nullptr);
     Stretch(Make_Bitmap(1, 1, 32), black, {0, 0, 80, 60}, {0, 0, 1, 1});
     EXPECT_EQ(IntersectClipRect(dc, 10, 10, 40, 30), SIMPLEREGION);

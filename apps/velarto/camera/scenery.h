@@ -1,4 +1,4 @@
-/* The still parts of the scene: a harbour with a road along it, in a given light. */
+/* The still parts of the scene: a harbour with a street along it, in a given light. */
 #pragma once
 
 #include "apps/velarto/camera/paint.h"
